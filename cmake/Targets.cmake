@@ -1,0 +1,70 @@
+# What every target of the project shares, and the functions that make one.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# Only what is said to be exported leaves the plug-in, so hidden is the default everywhere.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(SAN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+set(SAN_GENERATED_DIR "${CMAKE_BINARY_DIR}/generated")
+
+add_library(san_options INTERFACE)
+target_include_directories(san_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_definitions(san_options INTERFACE $<$<CONFIG:RelWithDebInfo>:_FORTIFY_SOURCE=2>)
+
+if(SAN_SANITIZE)
+  add_compile_options(-fsanitize=${SAN_SANITIZE} -fno-omit-frame-pointer -O1)
+  add_link_options(-fsanitize=${SAN_SANITIZE})
+  if(SAN_SANITIZE MATCHES "undefined")
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()
+
+# For our own code only; generated code is compiled without them.
+add_library(san_warnings INTERFACE)
+target_compile_options(san_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Wcast-align -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wno-restrict>)
+
+# san_library(NAME SOURCES... DEPENDS...): one subsystem. Links only what it builds on.
+function(san_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC san_options ${ARG_DEPENDS}
+                        PRIVATE san_warnings ${ARG_PRIVATE_DEPENDS})
+endfunction()
+
+# san_program(NAME SOURCES... DEPENDS...)
+function(san_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE san_options san_warnings ${ARG_DEPENDS})
+endfunction()
+
+# A GoogleTest program, one ctest entry. THREADED marks it for the run under ThreadSanitizer,
+# whose build makes the target threaded_tests and nothing else.
+add_custom_target(threaded_tests)
+function(san_test name)
+  cmake_parse_arguments(ARG "THREADED" "" "SOURCES;DEPENDS" ${ARGN})
+  san_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  if(ARG_THREADED)
+    set_tests_properties(${name} PROPERTIES LABELS threaded)
+    add_dependencies(threaded_tests ${name})
+  endif()
+endfunction()
+
+# A fuzz target: fuzz/NAME.cpp defines LLVMFuzzerTestOneInput. In every build it is a program
+# that replays files and then runs a fixed number of mutated inputs, which is also its test;
+# with clang and SAN_LIBFUZZER it is a libFuzzer program.
+function(san_fuzz name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  san_program(${name} SOURCES ${name}.cpp replay.cpp DEPENDS ${ARG_DEPENDS})
+  add_test(NAME ${name} COMMAND ${name} --runs 2000 "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS fuzz)
+endfunction()
