@@ -1,0 +1,137 @@
+#include "apiMgmt/common/xmlParser/xmlParser.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+namespace parser {
+
+/// Turns the events of one run of Expat into elements. Its handlers allocate nothing, since
+/// an exception could not pass through the C code that calls them: the text never gets longer
+/// than the source, and the elements never outnumber its "<".
+class DocumentBuilder {
+public:
+    DocumentBuilder(XML_Parser expat, std::string_view source, std::string& text,
+                    std::vector<XMLElement>& elements)
+        : m_expat(expat), m_source(source), m_text(text), m_elements(elements) {
+        XML_SetUserData(expat, this);
+        XML_SetElementHandler(expat, &onStart, &onEnd);
+        XML_SetCharacterDataHandler(expat, &onText);
+        XML_SetStartDoctypeDeclHandler(expat, &onDoctype);
+    }
+
+private:
+    static DocumentBuilder& self(void* user) { return *static_cast<DocumentBuilder*>(user); }
+    static void XMLCALL onStart(void* user, const XML_Char*, const XML_Char**) {
+        self(user).start();
+    }
+    static void XMLCALL onEnd(void* user, const XML_Char*) { self(user).end(); }
+    static void XMLCALL onText(void* user, const XML_Char* text, int length) {
+        self(user).m_text.append(text, static_cast<std::size_t>(length));
+    }
+    static void XMLCALL onDoctype(void* user, const XML_Char*, const XML_Char*, const XML_Char*,
+                                  int) {
+        self(user).refuse();
+    }
+
+    void refuse() {
+        m_refused = true;
+        XML_StopParser(m_expat, XML_FALSE);
+    }
+
+    std::size_t position() const {
+        return static_cast<std::size_t>(XML_GetCurrentByteIndex(m_expat));
+    }
+
+    /// The local name in the start tag at `tag`. Taken from the source, so that it needs no
+    /// memory of its own.
+    std::string_view nameAt(std::size_t tag) const {
+        const std::size_t begin = tag + 1;
+        const std::size_t last = m_source.find_first_of(" \t\r\n/>", begin);
+        const std::string_view name = m_source.substr(begin, last - begin);
+        return name.substr(name.rfind(':') + 1);
+    }
+
+    void start() {
+        if (m_refused) {
+            return;  // Expat may report what stood in the same token
+        }
+        if (++m_depth > XMLParser::maxDepth || m_elements.size() == m_elements.capacity()) {
+            refuse();
+            return;
+        }
+        const std::size_t tag = position();
+        XMLElement& element = m_elements.emplace_back();
+        element.m_name = nameAt(tag);
+        element.m_parent = m_current;
+        if (m_current != nullptr) {
+            (m_current->m_lastChild != nullptr ? m_current->m_lastChild->m_nextSibling
+                                               : m_current->m_firstChild) = &element;
+            m_current->m_lastChild = &element;
+        }
+        // Both places where the content may begin; end() keeps the one that applies.
+        const std::size_t tagSize = static_cast<std::size_t>(XML_GetCurrentByteCount(m_expat));
+        element.m_content = m_source.substr(tag + tagSize, 0);
+        m_current = &element;
+        m_textBegin = m_text.size();
+    }
+
+    void end() {
+        if (m_refused) {
+            return;
+        }
+        XMLElement& element = *m_current;
+        if (element.m_firstChild == nullptr) {
+            element.m_content = std::string_view(m_text).substr(m_textBegin);
+        } else {
+            const auto begin = static_cast<std::size_t>(element.m_content.data() - m_source.data());
+            element.m_content = m_source.substr(begin, position() - begin);
+        }
+        m_current = element.m_parent;
+        --m_depth;
+    }
+
+    XML_Parser m_expat;
+    std::string_view m_source;
+    std::string& m_text;
+    std::vector<XMLElement>& m_elements;
+    XMLElement* m_current = nullptr;
+    std::size_t m_textBegin = 0;  // of the element that started last
+    std::size_t m_depth = 0;
+    bool m_refused = false;
+};
+
+XMLParser::XMLParser(const char* name) : m_name(name != nullptr ? name : "") {}
+
+bool XMLParser::ParseXMLString(std::string_view text) {
+    m_elements.clear();
+    m_text.clear();
+    if (text.size() > maxSize) {
+        return false;
+    }
+    m_source.assign(text);
+    m_text.reserve(text.size());
+    const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
+    m_elements.reserve(std::min(tags, maxElements));
+
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat(
+        XML_ParserCreate("UTF-8"), &XML_ParserFree);
+    if (!expat) {
+        throw std::bad_alloc();
+    }
+    const DocumentBuilder builder(expat.get(), m_source, m_text, m_elements);
+    const bool read = XML_Parse(expat.get(), m_source.data(), static_cast<int>(m_source.size()),
+                                XML_TRUE) == XML_STATUS_OK;
+    if (!read) {
+        m_elements.clear();
+    }
+    return read;
+}
+
+const XMLElement* XMLParser::GetDocumentElement() const {
+    return m_elements.empty() ? nullptr : m_elements.data();
+}
+
+}  // namespace parser

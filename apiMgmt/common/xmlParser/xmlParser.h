@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apiMgmt/common/xmlParser/xmlElement.h"
+
+namespace parser {
+
+/// Reads one XML document into elements.
+///
+///     parser::XMLParser reader(nullptr);
+///     if (reader.ParseXMLString(text))
+///         use(reader.GetDocumentElement()->GetChildElemContentByTag("Error"));
+///
+/// Documents come from outside, so it refuses what a plain document has no use for: a document
+/// type declaration (and with it every entity of one's own), nesting beyond maxDepth, more than
+/// maxElements elements, more than maxSize bytes. The text is UTF-8, whatever its declaration
+/// says.
+class XMLParser {
+public:
+    static constexpr std::size_t maxSize = std::size_t{64} * 1024 * 1024;
+    static constexpr std::size_t maxElements = 1'000'000;
+    static constexpr std::size_t maxDepth = 128;
+
+    /// `name` is what the parser calls itself to a debugger; it may be null.
+    explicit XMLParser(const char* name);
+    XMLParser(const XMLParser&) = delete;
+    XMLParser& operator=(const XMLParser&) = delete;
+
+    /// True when `text` is one well-formed document within the limits. Replaces what was read
+    /// before. Raises nothing but std::bad_alloc.
+    bool ParseXMLString(std::string_view text);
+
+    /// The document's outermost element; null unless the last text was read in full. It
+    /// belongs to the parser.
+    const XMLElement* GetDocumentElement() const;
+
+    const std::string& GetName() const { return m_name; }
+
+private:
+    std::string m_name;
+    std::string m_source;                // what element names and markup point into
+    std::string m_text;                  // the decoded texts of all elements, one after another
+    std::vector<XMLElement> m_elements;  // in document order; never grows beyond its reservation
+};
+
+}  // namespace parser
