@@ -1,0 +1,130 @@
+/* Directives and hooks of the module; docs/module.md is their reference page. */
+#include "host/modGsoap.h"
+
+#include <apr_strings.h>
+#include <http_core.h>
+#include <http_log.h>
+
+/* The plug-ins that the configuration being read names, so that one that serves several
+ * locations is loaded once. Written while the server starts, single-threaded, only. */
+static apr_array_header_t* libraries;
+
+static int beginConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* ptemp) {
+    (void)plog;
+    (void)ptemp;
+    libraries = apr_array_make(pconf, 1, sizeof(struct soapLibrary*));
+    return OK;
+}
+
+static struct soapLibrary* findOrAddLibrary(apr_pool_t* pool, const char* path) {
+    for (int i = 0; i < libraries->nelts; ++i) {
+        struct soapLibrary* known = APR_ARRAY_IDX(libraries, i, struct soapLibrary*);
+        if (strcmp(known->path, path) == 0)
+            return known;
+    }
+    struct soapLibrary* library = apr_pcalloc(pool, sizeof *library);
+    library->path = path;
+    APR_ARRAY_PUSH(libraries, struct soapLibrary*) = library;
+    return library;
+}
+
+static const char* checkFile(cmd_parms* cmd, const char* argument, const char** path) {
+    apr_finfo_t info;
+    *path = ap_server_root_relative(cmd->pool, argument);
+    if (!*path)
+        return apr_psprintf(cmd->pool, "%s: invalid path %s", cmd->cmd->name, argument);
+    apr_status_t status = apr_stat(&info, *path, APR_FINFO_TYPE, cmd->temp_pool);
+    if (status != APR_SUCCESS)
+        return apr_psprintf(cmd->pool, "%s: cannot use %s: %pm", cmd->cmd->name, *path,
+                            (void*)&status);
+    if (info.filetype != APR_REG)
+        return apr_psprintf(cmd->pool, "%s: %s is not a file", cmd->cmd->name, *path);
+    return NULL;
+}
+
+static const char* setLibrary(cmd_parms* cmd, void* location, const char* argument) {
+    const char* path;
+    const char* error = checkFile(cmd, argument, &path);
+    if (!error)
+        ((struct soapLocation*)location)->library = findOrAddLibrary(cmd->pool, path);
+    return error;
+}
+
+static const char* setWsdl(cmd_parms* cmd, void* location, const char* argument) {
+    const char* path;
+    const char* error = checkFile(cmd, argument, &path);
+    return error ? error : soapReadWsdl(&((struct soapLocation*)location)->wsdl, path, cmd->pool);
+}
+
+/* In .htaccess files the directives are not allowed: they load code into the server. */
+// clang-format off
+static const command_rec directives[] = {
+    AP_INIT_TAKE1("SOAPLibrary", setLibrary, NULL, RSRC_CONF | ACCESS_CONF,
+                  "Path of the shared object that serves SOAP requests here"),
+    AP_INIT_TAKE1("SOAPWsdl", setWsdl, NULL, RSRC_CONF | ACCESS_CONF,
+                  "Path of the WSDL file that a GET with the query ?wsdl returns"),
+    {NULL, {NULL}, NULL, 0, RAW_ARGS, NULL}};
+// clang-format on
+
+static void* createLocation(apr_pool_t* pool, char* path) {
+    (void)path;
+    return apr_pcalloc(pool, sizeof(struct soapLocation));
+}
+
+static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
+    const struct soapLocation* base = outer;
+    struct soapLocation* merged = apr_pmemdup(pool, inner, sizeof *merged);
+    if (!merged->library)
+        merged->library = base->library;
+    if (!merged->wsdl)
+        merged->wsdl = base->wsdl;
+    return merged;
+}
+
+static int loadLibraries(apr_pool_t* pconf, server_rec* server) {
+    for (int i = 0; i < libraries->nelts; ++i) {
+        if (!soapLoadLibrary(APR_ARRAY_IDX(libraries, i, struct soapLibrary*), pconf, server))
+            return HTTP_INTERNAL_SERVER_ERROR;
+    }
+    return OK;
+}
+
+/* A mere test of the configuration ends before the step that loads, so it loads here. */
+static int testConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* ptemp,
+                             server_rec* server) {
+    (void)plog;
+    (void)ptemp;
+    return ap_state_query(AP_SQ_RUN_MODE) == AP_SQ_RM_CONFIG_TEST ? loadLibraries(pconf, server)
+                                                                  : OK;
+}
+
+static int finishConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* ptemp,
+                               server_rec* server) {
+    (void)plog;
+    (void)ptemp;
+    return loadLibraries(pconf, server);
+}
+
+static void initChild(apr_pool_t* pool, server_rec* server) {
+    (void)server;
+    soapServeChildInit(pool);
+}
+
+static void registerHooks(apr_pool_t* pool) {
+    (void)pool;
+    ap_hook_pre_config(beginConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_check_config(testConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_post_config(finishConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_child_init(initChild, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_handler(soapHandler, NULL, NULL, APR_HOOK_MIDDLE);
+}
+
+__attribute__((visibility("default")))
+module AP_MODULE_DECLARE_DATA gsoap_module = {STANDARD20_MODULE_STUFF,
+                                              createLocation,
+                                              mergeLocations,
+                                              NULL,
+                                              NULL,
+                                              directives,
+                                              registerHooks,
+                                              0};

@@ -1,0 +1,70 @@
+/*
+ * The module's parts and what they share. One file per concern:
+ *
+ *   modGsoap.c     directives, hooks, registration with the server
+ *   soapLibrary.c  loads a plug-in and judges its table
+ *   soapHandler.c  the gate: method, content type, size; then body, service, reply
+ *   soapBody.c     the request body as the engine's input
+ *   soapServe.c    the context of a thread and the call of the plug-in
+ *   soapWsdl.c     the service's description
+ *   serveGuard.cpp keeps C++ exceptions of a plug-in inside the request
+ */
+#pragma once
+
+/* The server's other headers need this one first. */
+#include <httpd.h>
+
+#include <apr_buckets.h>
+#include <apr_tables.h>
+#include <http_config.h>
+
+#include "host/include/soapInterface.h"
+#include "host/include/soapRequestConf.h"
+
+APLOG_USE_MODULE(gsoap);
+extern module AP_MODULE_DECLARE_DATA gsoap_module;
+
+/* The largest request body in bytes. What an engine spends on a hostile body can grow with the
+ * square of its size, so the limit protects the processor; LimitRequestBody can lower it. */
+#define SOAP_BODY_LIMIT 131072
+
+/* A plug-in: owned by the configuration, its table is set when the server has started. */
+struct soapLibrary {
+    const char* path;
+    const struct apache_soap_interface* table;
+};
+
+/* A service description, cut at its placeholders: address, text, address, text, ... with one
+ * text more than addresses. Owned by the configuration. */
+struct soapWsdl {
+    apr_array_header_t* texts; /* of const char * */
+};
+
+/* What the directives of one location say; null where they say nothing. */
+struct soapLocation {
+    struct soapLibrary* library;
+    struct soapWsdl* wsdl;
+};
+
+/* soapLibrary.c: loads the plug-in and fills in its table. False when it cannot be used; the
+ * error log then has a line that says why. */
+int soapLoadLibrary(struct soapLibrary* library, apr_pool_t* pool, server_rec* server);
+
+/* soapWsdl.c: reads a file into `wsdl`; gives null, or an error text from `pool`. */
+const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* pool);
+/* soapWsdl.c: answers with the description, with the address by which the client came. */
+int soapSendWsdl(request_rec* r, const struct soapWsdl* wsdl);
+
+/* soapBody.c: collects the request body in `body`, copying nothing. OK or an HTTP status. */
+int soapReadBody(request_rec* r, apr_bucket_brigade* body);
+/* soapBody.c: moves up to `room` bytes of the body to `target`; gives how many, 0 at its end. */
+size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room);
+
+/* soapServe.c: called once in each child process before its threads start. */
+void soapServeChildInit(apr_pool_t* pool);
+/* soapServe.c: lets the plug-in answer `body`. Fills `reply`; gives the HTTP status for it. */
+int soapServe(request_rec* r, const struct apache_soap_interface* table, apr_bucket_brigade* body,
+              apr_bucket_brigade* reply);
+
+/* soapHandler.c: the handler "gsoap_handler". */
+int soapHandler(request_rec* r);
