@@ -1,0 +1,48 @@
+// What the engine looks for outside every namespace and the generated code does not give there.
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+
+#include "SanApiPortBinding.nsmap"
+
+// The header's content is a message type; its reader and writer live with the messages.
+
+void soap_serialize_ns1__HccApiHeaderPointer(soap* context, ns1__HccApiHeader* const* header) {
+    SanApi::soap_serialize_PointerTons1__HccApiHeader(context, header);
+}
+
+int soap_out_ns1__HccApiHeaderPointer(soap* context, const char* tag, int id,
+                                      ns1__HccApiHeader* const* header, const char* type) {
+    return SanApi::soap_out_PointerTons1__HccApiHeader(context, tag, id, header, type);
+}
+
+ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* tag,
+                                                     ns1__HccApiHeader** header,
+                                                     const char* /*type*/) {
+    return SanApi::soap_in_PointerTons1__HccApiHeader(context, tag, header, "ns1:HccApiHeader");
+}
+
+// The engine's shared library calls these by their C names for elements whose type it learns at
+// run time.
+
+extern "C" {
+
+void soap_markelement(soap* context, const void* data, int type) {
+    SanApi::soap_markelement(context, data, type);
+}
+
+int soap_putelement(soap* context, const void* data, const char* tag, int id, int type) {
+    return SanApi::soap_putelement(context, data, tag, id, type);
+}
+
+void* soap_getelement(soap* context, const char* tag, int* type) {
+    return SanApi::soap_getelement(context, tag, type);
+}
+
+void* soap_dupelement(soap* context, const void* data, int type) {
+    return SanApi::soap_dupelement(context, data, type);
+}
+
+void soap_delelement(const void* data, int type) {
+    SanApi::soap_delelement(data, type);
+}
+
+}  // extern "C"
