@@ -1,0 +1,8 @@
+#pragma once
+
+namespace sim {
+
+/// What the array knows.
+class ArrayState {};
+
+}  // namespace sim

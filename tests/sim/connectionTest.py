@@ -1,0 +1,91 @@
+"""Many peers at once, and peers that misbehave, against the running simulator."""
+
+import socket
+import struct
+import threading
+import unittest
+
+import wire
+from simProcess import Simulator
+
+PING = wire.request(wire.document("Ping"), credentials=b"")
+
+
+class ConnectionTest(unittest.TestCase):
+    def setUp(self):
+        self.simulator = Simulator()
+        self.addCleanup(lambda: self.assertEqual(self.simulator.stop(), 0))
+        self.port = self.simulator.port
+
+    def ping(self):
+        reply = wire.Reply(wire.exchange(self.port, PING))
+        self.assertTrue(reply.ok, reply.document)
+
+    def connect(self, data=b""):
+        connection = socket.create_connection(("127.0.0.1", self.port), 20)
+        self.addCleanup(connection.close)
+        connection.sendall(data)
+        return connection
+
+    def test_silent_and_slow_peers_do_not_hold_up_others(self):
+        whole = wire.frame(PING)
+        stuck = [self.connect(whole[:n]) for n in range(0, len(whole), 3)]
+        self.ping()
+        for connection, n in zip(stuck, range(0, len(whole), 3)):
+            connection.sendall(whole[n:])
+            self.assertTrue(wire.Reply(wire.receive_all(connection)).ok)
+
+    def test_one_byte_at_a_time(self):
+        connection = self.connect()
+        for byte in wire.frame(PING):
+            connection.sendall(bytes([byte]))
+        self.assertTrue(wire.Reply(wire.receive_all(connection)).ok)
+
+    def test_bad_frame_costs_its_own_connection_only(self):
+        for length in (0, 64 * 1024 * 1024 + 1, 2**32 - 1):
+            with self.subTest(length=length):
+                other = self.connect(wire.frame(PING)[:10])
+                self.assertEqual(self.connect(struct.pack(">I", length)).recv(100), b"")
+                other.sendall(wire.frame(PING)[10:])
+                self.assertTrue(wire.Reply(wire.receive_all(other)).ok)
+
+    def test_unreadable_requests_are_refused_in_words(self):
+        api = wire.bytes_field(3, wire.bytes_field(1, "<compapi/>"))
+        cases = {
+            "not an IPC message": b"\xff\xff\xff",
+            "not an API request": wire.number_field(1, 3),
+            "no API command": wire.number_field(1, 2) + wire.bytes_field(3, api),
+            "not well-formed": wire.request("<compapi>"),
+            "not one ApiMethod": wire.request("<compapi></compapi>"),
+            "NoSuchThing is not supported": wire.request(wire.document("NoSuchThing")),
+        }
+        for words, body in cases.items():
+            with self.subTest(words=words):
+                reply = wire.Reply(wire.exchange(self.port, body))
+                self.assertFalse(reply.ok)
+                self.assertIn(words, reply.error)
+        self.ping()
+
+    def test_every_one_of_many_callers_is_answered(self):
+        failures = []
+
+        def caller():
+            try:
+                for _ in range(50):
+                    self.ping()
+            except Exception as problem:  # whatever it is, the test has to see it
+                failures.append(problem)
+
+        callers = [threading.Thread(target=caller) for _ in range(16)]
+        for thread in callers:
+            thread.start()
+        for thread in callers:
+            thread.join()
+        self.assertEqual(failures, [])
+        self.simulator.process.send_signal(15)
+        self.simulator.reader.join()
+        self.assertEqual(sum("TarnHostCache::Ping" in line for line in self.simulator.lines), 800)
+
+
+if __name__ == "__main__":
+    unittest.main()
