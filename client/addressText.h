@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+
+namespace client {
+
+/// An address as the messages carry it.
+struct Address {
+    SanApi::ns1__InetAddressType type;
+    std::string host;
+    unsigned short port;
+};
+
+/// A storage-facing interface of a server.
+struct Interface {
+    std::string id;
+    /// unknown when the text names no transport.
+    SanApi::ns1__InterfaceType type;
+};
+
+/// Reads "10.0.0.5:3260", "[fe80::1]:3260" or "node1.example.com:3260"; what the host looks like
+/// picks the type. An IPv6 address needs its brackets. Raises std::invalid_argument with a
+/// sentence that says what is wrong.
+Address parseAddress(std::string_view text);
+
+/// Reads "ID", "ID:fc" or "ID:iscsi". An id may itself hold colons, as world-wide names do: only
+/// a known transport after the last one is taken off, and never the last octet of a whole name.
+/// Raises std::invalid_argument.
+Interface parseInterface(std::string_view text);
+
+}  // namespace client
