@@ -1,0 +1,128 @@
+#include "apiMgmt/common/utils/simpleLogger.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <syslog.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/syslogCapture.h"
+
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SimpleLoggerTest : public testing::Test {
+protected:
+    SimpleLoggerTest() { SyslogCapture::Clear(); }
+    ~SimpleLoggerTest() override {
+        SimpleLogger::setMask(0xFF);
+        SimpleLogger::setIncludeHeader(false);
+    }
+
+    static void Log(SimpleLogger::LOGLevel level, const std::string& message,
+                    const std::string& category = "SANService") {
+        SimpleLogger::DoLog(level, "some/source", "SomeFunction", -7, category, message);
+    }
+    static std::string OnlyText() {
+        const auto lines = SyslogCapture::Lines();
+        EXPECT_EQ(lines.size(), 1U);
+        return lines.empty() ? "" : lines.front().text;
+    }
+};
+
+TEST_F(SimpleLoggerTest, OpensTheLogForUserProcesses) {
+    SimpleLogger::open("SANService");
+    SimpleLogger::close();
+    EXPECT_THAT(SyslogCapture::Calls(), ElementsAre("openlog(SANService, 2, 8)", "closelog()"));
+}
+
+TEST_F(SimpleLoggerTest, EachLevelHasItsBitAndItsPriority) {
+    const struct {
+        int level, priority;
+    } cases[] = {{1, 0},  {2, 1},   {4, 2}, {8, 3}, {16, 4},  {32, 5},
+                 {64, 6}, {128, 7}, {0, 6}, {3, 6}, {256, 6}, {255, 6}};
+    for (const auto& test : cases)
+        EXPECT_EQ(
+            SimpleLogger::ConvertToSyslogPriority(static_cast<SimpleLogger::LOGLevel>(test.level)),
+            test.priority)
+            << test.level;
+}
+
+TEST_F(SimpleLoggerTest, MaskKeepsEightBits) {
+    EXPECT_EQ(logLevelMask, 255);
+    SimpleLogger::setMask(0x17F);
+    EXPECT_EQ(logLevelMask, 0x7F);
+}
+
+TEST_F(SimpleLoggerTest, MaskDecidesWhatIsWritten) {
+    SimpleLogger::setMask(127);
+    Log(SimpleLogger::LOGDebug, "quiet");
+    EXPECT_THAT(SyslogCapture::Lines(), IsEmpty());
+    Log(SimpleLogger::LOGWarning, "M");
+    EXPECT_THAT(SyslogCapture::Lines(),
+                ElementsAre(SyslogCapture::Line{LOG_WARNING, "%s",
+                                                "level(4) category(SANService) message(M)\n"}));
+}
+
+TEST_F(SimpleLoggerTest, HeaderNamesTheSource) {
+    SimpleLogger::setIncludeHeader(true);
+    Log(SimpleLogger::LOGError, "M");
+    EXPECT_EQ(OnlyText(),
+              "level(3) category(SANService) file(some/source) func(SomeFunction) line(-7) "
+              "message(M)\n");
+}
+
+TEST_F(SimpleLoggerTest, ClientTextStaysOneLineAndIsNoFormat) {
+    const struct {
+        std::string message, written;
+    } cases[] = {
+        {"100%s %n %d", "100%s %n %d"},
+        {"a\nlevel(3) category(SANService) message(forged)",
+         "a\\x0alevel(3) category(SANService) message(forged)"},
+        {"\x1b[2J\r\t\x7f", "\\x1b[2J\\x0d\\x09\\x7f"},
+        {"nothing is\0hidden"s, "nothing is\\x00hidden"},
+        {"\xc2\x9b"
+         "2J",
+         "\\xc2\\x9b2J"},
+        {"\xc3\xa4 \xe4\xb8\xad \xc2\xa0", "\xc3\xa4 \xe4\xb8\xad \xc2\xa0"},
+        {"cut \xc2", "cut \xc2"},
+        {std::string(5000, 'x'), std::string(5000, 'x')},
+        {"", ""},
+    };
+    for (const auto& test : cases) {
+        SyslogCapture::Clear();
+        Log(SimpleLogger::LOGWarning, test.message);
+        EXPECT_EQ(OnlyText(), "level(4) category(SANService) message(" + test.written + ")\n");
+        SyslogCapture::Clear();
+        Log(SimpleLogger::LOGWarning, "M", test.message);
+        EXPECT_EQ(OnlyText(), "level(4) category(" + test.written + ") message(M)\n");
+    }
+}
+
+TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
+    constexpr std::size_t kThreads = 4, kLines = 200;
+    std::vector<std::thread> threads;
+    for (std::size_t t = 0; t < kThreads; ++t)
+        threads.emplace_back([] {
+            for (std::size_t i = 0; i < kLines; ++i) {
+                SimpleLogger::setMask(127);
+                Log(SimpleLogger::LOGWarning, "M");
+                Log(SimpleLogger::LOGDebug, "quiet");
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(logLevelMask, 127);
+    const auto lines = SyslogCapture::Lines();
+    std::size_t whole = 0;
+    for (const auto& line : lines)
+        whole += line.text == "level(4) category(SANService) message(M)\n";
+    EXPECT_EQ(whole, kThreads * kLines);
+}
+
+}  // namespace
