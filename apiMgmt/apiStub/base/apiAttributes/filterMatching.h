@@ -1,0 +1,27 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <vector>
+
+#include "apiMgmt/apiStub/base/filters/filterType.h"
+
+class APIAttributeFilter;
+
+/// The rules by which attribute kinds evaluate a condition. The attribute's value stands on the
+/// left of the operator.
+
+/// Whether two values that compare as `order` satisfy an operator from 2 ("=") to 6 ("<=");
+/// false for every other operator.
+bool MatchesOrder(FILTERType type, std::weak_ordering order);
+
+/// Text against the condition's text, ignoring case: the operators of MatchesOrder, and
+/// "iqin" (the value contains the condition's text) and "iqs" (the value begins with it).
+/// "&hy&" in the condition stands for a hyphen. An empty value never matches.
+bool MatchesText(const APIAttributeFilter& filter, const std::string& value);
+
+/// A list matches when one of its items does.
+bool MatchesAnyText(const APIAttributeFilter& filter, const std::vector<std::string>& items);
+
+/// The condition's comparison value with every "&hy&" turned back into a hyphen.
+std::string FilterText(const APIAttributeFilter& filter);

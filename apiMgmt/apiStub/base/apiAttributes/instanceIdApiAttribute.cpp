@@ -1,0 +1,8 @@
+#include "apiMgmt/apiStub/base/apiAttributes/instanceIdApiAttribute.h"
+
+#include "apiMgmt/apiStub/base/apiAttributes/filterMatching.h"
+
+bool INSTANCEIDApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
+                                         const std::string& value) const {
+    return MatchesText(filter, value);
+}

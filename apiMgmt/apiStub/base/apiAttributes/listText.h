@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What the list kinds share: items joined with a separator, which an item escapes.
+inline constexpr const char* kListSeparator = ":";
+inline constexpr const char* kEscapedListSeparator = "-co-";
+
+std::string JoinItems(const std::vector<std::string>& items, const std::string& separator);
+void EscapeListItem(std::string& item);
+void UnescapeListItem(std::string& item);

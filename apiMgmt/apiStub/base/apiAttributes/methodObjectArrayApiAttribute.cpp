@@ -1,0 +1,17 @@
+#include "apiMgmt/apiStub/base/apiAttributes/methodObjectArrayApiAttribute.h"
+
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethodObject.h"
+
+std::string METHODOBJECTARRAYApiAttribute::ToString(
+    const std::vector<const BASEApiMethodObject*>& value) const {
+    std::string text;
+    for (const BASEApiMethodObject* item : value)
+        if (item)
+            text += item->ToXMLString(true);
+    return text;
+}
+
+bool METHODOBJECTARRAYApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
+                                                const std::string& value) const {
+    return BASEApiAttribute::ApplyFilter(filter, value);
+}

@@ -1,0 +1,38 @@
+#include "apiMgmt/apiStub/base/apiAttributes/objectArrayApiAttribute.h"
+
+#include <algorithm>
+
+#include "apiMgmt/apiStub/base/apiAttributes/listText.h"
+#include "apiMgmt/apiStub/base/apiAttributes/objectMatching.h"
+#include "apiMgmt/apiStub/base/apiObjects/base/apiObjectInstance.h"
+#include "apiMgmt/common/utils/stringUtil.h"
+
+std::string OBJECTARRAYApiAttribute::ToString(const std::vector<APIObjectInstance>& value) const {
+    std::vector<std::string> items;
+    items.reserve(value.size());
+    for (const APIObjectInstance& instance : value)
+        EscapeListItem(items.emplace_back(instance.ToString()));
+    return JoinItems(items, kListSeparator);
+}
+
+std::vector<APIObjectInstance> OBJECTARRAYApiAttribute::ParseString(const std::string& text) const {
+    std::vector<std::string> items;
+    STRINGUtil::SplitString(text, kListSeparator, items, 0);
+    std::vector<APIObjectInstance> instances;
+    instances.reserve(items.size());
+    for (std::string& item : items) {
+        STRINGUtil::Trim(item);
+        UnescapeListItem(item);
+        if (!item.empty())
+            instances.push_back(*APIObjectInstance::ParseString(item));
+    }
+    return instances;
+}
+
+bool OBJECTARRAYApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
+                                          const std::string& value) const {
+    const auto instances = ParseString(value);
+    return std::any_of(instances.begin(), instances.end(), [&](const APIObjectInstance& instance) {
+        return MatchesInstance(filter, instance);
+    });
+}

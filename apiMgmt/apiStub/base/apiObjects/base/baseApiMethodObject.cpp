@@ -1,0 +1,29 @@
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethodObject.h"
+
+#include "apiMgmt/apiStub/base/apiObjects/base/xmlText.h"
+
+BASEApiMethodObject::~BASEApiMethodObject() = default;
+
+const BASEApiAttribute* BASEApiMethodObject::GetAttributeByName(const std::string& name) const {
+    return FindAttribute(GetAttributeList(), name);
+}
+
+std::string BASEApiMethodObject::ToXMLString(bool escape) const {
+    std::string xml;
+    XMLText::AppendStartTag(xml, GetObjectName());
+    AppendElements(xml, GetAttributeList(), escape);
+    XMLText::AppendEndTag(xml, GetObjectName());
+    return xml;
+}
+
+bool BASEApiMethodObject::Parse(const std::string& text) {
+    parser::XMLParser reader(nullptr);
+    if (!reader.ParseXMLString(text))
+        return false;
+    ParseElemNode(reader.GetDocumentElement());
+    return true;
+}
+
+void BASEApiMethodObject::ParseElemNode(const parser::XMLElement* element) {
+    StoreChildren(element);
+}
