@@ -1,0 +1,119 @@
+#include "apiMgmt/common/ipc/gpbComClient.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
+#include "apiMgmt/common/ipc/ipcFraming.h"
+#include "apiMgmt/common/utils/stringUtil.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
+
+namespace {
+
+constexpr const char* sourceFile = "apiMgmt/common/ipc/gpbComClient";
+
+[[noreturn]] void fail(const GPBComEndpoint& peer, int line, const std::string& what) {
+    throw APISocketError(sourceFile, line,
+                         STRINGUtil::FormatStr("%s:%d: %s", peer.GetAddress().c_str(),
+                                               peer.GetPort(), what.c_str()));
+}
+
+std::string reason(const char* what, int error) {
+    // Not strerror, whose buffer the threads of a process share.
+    return std::string(what) + ": " + std::generic_category().message(error);
+}
+
+class Socket {
+public:
+    Socket() : m_fd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+    ~Socket() {
+        if (m_fd >= 0) {
+            ::close(m_fd);
+        }
+    }
+    Socket(const Socket&) = delete;
+    Socket& operator=(const Socket&) = delete;
+    int fd() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+sockaddr_in socketAddress(const GPBComEndpoint& peer) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(peer.GetPort()));
+    if (peer.GetPort() < 1 || peer.GetPort() > 65535 ||
+        ::inet_pton(AF_INET, peer.GetAddress().c_str(), &address.sin_addr) != 1) {
+        fail(peer, __LINE__, "Not an address and port");
+    }
+    return address;
+}
+
+/// The outcome of a connect that a signal interrupted and that goes on by itself: 0 or errno.
+int finishConnect(int fd) {
+    pollfd connecting{fd, POLLOUT, 0};
+    while (::poll(&connecting, 1, -1) < 0) {
+        if (errno != EINTR) {
+            return errno;
+        }
+    }
+    int error = 0;
+    socklen_t size = sizeof(error);
+    return ::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
+}
+
+void connectTo(const GPBComEndpoint& peer, int fd) {
+    const sockaddr_in address = socketAddress(peer);
+    int error = 0;
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        error = errno == EINTR ? finishConnect(fd) : errno;
+    }
+    if (error != 0) {
+        fail(peer, __LINE__, reason("Unable to connect", error));
+    }
+}
+
+void receiveReply(const GPBComEndpoint& peer, int fd, protoIPCMsg::GPBIPCMsg& reply) {
+    ipcFraming::FrameReader reader;
+    switch (ipcFraming::receiveFrame(fd, reader)) {
+        case ipcFraming::ReceiveResult::complete:
+            break;
+        case ipcFraming::ReceiveResult::closed:
+            fail(peer, __LINE__, "Connection closed before a whole reply");
+        case ipcFraming::ReceiveResult::badLength:
+            fail(peer, __LINE__, "Reply of a bad length");
+        case ipcFraming::ReceiveResult::ioError:
+            fail(peer, __LINE__, reason("Unable to receive", errno));
+    }
+    if (!ipcFraming::parseMessage(reader.body(), reply)) {
+        fail(peer, __LINE__, "Reply is not a message");
+    }
+}
+
+}  // namespace
+
+GPBComClient::GPBComClient(GPBComEndpoint endpoint) : m_endpoint(std::move(endpoint)) {}
+
+void GPBComClient::SendReceiveMessage(const protoIPCMsg::GPBIPCMsg& request,
+                                      protoIPCMsg::GPBIPCMsg& reply) const {
+    std::string frame;
+    if (!ipcFraming::encodeFrame(request, frame)) {
+        fail(m_endpoint, __LINE__, "Request is empty or too long");
+    }
+    const Socket socket;
+    if (socket.fd() < 0) {
+        fail(m_endpoint, __LINE__, reason("Unable to make a socket", errno));
+    }
+    connectTo(m_endpoint, socket.fd());
+    if (!ipcFraming::sendAll(socket.fd(), frame)) {
+        fail(m_endpoint, __LINE__, reason("Unable to send", errno));
+    }
+    receiveReply(m_endpoint, socket.fd(), reply);
+}

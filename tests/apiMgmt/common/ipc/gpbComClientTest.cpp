@@ -1,0 +1,200 @@
+#include "apiMgmt/common/ipc/gpbComClient.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <iterator>
+#include <string>
+
+#include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
+#include "apiMgmt/common/ipc/generalUtils.h"
+#include "apiMgmt/common/ipc/ipcFraming.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
+#include "tests/support/fakeServiceDatabase.h"
+#include "tests/support/scriptedPeer.h"
+
+namespace {
+
+using protoIPCMsg::GPBIPCMsg;
+
+GPBIPCMsg makeRequest(const std::string& document = "<compapi></compapi>") {
+    GPBIPCMsg request;
+    request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
+    request.mutable_apireqmsg()->mutable_cmdreqmsg()->set_requestdocument(document);
+    return request;
+}
+
+GPBIPCMsg makeReply(const std::string& document) {
+    GPBIPCMsg reply;
+    reply.set_msgtype(protoIPCMsg::IPC_API_RESPONSE);
+    reply.mutable_apirespmsg()->mutable_cmdrespmsg()->set_responsedocument(document);
+    return reply;
+}
+
+std::string frameOf(const GPBIPCMsg& message) {
+    std::string frame;
+    EXPECT_TRUE(ipcFraming::encodeFrame(message, frame));
+    return frame;
+}
+
+const std::string& documentOf(const GPBIPCMsg& reply) {
+    return reply.apirespmsg().cmdrespmsg().responsedocument();
+}
+
+GPBIPCMsg exchange(int port, const GPBIPCMsg& request) {
+    GPBIPCMsg reply;
+    GPBComClient(GPBComEndpoint("127.0.0.1", port)).SendReceiveMessage(request, reply);
+    return reply;
+}
+
+/// The failure's text; empty when the exchange succeeds.
+std::string failureOf(int port, const GPBIPCMsg& request = makeRequest()) {
+    try {
+        exchange(port, request);
+        return "";
+    } catch (const APISocketError& error) {
+        return error.GetLogMessage();
+    }
+}
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
+    ScriptedPeer peer([](int fd) {
+        GPBIPCMsg request;
+        ipcFraming::parseMessage(ScriptedPeer::receive(fd), request);
+        const auto& document = request.apireqmsg().cmdreqmsg().requestdocument();
+        ScriptedPeer::send(fd, frameOf(makeReply(document)));
+    });
+    // Around the sizes of the reader's first buffer and of the socket's.
+    for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
+        const std::string document = std::string(size, 'd') + "ocument";
+        EXPECT_TRUE(documentOf(exchange(peer.port(), makeRequest(document))) == document) << size;
+    }
+}
+
+TEST(GpbComClientTest, TakesReplyInSingleBytes) {
+    ScriptedPeer peer([](int fd) {
+        ScriptedPeer::receive(fd);
+        for (const char byte : frameOf(makeReply("piece by piece"))) {
+            ScriptedPeer::send(fd, std::string(1, byte));
+        }
+    });
+    EXPECT_EQ(documentOf(exchange(peer.port(), makeRequest())), "piece by piece");
+}
+
+TEST(GpbComClientTest, FailsWhenPeerClosesBeforeAWholeReply) {
+    const std::string frame = frameOf(makeReply("cut"));
+    std::atomic<std::size_t> offset = 0;
+    ScriptedPeer peer([&](int fd) {
+        ScriptedPeer::receive(fd);
+        ScriptedPeer::send(fd, std::string_view(frame).substr(0, offset));
+    });
+    const std::ptrdiff_t before = openDescriptors();
+    for (; offset < frame.size(); ++offset) {
+        EXPECT_NE(failureOf(peer.port()).find("closed before a whole reply"), std::string::npos)
+            << "after " << offset << " bytes";
+    }
+    // The peer's end of the last connection may not be closed yet.
+    EXPECT_LE(openDescriptors(), before + 1);
+}
+
+struct BadReply {
+    std::string bytes;
+    const char* failure;
+};
+
+class BadReplyTest : public testing::TestWithParam<BadReply> {};
+
+TEST_P(BadReplyTest, RaisesSocketError) {
+    ScriptedPeer peer([](int fd) {
+        ScriptedPeer::receive(fd);
+        ScriptedPeer::send(fd, GetParam().bytes);
+    });
+    const std::string expected =
+        "127.0.0.1:" + std::to_string(peer.port()) + ": " + GetParam().failure;
+    EXPECT_EQ(failureOf(peer.port()), expected);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Replies, BadReplyTest, testing::Values(
+    BadReply{std::string("\0\0\0\0", 4),                "Reply of a bad length"},
+    BadReply{std::string("\x04\0\0\x01", 4),            "Reply of a bad length"},
+    BadReply{"\xff\xff\xff\xff",                        "Reply of a bad length"},
+    BadReply{"HTTP/1.1 400 Bad Request\r\n\r\n",        "Reply of a bad length"},
+    BadReply{std::string("\x04\0\0\0", 4),              "Connection closed before a whole reply"},
+    BadReply{std::string("\0\0\0\x05\xff\xff\xff\xff\xff", 9), "Reply is not a message"},
+    BadReply{std::string("\0\0\0\x02\x1a\x7f", 6),      "Reply is not a message"}
+));
+// clang-format on
+
+TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
+    const ClosedPort nobody;
+    EXPECT_NE(failureOf(nobody.port()).find("Unable to connect"), std::string::npos);
+
+    // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
+    ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });
+    const GPBIPCMsg longRequest = makeRequest(std::string(32'000'000, 'd'));
+    EXPECT_NE(failureOf(peer.port(), longRequest), "");
+}
+
+TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
+    std::atomic<int> connections = 0;
+    ScriptedPeer peer([&](int) { ++connections; });
+    EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
+    EXPECT_NE(failureOf(peer.port(), makeRequest(std::string(ipcFraming::maxBodySize, 'd'))), "");
+    EXPECT_NE(failureOf(0), "");
+    EXPECT_NE(failureOf(65536), "");
+    EXPECT_EQ(connections, 0);
+}
+
+TEST(GpbComClientTest, WaitsOnThroughSignals) {
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) {};  // without SA_RESTART
+    struct sigaction before {};
+    ASSERT_EQ(sigaction(SIGUSR1, &interrupting, &before), 0);
+
+    const pthread_t waiting = pthread_self();
+    const std::string frame = frameOf(makeReply("at last"));
+    ScriptedPeer peer([&](int fd) {
+        ScriptedPeer::receive(fd);
+        for (const char byte : frame) {
+            pthread_kill(waiting, SIGUSR1);
+            ::usleep(1000);  // so that the wait is entered again
+            ScriptedPeer::send(fd, std::string(1, byte));
+        }
+    });
+    EXPECT_EQ(documentOf(exchange(peer.port(), makeRequest())), "at last");
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(GpbComClientTest, FindsApiManagerThroughServiceDatabase) {
+    fakeServiceDatabase::setPort(36001);
+    const GPBComEndpoint endpoint = GENERALUtils::GetEndpoint(APIManagerEndpoint);
+    EXPECT_EQ(endpoint.GetAddress(), "127.0.0.1");
+    EXPECT_EQ(endpoint.GetPort(), 36001);
+    EXPECT_THROW(GENERALUtils::GetEndpoint(static_cast<APIEndpoint>(1)), APISocketError);
+}
+
+TEST(FrameReaderTest, TakesMemoryOnlyForBytesThatCame) {
+    ipcFraming::FrameReader reader;
+    ipcFraming::encodeLength(ipcFraming::maxBodySize,
+                             reader.room().first<ipcFraming::headerSize>());
+    reader.added(ipcFraming::headerSize);
+    while (reader.state() == ipcFraming::FrameReader::State::wantsMore) {
+        const auto room = reader.room();
+        ASSERT_LE(room.size(), 4096 + 2 * reader.received());
+        std::fill(room.begin(), room.end(), 'x');
+        reader.added(room.size());
+    }
+    EXPECT_EQ(reader.body().size(), ipcFraming::maxBodySize);
+}
+
+}  // namespace
