@@ -3,7 +3,9 @@
 
 #include "SanApiPortBinding.nsmap"
 
-// The header's content is a message type; its reader and writer live with the messages.
+// The header's content is a message type; its reader and writer live with the messages. The
+// generator gives the names.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 
 void soap_serialize_ns1__HccApiHeaderPointer(soap* context, ns1__HccApiHeader* const* header) {
     SanApi::soap_serialize_PointerTons1__HccApiHeader(context, header);
@@ -19,6 +21,7 @@ ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* 
                                                      const char* /*type*/) {
     return SanApi::soap_in_PointerTons1__HccApiHeader(context, tag, header, "ns1:HccApiHeader");
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 // The engine's shared library calls these by their C names for elements whose type it learns at
 // run time.

@@ -8,4 +8,4 @@
 #include "SanApiH.h"
 #undef WITH_NOGLOBAL
 
-using SanApi::ns1__HccApiHeader;
+using SanApi::ns1__HccApiHeader;  // NOLINT(bugprone-reserved-identifier): generated name

@@ -1,0 +1,168 @@
+// Values at the edges of the contract: what a reader takes and refuses, and what a writer makes of
+// it.
+#include <gtest/gtest.h>
+
+#include "tests/apiMgmt/webservices/sanService/contract/wire.h"
+
+namespace {
+
+const std::string TYPE_ERROR = "error " + std::to_string(SOAP_TYPE);
+const std::string OCCURS_ERROR = "error " + std::to_string(SOAP_OCCURS);
+constexpr soap_mode LAX = 0;
+constexpr soap_mode STRICT = SOAP_XML_STRICT;
+
+struct Row {
+    const char* what;
+    std::string (*rewrite)(soap*, const char* tag, const std::string& text);
+    soap_mode mode;
+    std::string read;
+    std::string written;  // empty: as it was read
+};
+
+constexpr auto PORT = wire::rewrite<SanApi::ns1__IpAddressPort>;
+constexpr auto ADDRESS = wire::rewrite<SanApi::ns1__InetAddress>;
+constexpr auto INTERFACE = wire::rewrite<SanApi::ns1__interfaceObject>;
+constexpr auto VERSION = wire::rewrite<SanApi::ns1__HccApiXsd>;
+constexpr auto DESCRIPTION = wire::rewrite<SanApi::_ns3__SanApiWsdl>;
+constexpr auto RESULT = wire::rewrite<SanApi::ns1__resultObject>;
+constexpr auto IDENTITY = wire::rewrite<SanApi::ns1__scsiInfo>;
+constexpr auto EVENT = wire::rewrite<SanApi::ns1__eventArg>;
+
+std::string port(const std::string& number) {
+    return R"(<e><ipAddress type="dns"></ipAddress><port>)" + number + "</port></e>";
+}
+
+// clang-format off
+const Row VALUE_ROWS[] = {
+    {"the greatest port",           PORT,        LAX,    port("65535"), ""},
+    {"a port above it",             PORT,        LAX,    port("65536"), TYPE_ERROR},
+    {"a negative port",             PORT,        LAX,    port("-1"), TYPE_ERROR},
+    {"a port that is no number",    PORT,        LAX,    port("http"), TYPE_ERROR},
+    {"no port, lax",                PORT,        LAX,    "<e><ipAddress type=\"dns\"/></e>",
+                                                         R"(<e><ipAddress type="dns"></ipAddress><port>0</port></e>)"},
+    {"no port, strict",             PORT,        STRICT, "<e><ipAddress type=\"dns\"/></e>", OCCURS_ERROR},
+
+    {"a nil address",               PORT,        LAX,    R"(<e xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><ipAddress xsi:nil="1"/><port>1</port></e>)",
+                                                         R"(<e><ipAddress xsi:nil="true"/><port>1</port></e>)"},
+
+    {"another kind than the child", ADDRESS,     LAX,    R"(<e type="ipv6"><ipv4Addr>10.0.0.1</ipv4Addr></e>)", ""},
+    {"no child",                    ADDRESS,     LAX,    R"(<e type="unknown"></e>)", ""},
+    {"an empty child",              ADDRESS,     LAX,    R"(<e type="ipv4"><ipv4Addr/></e>)", ""},
+    {"the first of two children",   ADDRESS,     LAX,    R"(<e type="dns"><dnsAddr>a</dnsAddr><addr>b</addr></e>)",
+                                                         R"(<e type="dns"><dnsAddr>a</dnsAddr></e>)"},
+    {"a kind by its number",        ADDRESS,     LAX,    R"(<e type="2"></e>)", R"(<e type="ipv6"></e>)"},
+    {"a number without a name",     ADDRESS,     LAX,    R"(<e type="99"></e>)", ""},
+    {"the same, strict",            ADDRESS,     STRICT, R"(<e type="99"><addr>x</addr></e>)", TYPE_ERROR},
+    {"a kind in other letters",     ADDRESS,     LAX,    R"(<e type="IPV4"></e>)", TYPE_ERROR},
+
+    {"an interface's type",         INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>iscsi</intfType></e>", ""},
+    {"a number for it",             INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>7</intfType></e>", ""},
+    {"no interface type",           INTERFACE,   LAX,    "<e><intfId>a</intfId></e>", ""},
+    {"an unknown interface type",   INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>sas</intfType></e>", TYPE_ERROR},
+
+    {"a version",                   VERSION,     LAX,    R"(<e version="2.9"></e>)", ""},
+    {"the default version",         VERSION,     LAX,    "<e></e>", R"(<e version="2.3"></e>)"},
+    {"an empty version",            VERSION,     LAX,    R"(<e version=""></e>)", "<e></e>"},
+    {"the description's default",   DESCRIPTION, LAX,    "<e></e>", R"(<e version="2.1"></e>)"},
+
+    {"a result in another order",   RESULT,      LAX,    "<e><resultCode>5</resultCode><msgArgs>b</msgArgs><other><x/></other>"
+                                                         "<catalogNumber>4</catalogNumber><msgArgs>a</msgArgs></e>",
+                                                         "<e><catalogNumber>4</catalogNumber><msgArgs>b</msgArgs><msgArgs>a</msgArgs>"
+                                                         "<resultCode>5</resultCode></e>"},
+    {"a text for a number",         RESULT,      LAX,    "<e><catalogNumber>four</catalogNumber></e>", TYPE_ERROR},
+    {"a result without members",    RESULT,      LAX,    "<e/>", "<e><catalogNumber>0</catalogNumber><resultCode>0</resultCode></e>"},
+    {"a missing text",              IDENTITY,    LAX,    "<e/>", "<e><deviceId/></e>"},
+    {"a missing text, strict",      IDENTITY,    STRICT, "<e/>", OCCURS_ERROR},
+    {"markup and letters",          IDENTITY,    LAX,    "<e><deviceId>&lt;a&gt; &amp; \xC3\xA9\xE9\x9B\x86</deviceId></e>", ""},
+    {"a hyphen in a name",          EVENT,       LAX,    "<e><argType>CACHE-NET-IP</argType></e>", ""},
+};
+// clang-format on
+
+class Value : public testing::TestWithParam<Row> {};
+
+TEST_P(Value, isReadAndWritten) {
+    const Row& row = GetParam();
+    const wire::Context context = wire::newContext(row.mode);
+    EXPECT_EQ(row.rewrite(context.get(), "e", row.read),
+              row.written.empty() ? row.read : row.written)
+        << row.what;
+}
+
+INSTANTIATE_TEST_SUITE_P(Contract, Value, testing::ValuesIn(VALUE_ROWS));
+
+// The converters of an enumeration, taken together whatever its type.
+struct Enumeration {
+    const char* name;
+    int (*parse)(soap*, const char*, int*);
+    const char* (*print)(soap*, int);
+    std::vector<std::string> texts;
+};
+
+template <typename Type, int (*Parse)(soap*, const char*, Type*)>
+int parse(soap* context, const char* text, int* number) {
+    Type value{};
+    const int error = Parse(context, text, &value);
+    *number = static_cast<int>(value);
+    return error;
+}
+
+template <typename Type, const char* (*Print)(soap*, Type)>
+const char* print(soap* context, int number) {
+    return Print(context, static_cast<Type>(number));
+}
+
+#define ENUMERATION(Name)                                                                         \
+#Name, parse < SanApi::ns1__##Name, SanApi::soap_s2ns1__##Name>, print < SanApi::ns1__##Name, \
+        SanApi::soap_ns1__##Name##2s>
+
+// clang-format off
+const Enumeration ENUMERATION_ROWS[] = {
+    {ENUMERATION(InetAddressType),       {"unknown", "ipv4", "ipv6", "dns"}},
+    {ENUMERATION(CfmStatus),             {"primary", "capable", "none"}},
+    {ENUMERATION(CacheDeviceStatus),     {"used", "available", "unavailable", "degraded", "prepare for removal", "removing",
+                                          "failed", "unknown"}},
+    {ENUMERATION(CacheDeviceMemoryType), {"nvm", "ram"}},
+    {ENUMERATION(HcnStatus),             {"used", "available", "unavailable", "degraded", "removing", "down"}},
+    {ENUMERATION(CacheMode),             {"writethrough", "passthrough", "unknown", "writeback"}},
+    {ENUMERATION(CachePolicy),           {"proportional", "clientaffinity"}},
+    {ENUMERATION(SanType),               {"OSL", "VQD"}},
+    {ENUMERATION(SanStatus),             {"up", "down", "degraded"}},
+    {ENUMERATION(HccStatus),             {"Initializing", "Active", "Preparing for Maintenance", "In Maintenance Mode",
+                                          "Exiting Maintenance Mode", "Invalid"}},
+    {ENUMERATION(LinkSpeed),             {"unknown", "1000", "10000", "40000", "100000"}},
+    {ENUMERATION(LinkState),             {"up", "down"}},
+    {ENUMERATION(InterfaceType),         {"unknown", "fc", "iscsi"}},
+    {ENUMERATION(eventSeverity),         {"ES-UNUSED", "ES-CRITICAL", "ES-WARNING", "ES-INFORMATIONAL"}},
+    {ENUMERATION(ConfigActionType),      {"SET", "UNSET"}},
+    {ENUMERATION(AttachType),            {"create", "addhcn", "primarycfmelection"}},
+    {ENUMERATION(eventArgType),          {"SIZE", "MODE", "HCC-ID", "CACHEDEVICE-ID", "CACHEDEVICE-PATH", "STORAGE-PATH-WWN",
+                                          "STORAGE-PATH-PATH", "SAN-VOLUME-WWN", "SAN-VOLUME-PATH", "JOURNAL-LOCATION",
+                                          "CACHED-LUN-NAME", "HCN-ID", "MGMT-IP", "CACHE-NET-IP", "SAN-ID", "SAN-NAME",
+                                          "SAN-TYPE", "HC-VOLUME-ID", "SAN-VOLUME-ID", "SNAPSHOT-ID", "END"}},
+};
+// clang-format on
+
+TEST(Enumerations, haveTheirTextsInOrderAndFallBackToNumbers) {
+    const wire::Context lax = wire::newContext();
+    const wire::Context strict = wire::newContext(STRICT);
+    for (const Enumeration& row : ENUMERATION_ROWS) {
+        int number = -1;
+        lax->error = SOAP_OK;  // an error stays until the next message
+        const int count = static_cast<int>(row.texts.size());
+        for (int index = 0; index < count; ++index) {
+            const std::string& text = row.texts[static_cast<std::size_t>(index)];
+            EXPECT_EQ(row.parse(lax.get(), text.c_str(), &number), SOAP_OK) << text;
+            EXPECT_EQ(number, index) << row.name << ' ' << text;
+            EXPECT_EQ(row.print(lax.get(), index), text) << row.name;
+        }
+        EXPECT_EQ(row.parse(lax.get(), "99", &number), SOAP_OK) << row.name;
+        EXPECT_EQ(number, 99) << row.name;
+        EXPECT_STREQ(row.print(lax.get(), 99), "99") << row.name;
+        EXPECT_EQ(row.parse(lax.get(), "nonsense", &number), SOAP_TYPE) << row.name;
+        strict->mode = STRICT;
+        EXPECT_EQ(row.parse(strict.get(), std::to_string(count).c_str(), &number), SOAP_TYPE)
+            << row.name;
+    }
+}
+
+}  // namespace
