@@ -84,7 +84,7 @@ typename Kind::Value Load(const Owner& owner, const typename Kind::Attribute& at
     if constexpr (Kind::isMarkup)
         return Kind::Parse(attribute, owner.GetStringDirect(attribute.GetXmlName()));
     else
-        return Kind::Parse(attribute, owner.GetText(attribute.GetXmlName()));
+        return Kind::Parse(attribute, owner.LoadText(attribute.GetXmlName()));
 }
 
 template <class Kind, class Owner>
@@ -92,7 +92,7 @@ void Store(Owner& owner, const typename Kind::Attribute& attribute, typename Kin
     if constexpr (Kind::isMarkup)
         owner.PutStringDirect(attribute.GetXmlName(), Kind::Print(attribute, value));
     else
-        owner.PutText(attribute.GetXmlName(), Kind::Print(attribute, value));
+        owner.StoreText(attribute.GetXmlName(), Kind::Print(attribute, value));
 }
 
 inline APIAttributeList Joined(APIAttributeList first, const APIAttributeList& second) {

@@ -28,11 +28,11 @@ public:
     bool IsAttributeSet(const std::string& name) const;
     bool IsAttributeSet(const BASEApiAttribute* attribute) const;
 
-    const ValueMap& GetValues() const { return m_values; }
+    const ValueMap& AllValues() const { return m_values; }
 
     // What the typed accessors of attribute rows go through.
-    const std::string& GetText(const std::string& name) const { return GetStringDirect(name); }
-    void PutText(const std::string& name, std::string text) {
+    const std::string& LoadText(const std::string& name) const { return GetStringDirect(name); }
+    void StoreText(const std::string& name, std::string text) {
         PutStringDirect(name, std::move(text));
     }
 

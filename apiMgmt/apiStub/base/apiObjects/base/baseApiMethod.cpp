@@ -68,7 +68,7 @@ void BASEApiMethod::ValidateAttributes() const {
     for (const BASEApiAttribute* attribute : GetAttributeList()) {
         const std::string& name = attribute->GetXmlName();
         if (IsAttributeSet(name) && !CanIgnoreValidation(name))
-            attribute->Validate(GetText(name));
+            attribute->Validate(LoadText(name));
     }
 }
 
@@ -76,11 +76,11 @@ bool BASEApiMethod::CanIgnoreValidation(const std::string& name) const {
     return name == kLiteObject;
 }
 
-std::string BASEApiMethod::GetText(const std::string& name) const {
+std::string BASEApiMethod::LoadText(const std::string& name) const {
     return STRINGUtil::UnEscapeString(GetStringDirect(name), false);
 }
 
-void BASEApiMethod::PutText(const std::string& name, const std::string& text) {
+void BASEApiMethod::StoreText(const std::string& name, const std::string& text) {
     PutStringDirect(name, STRINGUtil::EscapeString(text, false));
 }
 
@@ -104,7 +104,7 @@ void BASEApiMethod::RequireOneOf(NameList names) const {
 
 std::string BASEApiMethod::RenderXML(bool async, bool xmlEncode, NameList unwritten) const {
     std::size_t size = kFrameSize + GetObjectName().size() + GetMethodName().size();
-    for (const auto& [name, value] : GetValues())
+    for (const auto& [name, value] : AllValues())
         size += XMLText::ElementSize(name, value);
 
     std::string xml;
@@ -115,9 +115,9 @@ std::string BASEApiMethod::RenderXML(bool async, bool xmlEncode, NameList unwrit
     XMLText::AppendElement(xml, "Command", GetMethodName());
     XMLText::AppendElement(xml, "Async", async ? "true" : "false");
     XMLText::AppendElement(xml, "ObjectEncodeType", xmlEncode ? "xml" : "csv");
-    if (!GetValues().empty()) {
+    if (!AllValues().empty()) {
         XMLText::AppendStartTag(xml, "Attributes");
-        for (const auto& [name, value] : GetValues())
+        for (const auto& [name, value] : AllValues())
             if (!name.empty() && !Contains(unwritten, name))
                 XMLText::AppendElement(xml, name, value);
         XMLText::AppendEndTag(xml, "Attributes");

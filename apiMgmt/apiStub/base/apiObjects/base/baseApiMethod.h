@@ -84,8 +84,8 @@ public:
     bool CanIgnoreValidation(const std::string& name) const;
 
     // What the typed accessors of attribute rows go through.
-    std::string GetText(const std::string& name) const;
-    void PutText(const std::string& name, const std::string& text);
+    std::string LoadText(const std::string& name) const;
+    void StoreText(const std::string& name, const std::string& text);
 
     /// Builds the request, sends it, and reads the reply. The return is newly made and belongs to
     /// the caller. `blobs` (name to bytes) may be null. Throws APIMethodError when the request

@@ -1,0 +1,189 @@
+// What attributes accept, their messages to the letter, and how they evaluate conditions.
+#include <gmock/gmock.h>
+
+#include <thread>
+
+#include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+
+namespace {
+
+using apiKind::Between;
+
+struct Check {
+    std::shared_ptr<const BASEApiAttribute> attribute;
+    std::string value;
+    unsigned int messageId;  // 0: accepted
+    std::string message;
+    std::string parameters;
+};
+
+auto number(std::int64_t minimum, std::int64_t maximum) {
+    return std::make_shared<INTApiAttribute>("N", 7, false, minimum, maximum, "Some Number");
+}
+
+auto text(std::int64_t minimum, std::int64_t maximum, const char* forbidden = "") {
+    return std::make_shared<STRINGApiAttribute>("T", 20, false, minimum, maximum, forbidden, "",
+                                                "Some Text");
+}
+
+constexpr std::int64_t none = -2147483647;
+
+// clang-format off
+const Check checks[] = {
+    {number(0, -1),    "0",           0, "", ""},
+    {number(0, -1),    "-1",          10761, R"(Attribute "Some Number" was -1, but must be greater than or equal to 0)", "Some Number|0"},
+    {number(none, -1), "-5000000000", 0, "", ""},
+    {number(none, 9),  "9",           0, "", ""},
+    {number(-1, 9),    "10",          10762, R"(Attribute "Some Number" was 10, but must be less than or equal to 9)", "Some Number|9"},
+    {number(1, 4095),  "4095",        0, "", ""},
+    {number(1, 4095),  "4096",        10760, R"(Attribute "Some Number" was 4096, but must be greater than or equal to 1 and less than or equal to 4095)", "Some Number|1|4095"},
+    {number(1, 4095),  "zero",        10760, R"(Attribute "Some Number" was 0, but must be greater than or equal to 1 and less than or equal to 4095)", "Some Number|1|4095"},
+    {text(1, -1),      "",            10763, R"(Attribute "Some Text" was "" [0 characters long], but must be a string at least 1 characters)", "Some Text|1"},
+    {text(0, 3),       "\xc3\xa4\xc3\xa4", 10764, "Attribute \"Some Text\" was \"\xc3\xa4\xc3\xa4\" [4 characters long], but must be a string no more than 3 characters", "Some Text|3"},
+    {text(0, 0, "<"),  "a<long one>", 0, "", ""},
+    {text(-1, -1),     "",            0, "", ""},
+    {text(1, 9, "<>&"), "a>b",        10011, R"(Attribute "Some Text" was "a>b", but cannot contain these characters: <>&)", "Some Text"},
+    {text(1, 9, "<>&"), "a-b",        0, "", ""},
+    {text(none, -1, "%"), "%n%s",     10011, R"(Attribute "Some Text" was "%n%s", but cannot contain these characters: %)", "Some Text"},
+    {std::make_shared<NAMEApiAttribute>("N", 50, false, false, 1, -1, ""), "", 10763,
+     R"(Attribute "" was "" [0 characters long], but must be a string at least 1 characters)", "|1"},
+    {std::make_shared<STRINGApiAttribute>("T", 20, false, "Some Text"), std::string(9, '&'), 0, "", ""},
+    {std::make_shared<INTApiAttribute>(std::make_unique<BASEApiAttribute::BASEAttributeProperties>("N", 1, false, "N")), "-1", 0, "", ""},
+    {std::make_shared<BOOLEANApiAttribute>("B", 20, false, "B"), "neither", 0, "", ""},
+};
+// clang-format on
+
+TEST(AttributeCheck, SaysExactlyWhatIsWrong) {
+    for (const Check& row : checks) {
+        try {
+            EXPECT_TRUE(row.attribute->Validate(row.value));
+            EXPECT_EQ(row.messageId, 0U) << row.value << " was accepted";
+        } catch (const APIMethodError& error) {
+            EXPECT_STREQ(error.what(), row.message.c_str());
+            EXPECT_EQ(error.GetLocalizedMsgId(), row.messageId);
+            EXPECT_EQ(error.GetMsgParameters(), row.parameters);
+            EXPECT_EQ(error.GetErrorState(), ErrorStateEnum::ParsingError);
+            EXPECT_EQ(error.GetSourceFile(), row.messageId < 10763 && row.messageId != 10011
+                                                 ? "intApiAttribute"
+                                                 : "stringApiAttribute");
+        }
+    }
+}
+
+TEST(AttributeCheck, AnAttributeNeedsProperties) {
+    try {
+        const INTApiAttribute attribute(nullptr);
+        FAIL();
+    } catch (const APIMethodError& error) {
+        EXPECT_STREQ(error.what(), "Base API Attribute constructor: NULL pointer for properties");
+        EXPECT_EQ(error.GetErrorState(), ErrorStateEnum::InvalidArguments);
+        EXPECT_EQ(error.GetLocalizedMsgId(), 10004U);
+        EXPECT_EQ(error.GetMsgParameters(), "");
+    }
+}
+
+TEST(AttributeCheck, DescriptorsKeepWhatTheirRowSays) {
+    const auto& properties = dynamic_cast<const STRINGApiAttribute::STRINGAttributeProperties&>(
+        APISample::GetTextAttr()->GetProperties());
+    EXPECT_EQ(properties.GetXmlName(), "Text");
+    EXPECT_EQ(properties.GetCode(), 20);
+    EXPECT_FALSE(properties.GetFirstFlag() || properties.GetSecondFlag());
+    EXPECT_EQ(properties.GetMinimumLength(), 1);
+    EXPECT_EQ(properties.GetMaximumLength(), 8);
+    EXPECT_EQ(properties.GetForbidden(), "<>&");
+    const STRINGApiAttribute flagged("T", -3, true, true, 1, 2, "Text");
+    EXPECT_TRUE(flagged.GetProperties().GetFirstFlag() && flagged.GetProperties().GetSecondFlag());
+    EXPECT_EQ(flagged.GetProperties().GetCode(), -3);
+}
+
+struct Condition {
+    const BASEApiAttribute* attribute;
+    const char* value;
+    int type;
+    const char* operand;
+    bool matches;
+};
+
+// clang-format off
+const Condition conditions[] = {
+    {APISample::GetNumberAttr(),  "10",   3, "9",   true},   // not as texts
+    {APISample::GetNumberAttr(),  "10",   4, "10",  true},
+    {APISample::GetNumberAttr(),  "-10",  5, "-9",  true},
+    {APISample::GetNumberAttr(),  "10",   6, "9",   false},
+    {APISample::GetNumberAttr(),  "10",   2, "010", true},
+    {APISample::GetNumberAttr(),  "",     2, "0",   false},
+    {APISample::GetNumberAttr(),  "1",    7, "1",   false},
+    {APISample::GetNumberAttr(),  "1",    0, "1",   false},
+    {APISample::GetNumberAttr(),  "1",    9, "1",   false},
+    {APISample::GetTextAttr(),    "a-B",  2, "A&hy&b", true},
+    {APISample::GetTextAttr(),    "b",    3, "A",   true},
+    {APISample::GetTextAttr(),    "10",   3, "9",   false},
+    {APISample::GetTextAttr(),    "",     2, "",    false},
+    {APISample::GetTextAttr(),    "My Server", 7, "sERV", true},
+    {APISample::GetTextAttr(),    "My Server", 8, "sERV", false},
+    {APISample::GetTextAttr(),    "My Server", 8, "mY",   true},
+    {APISample::GetInstanceNameAttr(), "n", 2, "N", true},
+    {APISample::GetInstanceIdAttr(), "101.5", 2, "101.5", true},
+    {APISample::GetTruthAttr(),   "1",    2, "TRUE", true},
+    {APISample::GetTruthAttr(),   "no",   5, "true", true},
+    {APISample::GetTruthAttr(),   "",     2, "false", false},
+    {APISample::GetEnumAttr(),    " LastDay ", 2, "lastday", true},
+    {APISample::GetMaskAttr(),    "LastDay LastWeek", 2, "LastWeek", true},
+    {APISample::GetMaskAttr(),    "LastDay LastWeek", 2, "LastDay LastWeek", false},
+    {APISample::GetMaskAttr(),    "",     2, "",    false},
+    {APISample::GetTextsAttr(),   "x:a-co-b", 2, "A:B", true},
+    {APISample::GetTextsAttr(),   "x:y",  2, "z",   false},
+    {APISample::GetIpAttr(),      "10.0.0.9", 5, "10.0.0.10", true},
+    {APISample::GetIpAttr(),      "200.0.0.1", 3, "10.0.0.1", true},
+    {APISample::GetIpAttr(),      "junk", 2, "0.0.0.0", false},
+    {APISample::GetIpAttr(),      "0.0.0.0", 2, "junk", false},
+    {APISample::GetParentAttr(),  "1 T My Server", 2, "my server", true},
+    {APISample::GetParentAttr(),  "1 T My Server", 2, "1", true},
+    {APISample::GetParentAttr(),  "1 T My Server", 2, "T", false},
+    {APISample::GetParentAttr(),  "",     2, "",    false},
+    {APISample::GetParentsAttr(), "1 T a:2 T b", 2, "b", true},
+    {APISample::GetParentsAttr(), "1 T a:2 T b", 2, "c", false},
+    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", 2, "11/14/2026&hy&15:04:05", true},
+    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", 3, "12/01/2025-00:00:00", true},
+    {APISample::GetTimeAttr(),    "",     2, "never", false},
+    {APISample::GetRecordAttr(),  "<R/>", 2, "<r/>", true},
+    {APISample::GetRecordsAttr(), "<R/>", 2, "<S/>", false},
+    {APISample::GetFilterAttr(),  "and A = 1-", 2, "and A = 1&hy&", true},
+};
+// clang-format on
+
+TEST(AttributeFilter, EachKindComparesInItsOwnWay) {
+    for (const Condition& row : conditions)
+        EXPECT_EQ(row.attribute->ApplyFilter({"X", FILTERType{row.type}, row.operand}, row.value),
+                  row.matches)
+            << row.attribute->GetXmlName() << ' ' << row.value << ' ' << row.type << ' '
+            << row.operand;
+}
+
+// Under ThreadSanitizer this shows that the first use needs no further guard.
+TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
+    class Fresh : public BASEApiMethodObject {
+        API_METHOD_OBJECT(Fresh);
+        API_ATTRIBUTE(A, "A", STRING, 20, NoBounds);
+        API_ATTRIBUTE(B, "B", ENUM<FilterTimeEnum>, 20);
+        API_ATTRIBUTE_LIST(A, B);
+    };
+    constexpr std::size_t count = 8;
+    std::vector<const APIAttributeList*> lists(count);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < count; ++i)
+        threads.emplace_back([&lists, i] {
+            Fresh record;
+            record.SetA("text");
+            record.SetB(FilterTimeEnum::LastDay);
+            lists[i] = &record.GetAttributeList();
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_THAT(lists, testing::Each(lists.front()));
+    EXPECT_THAT(*lists.front(), testing::ElementsAre(Fresh::GetAAttr(), Fresh::GetBAttr()));
+}
+
+}  // namespace

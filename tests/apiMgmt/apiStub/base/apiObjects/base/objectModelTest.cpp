@@ -1,0 +1,196 @@
+// Objects, records and references: their lists, their texts, and the registries.
+#include <gmock/gmock.h>
+
+#include "apiMgmt/apiStub/base/apiObjects/base/registerClass.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiApiMethodReturn.h"
+#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+std::vector<std::string> names(const APIAttributeList& attributes) {
+    std::vector<std::string> result;
+    for (const BASEApiAttribute* attribute : attributes)
+        result.push_back(attribute->GetXmlName());
+    return result;
+}
+
+/// An object whose name gives it a form of its own.
+class APITask : public BASEApiObject {
+    API_OBJECT(asyncTASK);
+};
+
+TEST(AttributeLists, KeepTheirStatedOrder) {
+    EXPECT_THAT(names(BASEApiObject::GetAttributeListStatic()),
+                ElementsAre("InstanceId", "InstanceName", "ObjectType"));
+    EXPECT_THAT(names(TARNStatusBaseApiObject::GetAttributeListStatic()),
+                ElementsAre("Status", "ChildStatus", "StatusMessage", "TarnName",
+                            "TarnSerialNumber", "InstanceId", "InstanceName", "ObjectType"));
+    // The status of a reply is the one list that begins with its base's.
+    const APIApiMethodReturn status;
+    EXPECT_THAT(
+        names(status.GetAttributeList()),
+        ElementsAre("InstanceId", "InstanceName", "ObjectType", "Error", "ErrorCode", "ErrorDetail",
+                    "Locale", "LocalizedError", "ReturnObjectEncode", "Successful", "WarningList"));
+    EXPECT_EQ(status.GetAttributeByName("Locale"), APIApiMethodReturn::GetLocaleAttr());
+    EXPECT_EQ(status.GetAttributeByName("locale"), nullptr);
+}
+
+TEST(ObjectValues, TellEmptyFromUnset) {
+    APISample sample;
+    std::string value = "kept";
+    EXPECT_FALSE(sample.GetStringDirect("Text", value));
+    EXPECT_EQ(value, "kept");
+    EXPECT_EQ(sample.GetStringDirect("Text"), "");
+    EXPECT_FALSE(sample.IsAttributeSet("Text"));
+
+    sample.PutStringDirect("Text", "", false);
+    EXPECT_TRUE(sample.GetStringDirect("Text", value));
+    EXPECT_EQ(value, "");
+    EXPECT_TRUE(sample.IsAttributeSet(APISample::GetTextAttr()));
+    EXPECT_FALSE(sample.IsAttributeSet(static_cast<const BASEApiAttribute*>(nullptr)));
+
+    sample.PutStringDirect("Text", "&lt;", false);
+    EXPECT_EQ(sample.GetText(), "&lt;");
+    sample.PutStringDirect("Text", "&lt;", true);
+    EXPECT_EQ(sample.GetText(), "<");
+}
+
+TEST(ObjectText, XmlWritesSetAttributesInListOrder) {
+    APISample sample;
+    EXPECT_EQ(sample.ToString(ObjectReturnEncodeEnum::Xml), "<Sample></Sample>");
+    sample.SetInstanceId("7");
+    sample.SetText("a<b>&\t");
+    sample.SetTruth(true);
+    sample.PutStringDirect("Unknown", "not in the list");
+    EXPECT_EQ(sample.ToString(ObjectReturnEncodeEnum::Xml),
+              "<Sample><Truth>True</Truth><Text>a&lt;b&gt;&amp;&#x0a;</Text>"
+              "<InstanceId>7</InstanceId></Sample>");
+}
+
+TEST(ObjectText, AnAsynchronousTaskShowsAllItsFields) {
+    APITask task;
+    task.SetInstanceName("copy");
+    EXPECT_EQ(task.ToString(ObjectReturnEncodeEnum::Xml),
+              "<asyncTASK><InstanceId></InstanceId><InstanceName>copy</InstanceName>"
+              "<ObjectType></ObjectType></asyncTASK>");
+}
+
+TEST(ObjectText, CsvEscapesItsSeparators) {
+    APITask task;
+    task.SetInstanceName("a,b:c\nd");
+    task.SetObjectType("--cm--");
+    EXPECT_EQ(task.CreateCSVHeader(), "InstanceId,InstanceName,ObjectType");
+    EXPECT_EQ(task.CreateCSVData(), ",a--cm--b--cl--c--nl--d,--cm--");
+    EXPECT_EQ(task.ToString(ObjectReturnEncodeEnum::CsvData), task.CreateCSVData());
+    EXPECT_EQ(task.ToString(ObjectReturnEncodeEnum::Csv),
+              task.CreateCSVHeader() + "\n" + task.CreateCSVData());
+
+    const APIAttributeList two{APITask::GetObjectTypeAttr(), APITask::GetInstanceIdAttr()};
+    EXPECT_EQ(task.CreateCSVHeaderAndData(two), "ObjectType,InstanceId\n--cm--,");
+    const BASEApiObject::SelectionMap some{
+        {"Beyond", true}, {"InstanceId", false}, {"InstanceName", true}};
+    EXPECT_EQ(task.CreateCSVHeaderAndData(some), "InstanceName,Beyond\na--cm--b--cl--c--nl--d,");
+
+    APITask copy;
+    copy.ParseCSV("InstanceId,InstanceName,Beyond", "1,a--cm--b--cl--c--nl--d");
+    EXPECT_EQ(copy.GetInstanceId(), "1");
+    EXPECT_EQ(copy.GetInstanceName(), "a,b:c\nd");
+    EXPECT_TRUE(copy.IsAttributeSet("Beyond"));
+}
+
+TEST(ObjectText, CombinedNamesTellWhichAnObjectHas) {
+    APITask one;
+    APITask other;
+    one.SetInstanceId("1");
+    other.SetObjectType("");
+    EXPECT_THAT(BASEApiObject::GetCombinedAttributeNameList({&one, &other}),
+                ElementsAre(std::pair("InstanceId", true), std::pair("InstanceName", false),
+                            std::pair("ObjectType", true)));
+}
+
+TEST(ObjectReference, IsValidWithIdAndType) {
+    APISample sample;
+    sample.SetInstanceId("1");
+    EXPECT_FALSE(sample.GetObjectIdentifier().IsValid());
+    sample.SetObjectType("Sample");
+    EXPECT_TRUE(APIObjectInstance(sample).IsValid());
+    sample.SetInstanceName("A name");
+    EXPECT_EQ(sample.GetObjectIdentifier().ToString(), "1 Sample A name");
+    EXPECT_FALSE(APIObjectInstance("", "Sample", "A name").IsValid());
+}
+
+TEST(MethodObject, ReadsBackWhatItWrote) {
+    APISampleRecord record;
+    EXPECT_EQ(record.ToXMLString(true), "<SampleRecord></SampleRecord>");
+    record.SetComment("a<b> & \"c\" \xc3\xa4");
+    record.SetPort(0);
+    EXPECT_EQ(record.ToXMLString(false),
+              "<SampleRecord><Port>0</Port><Comment>a<b> & \"c\" \xc3\xa4</Comment>"
+              "</SampleRecord>");
+    APISampleRecord copy;
+    ASSERT_TRUE(copy.Parse(record.ToXMLString(true)));
+    EXPECT_EQ(copy.AllValues(), record.AllValues());
+}
+
+TEST(MethodObject, KeepsWhatItDoesNotKnow) {
+    APISampleRecord record;
+    ASSERT_TRUE(record.Parse("<Any><Later>1</Later><Deep><A>2 &lt;</A></Deep><Port/></Any>"));
+    EXPECT_EQ(record.GetStringDirect("Later"), "1");
+    EXPECT_EQ(record.GetStringDirect("Deep"), "<A>2 &lt;</A>");
+    EXPECT_TRUE(record.IsAttributeSet("Port"));
+    EXPECT_FALSE(record.Parse("<Any><Later>2</Later>"));
+    EXPECT_EQ(record.GetStringDirect("Later"), "1");
+}
+
+TEST(Registries, MakeAnObjectOfTheNamedClass) {
+    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("Sample")->GetObjectName(), "Sample");
+    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("ApiMethodReturn")->GetObjectName(),
+              "ApiMethodReturn");
+    EXPECT_EQ(APIMethodObjectRegistry::Instance().CreateObject("HistoricalFilter")->GetObjectName(),
+              "HistoricalFilter");
+    EXPECT_EQ(APIMethodRegistry::Instance().CreateObject("APISampleAddMethod")->GetMethodName(),
+              "Add");
+    EXPECT_EQ(APIMethodRegistry::Instance().Find("APISampleaddMethod"), nullptr);
+    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject(""), nullptr);
+}
+
+TEST(Registries, KeepTheFirstOfAKey) {
+    using Task = REGISTERClass<BASEApiObject, APITask, std::string>;
+    EXPECT_FALSE(Task::Enter("Sample"));
+    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("Sample")->GetObjectName(), "Sample");
+}
+
+TEST(Registries, AnswerWhetherAMethodMayRunAsynchronously) {
+    const APITask task;
+    EXPECT_TRUE(task.AsyncAllowed("Sample", "Add"));
+    EXPECT_FALSE(task.AsyncAllowed("Sample", "GetList"));
+    EXPECT_FALSE(task.AsyncAllowed("Sample", "Remove%s"));
+}
+
+TEST(MethodReturnObject, ReadsBackEachTypedValue) {
+    APIApiMethodReturn status;
+    status.SetErrorCode(ErrorStateEnum::InvalidArguments);
+    status.SetLocale(LanguageLocaleEnum::Japanese);
+    status.SetReturnObjectEncode(ObjectReturnEncodeEnum::Csv);
+    status.SetSuccessful(true);
+    status.SetWarningList({"a:b", "c"});
+    EXPECT_EQ(status.ToString(ObjectReturnEncodeEnum::Xml),
+              "<ApiMethodReturn><ErrorCode>InvalidArguments</ErrorCode><Locale>ja_JP</Locale>"
+              "<ReturnObjectEncode>Csv</ReturnObjectEncode><Successful>True</Successful>"
+              "<WarningList>a-co-b:c</WarningList></ApiMethodReturn>");
+    parser::XMLParser reader(nullptr);
+    ASSERT_TRUE(reader.ParseXMLString(status.ToString(ObjectReturnEncodeEnum::Xml)));
+    APIApiMethodReturn copy;
+    copy.ParseElemNode(reader.GetDocumentElement());
+    EXPECT_EQ(copy.GetErrorCode(), ErrorStateEnum::InvalidArguments);
+    EXPECT_EQ(copy.GetLocale(), LanguageLocaleEnum::Japanese);
+    EXPECT_EQ(copy.GetReturnObjectEncode(), ObjectReturnEncodeEnum::Csv);
+    EXPECT_TRUE(copy.GetSuccessful());
+    EXPECT_THAT(copy.GetWarningList(), ElementsAre("a:b", "c"));
+    copy.SetErrorCode(ErrorStateEnum{4711});
+    EXPECT_EQ(copy.GetErrorCode(), ErrorStateEnum{4711});
+}
+
+}  // namespace

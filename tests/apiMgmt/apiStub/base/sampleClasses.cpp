@@ -1,0 +1,8 @@
+#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+
+#include "apiMgmt/apiStub/base/apiObjects/base/registerClass.h"
+
+API_REGISTER_METHOD_OBJECT(APISampleRecord);
+API_REGISTER_OBJECT(APISample);
+API_REGISTER_METHOD(Sample, Add);
+API_REGISTER_METHOD(Sample, GetList);
