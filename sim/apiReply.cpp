@@ -28,7 +28,7 @@ std::string returnTrue() {
 }
 
 std::string successReturn(std::string_view value) {
-    return methodReturn(true, "1", "", "", "", value);
+    return methodReturn(true, "NoError", "", "", "", value);
 }
 
 std::string failureReturn(std::string_view code, std::string_view error, std::string_view localized,

@@ -17,7 +17,7 @@ struct Command {
 
     std::string_view object;
     std::string_view name;
-    bool needsCredentials;
+    bool isOpen;  // needs no credentials
     /// Attributes that must be there with a text, in the order in which they are asked for.
     std::vector<std::string_view> required;
     Run run;

@@ -1,6 +1,4 @@
 // The array simulator: stands in for an array's API manager.
-#include <netdb.h>
-#include <netinet/in.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -8,10 +6,51 @@
 #include <csignal>
 #include <cstdio>
 
+#include "apiMgmt/common/ipc/apiMgrPort.h"
 #include "sim/ipcServer.h"
 #include "sim/simulator.h"
 
 namespace {
+
+struct Arguments {
+    int port = getApiMgrPort();
+    std::string seedFile;
+    std::string credentialsFile;
+    std::string scenarioFile;
+    sim::SimulatorOptions options;
+};
+
+void declare(CLI::App& app, Arguments& arguments) {
+    sim::SimulatorOptions& options = arguments.options;
+    app.add_option("--port", arguments.port, "TCP port on 127.0.0.1; 0 takes any free one")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    app.add_option("--volumes", options.seed.volumes, "volumes to start with: vol-1, vol-2, ...")
+        ->check(CLI::Range(0, 100000))
+        ->capture_default_str();
+    app.add_option("--seed-file", arguments.seedFile, "clusters, servers, volumes to start with");
+    app.add_option("--state", options.stateFile, "keep the state in this file")
+        ->default_str("in memory");
+    app.add_option("--log", options.logFile, "append every exchange to this file, as JSON lines");
+    app.add_option("--credentials", arguments.credentialsFile,
+                   "accept the callers that this file names, instead of any");
+    app.add_option("--scenario", arguments.scenarioFile, "faults to start with");
+    app.add_flag("--lenient", options.lenient,
+                 "refuse nothing: make what a command names and the array does not know");
+    app.add_flag("--show-keys", options.showKeys, "do not mask cluster keys in what is shown");
+}
+
+void readFiles(Arguments& arguments) {
+    if (!arguments.seedFile.empty()) {
+        arguments.options.seed.content = sim::readJsonFile(arguments.seedFile);
+    }
+    if (!arguments.credentialsFile.empty()) {
+        arguments.options.access = sim::Access(sim::readJsonFile(arguments.credentialsFile));
+    }
+    if (!arguments.scenarioFile.empty()) {
+        arguments.options.scenario = sim::readJsonFile(arguments.scenarioFile);
+    }
+}
 
 /// A descriptor that becomes readable when the process is asked to end. Blocks the signals, so
 /// it comes before the first thread.
@@ -25,22 +64,17 @@ int endSignals() {
     return ::signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-/// Where the array's API manager listens.
-int apiManagerPort() {
-    const servent* entry = ::getservbyname("ostrel-apimgr", "tcp");
-    return entry != nullptr ? ntohs(static_cast<std::uint16_t>(entry->s_port)) : 35000;
-}
-
 void printLine(const std::string& line) {
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);
 }
 
-int serve(int port) {
+int serve(const Arguments& arguments) {
     const int stopFd = endSignals();
-    sim::Simulator simulator(printLine);
+    sim::Simulator simulator(arguments.options, printLine);
     sim::IpcServer server(
-        port, [&](std::string_view message) { return simulator.handle(message); }, printLine);
+        arguments.port, [&](std::string_view message) { return simulator.handle(message); },
+        printLine);
     printLine("listening on 127.0.0.1:" + std::to_string(server.port()));
     server.run(stopFd);
     ::close(stopFd);
@@ -51,13 +85,12 @@ int serve(int port) {
 
 int main(int argc, char** argv) {
     CLI::App app("Array simulator: answers the management API as a storage array does.", "sanSim");
-    int port = apiManagerPort();
-    app.add_option("--port", port, "TCP port on 127.0.0.1; 0 takes any free one")
-        ->check(CLI::Range(0, 65535))
-        ->capture_default_str();
+    Arguments arguments;
+    declare(app, arguments);
     CLI11_PARSE(app, argc, argv);
     try {
-        return serve(port);
+        readFiles(arguments);
+        return serve(arguments);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "sanSim: %s\n", error.what());
         return 1;
