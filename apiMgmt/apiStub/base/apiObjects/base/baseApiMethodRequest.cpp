@@ -1,0 +1,115 @@
+// What goes out: the request document, the message around it, and the exchange.
+#include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod.h"
+#include "apiMgmt/apiStub/base/apiObjects/base/xmlText.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+#include "apiMgmt/common/ipc/generalUtils.h"
+#include "apiMgmt/common/ipc/gpbComClient.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
+
+namespace {
+
+constexpr const char* sourceFile = "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod";
+// Part of the interface with operators, like the line numbers of the log.
+constexpr int noIdentityLine = 324;
+constexpr unsigned noIdentityMessageId = 10001;
+constexpr const char* noIdentity = "Unable to create GPB request. Session identifier not specified";
+
+constexpr const char* documentTag = "compapi";
+constexpr const char* connectionTag = "ApiConnection";
+constexpr std::size_t localeSize = 5;  // as in "en_US"; any other text is no locale
+constexpr const char* localClient = "127.0.0.1";
+
+/// The element that tells whose session a request belongs to.
+std::string connectionElement(const std::string& sessionKey, const std::string& locale) {
+    std::string inner;
+    XMLText::AppendElement(inner, "sessionkey", sessionKey);
+    if (locale.size() == localeSize) {
+        XMLText::AppendElement(inner, "locale", locale);
+    }
+    std::string element;
+    XMLText::AppendElement(element, connectionTag, inner);
+    return element;
+}
+
+void fillDocument(std::string& document, const std::string& connection, const std::string& method) {
+    document.reserve(connection.size() + method.size() + XMLText::ElementSize(documentTag, ""));
+    XMLText::AppendStartTag(document, documentTag);
+    document += connection;
+    document += method;
+    XMLText::AppendEndTag(document, documentTag);
+}
+
+void addHeader(protoIPCMsg::APICmdReqMsg& command, const APIHccReqHeader& header) {
+    protoIPCMsg::HccHeader& sent = *command.mutable_hccheader();
+    sent.set_schemaversion(header.schemaVersion);
+    sent.set_credentials(header.credentials);
+    sent.set_authtoken(header.authToken);
+    sent.set_hccid(header.hccId);
+}
+
+void addBlobs(protoIPCMsg::APICmdReqMsg& command, const std::map<std::string, std::string>& blobs) {
+    for (const auto& [name, data] : blobs) {
+        if (!data.empty()) {
+            protoIPCMsg::BinaryBlob& blob = *command.add_blobs();
+            blob.set_name(name);
+            blob.set_data(data);
+            blob.set_length(static_cast<std::int32_t>(data.size()));
+        }
+    }
+}
+
+BASEApiMethodReturn* exchange(const BASEApiMethod& method, const APIHccReqHeader* header,
+                              const std::string& sessionKey,
+                              const std::map<std::string, std::string>* blobs,
+                              const std::string& locale) {
+    protoIPCMsg::GPBIPCMsg request;
+    protoIPCMsg::GPBIPCMsg reply;
+    method.BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
+    method.SendRequestToAPIManager(request, reply);
+    return method.ProcessResponse(reply);
+}
+
+}  // namespace
+
+BASEApiMethodReturn* BASEApiMethod::Execute(const APIHccReqHeader* header,
+                                            const std::map<std::string, std::string>* blobs) const {
+    return exchange(*this, header, "", blobs, "");
+}
+
+BASEApiMethodReturn* BASEApiMethod::Execute(const std::string& sessionKey,
+                                            const std::map<std::string, std::string>* blobs,
+                                            const std::string& locale) const {
+    return exchange(*this, nullptr, sessionKey, blobs, locale);
+}
+
+void BASEApiMethod::BuildGPBApiRequest(protoIPCMsg::GPBIPCMsg& request,
+                                       const APIHccReqHeader* header, const std::string& sessionKey,
+                                       const std::map<std::string, std::string>* blobs,
+                                       const std::string& locale) const {
+    if (header == nullptr && sessionKey.empty()) {
+        throw APIMethodError(noIdentity, ErrorStateEnum::InvalidRequest, sourceFile, noIdentityLine,
+                             noIdentityMessageId, nullptr);
+    }
+    request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
+    protoIPCMsg::APIReqMsg& apiRequest = *request.mutable_apireqmsg();
+    apiRequest.set_cmdtype(protoIPCMsg::API_COMMAND);
+    apiRequest.set_clientaddress(header != nullptr ? header->clientAddress : localClient);
+    protoIPCMsg::APICmdReqMsg& command = *apiRequest.mutable_cmdreqmsg();
+    const std::string connection =
+        header != nullptr ? std::string() : connectionElement(sessionKey, locale);
+    // Straight into the message, so that the document is not copied again.
+    fillDocument(*command.mutable_requestdocument(), connection, GetXMLString(false, true));
+    if (header != nullptr) {
+        addHeader(command, *header);
+    }
+    if (blobs != nullptr) {
+        addBlobs(command, *blobs);
+    }
+}
+
+void BASEApiMethod::SendRequestToAPIManager(const protoIPCMsg::GPBIPCMsg& request,
+                                            protoIPCMsg::GPBIPCMsg& reply) const {
+    const GPBComClient client(GENERALUtils::GetEndpoint(APIManagerEndpoint));
+    client.SendReceiveMessage(request, reply);
+}

@@ -1,0 +1,175 @@
+// What comes back: from the API manager's message to the one typed return.
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+#include "apiMgmt/apiStub/base/apiObjects/base/apiObjectFactory.h"
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod.h"
+#include "apiMgmt/apiStub/base/methodReturns/boolMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/compObjectMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/enumMaskMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/enumMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/intMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/methodObjectMethodReturn.h"
+#include "apiMgmt/apiStub/base/methodReturns/respErrorInfo.h"
+#include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
+#include "apiMgmt/common/utils/stringUtil.h"
+#include "apiMgmt/common/xmlParser/xmlParser.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
+
+namespace {
+
+constexpr const char* badMessage = "Invalid content in response message";
+constexpr const char* badDocument = "Invalid response in return XML";
+
+using Elements = std::vector<const parser::XMLElement*>;
+
+BASEApiMethodReturn* malformed(const char* summary, const std::string& detail) {
+    return new BASEApiMethodReturn(false, ErrorStateEnum::ParsingError, summary, summary, detail);
+}
+
+BASEApiMethodReturn* badCount(std::size_t count) {
+    return malformed(badDocument,
+                     STRINGUtil::FormatStr(
+                         "Incorrect number of APIMethodReturn elements.  Expected 1, found [%u].",
+                         static_cast<unsigned>(count)));
+}
+
+/// The decimal number that the text begins with, 0 when there is none, clamped to 32 bits.
+std::int32_t decimal(const std::string& text) {
+    const long long number = std::strtoll(text.c_str(), nullptr, 10);
+    return static_cast<std::int32_t>(
+        std::clamp<long long>(number, std::numeric_limits<std::int32_t>::min(),
+                              std::numeric_limits<std::int32_t>::max()));
+}
+
+ErrorStateEnum errorStateOf(const std::string& text) {
+    return STRINGUtil::IsNumeric(text) ? static_cast<ErrorStateEnum>(decimal(text))
+                                       : gErrorStateEnumIdStrList.GetId(text);
+}
+
+template <class Return>
+BASEApiMethodReturn* withText(const parser::XMLElement& element) {
+    auto made = std::make_unique<Return>(true);
+    made->SetReturnObject(element.GetElementContent());
+    return made.release();
+}
+
+/// One kind of return value: the element that carries it, and what makes the return.
+struct ReturnKind {
+    const char* tag;
+    BASEApiMethodReturn* (*make)(const BASEApiMethod& method, const parser::XMLElement& element);
+};
+
+// The first kind whose element is present decides. To add one: a return class of its own, its
+// row here, and a seed for the fuzz target of reply documents.
+// clang-format off
+constexpr ReturnKind returnKinds[] = {
+    {"ReturnBool", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return new BOOLMethodReturn(STRINGUtil::ConvertStringToBool(element.GetElementContent())); }},
+    {"ReturnInt", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return new INTMethodReturn(decimal(element.GetElementContent())); }},
+    {"ReturnString", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return new STRINGMethodReturn(element.GetElementContent()); }},
+    {"ReturnObject", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return method.ParseReturnApiObjectXML(&element, false); }},
+    {"ReturnObjectArray", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return method.ParseReturnApiObjectXML(&element, true); }},
+    {"ReturnMethodObject", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return method.ParseReturnApiMethodObjectXML(&element, false); }},
+    {"ReturnMethodObjectArray", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
+        return method.ParseReturnApiMethodObjectXML(&element, true); }},
+    {"ReturnEnumMask", [](const BASEApiMethod&, const parser::XMLElement& element) {
+        return withText<ENUMMaskMethodReturn>(element); }},
+    {"ReturnEnum", [](const BASEApiMethod&, const parser::XMLElement& element) {
+        return withText<ENUMMethodReturn>(element); }},
+};
+// clang-format on
+
+/// The return of the first kind found below `parent`; null when there is none.
+BASEApiMethodReturn* valueBelow(const BASEApiMethod& method, const parser::XMLElement& parent) {
+    for (const ReturnKind& kind : returnKinds) {
+        if (const parser::XMLElement* element = parent.GetChildElemByTag(kind.tag)) {
+            return kind.make(method, *element);
+        }
+    }
+    return nullptr;
+}
+
+/// What the message carries, or null and why not in `detail`.
+const std::string* responseDocument(const protoIPCMsg::GPBIPCMsg& reply, const char*& detail) {
+    detail = "Message type invalid or missing from response";
+    if (reply.msgtype() != protoIPCMsg::IPC_API_RESPONSE || !reply.has_apirespmsg()) {
+        return nullptr;
+    }
+    detail = "Command type invalid or missing from response";
+    const protoIPCMsg::APIRespMsg& response = reply.apirespmsg();
+    if (!response.has_cmdtype() || response.cmdtype() != protoIPCMsg::API_COMMAND ||
+        !response.has_cmdrespmsg()) {
+        return nullptr;
+    }
+    return &response.cmdrespmsg().responsedocument();
+}
+
+}  // namespace
+
+BASEApiMethodReturn* BASEApiMethod::ProcessResponse(const protoIPCMsg::GPBIPCMsg& reply) const {
+    const char* detail = nullptr;
+    const std::string* document = responseDocument(reply, detail);
+    if (document == nullptr) {
+        return malformed(badMessage, detail);
+    }
+    parser::XMLParser reader(nullptr);
+    if (!reader.ParseXMLString(*document)) {
+        return malformed(badMessage, "Failed to parse XML response data");
+    }
+    const parser::XMLElement& root = *reader.GetDocumentElement();
+    const Elements found = root.GetChildElemsByTagName(APIApiMethodReturn::GetObjectNameStatic());
+    if (root.GetElementName() != "compapi" || found.size() != 1) {
+        return badCount(found.size());
+    }
+    RESPErrorInfo status;
+    ParseRespStatusNode(found.front(), status);
+    if (!status.successful) {
+        return new BASEApiMethodReturn(false, status.errorState, status.error,
+                                       status.localizedError, status.errorDetail);
+    }
+    // A return that renders itself puts its value beside the status, the API manager into it.
+    BASEApiMethodReturn* value = valueBelow(*this, *found.front());
+    if (value == nullptr) {
+        value = valueBelow(*this, root);
+    }
+    return value != nullptr ? value : badCount(found.size());
+}
+
+void BASEApiMethod::ParseRespStatusNode(const parser::XMLElement* element,
+                                        RESPErrorInfo& status) const {
+    const auto textOf = [&](const BASEApiAttribute* attribute) {
+        return element->GetChildElemContentByTag(attribute->GetXmlName());
+    };
+    status = RESPErrorInfo();
+    status.successful =
+        STRINGUtil::ConvertStringToBool(textOf(APIApiMethodReturn::GetSuccessfulAttr()));
+    if (status.successful) {
+        return;
+    }
+    status.errorState = errorStateOf(textOf(APIApiMethodReturn::GetErrorCodeAttr()));
+    status.error = textOf(APIApiMethodReturn::GetErrorAttr());
+    status.localizedError = textOf(APIApiMethodReturn::GetLocalizedErrorAttr());
+    status.errorDetail = textOf(APIApiMethodReturn::GetErrorDetailAttr());
+}
+
+COMPObjectMethodReturn* BASEApiMethod::ParseReturnApiObjectXML(const parser::XMLElement* element,
+                                                               bool isArray) const {
+    auto made = std::make_unique<COMPObjectMethodReturn>(isArray);
+    made->ReadObjects(*element);
+    return made.release();
+}
+
+METHODObjectMethodReturn* BASEApiMethod::ParseReturnApiMethodObjectXML(
+    const parser::XMLElement* element, bool isArray) const {
+    auto made = std::make_unique<METHODObjectMethodReturn>(isArray);
+    made->ReadObjects(*element);
+    return made.release();
+}
