@@ -9,6 +9,14 @@ static apr_off_t bodyLimit(request_rec* r) {
     return configured > 0 && configured < SOAP_BODY_LIMIT ? configured : SOAP_BODY_LIMIT;
 }
 
+/* The body's length as its sender says, so that too long a body is refused unread; 0 when there
+ * is no usable word of it, and reading shows. */
+static apr_off_t announcedLength(request_rec* r) {
+    const char* text = apr_table_get(r->headers_in, "Content-Length");
+    apr_off_t length = 0;
+    return text && ap_parse_strict_length(&length, text) ? length : 0;
+}
+
 /* Moves what was read to the body; a bucket whose data is on loan is made to own it. */
 static int keepBuckets(apr_bucket_brigade* from, apr_bucket_brigade* body, apr_pool_t* pool,
                        apr_off_t* length) {
@@ -39,7 +47,7 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body) {
     apr_bucket_brigade* part = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     apr_off_t length = 0;
     int status = OK;
-    if (r->clength > limit)
+    if (announcedLength(r) > limit)
         return HTTP_REQUEST_ENTITY_TOO_LARGE;
     while (status == OK) {
         apr_status_t got = ap_get_brigade(r->input_filters, part, AP_MODE_READBYTES, APR_BLOCK_READ,

@@ -1,0 +1,311 @@
+"""The web server's module: what it answers by itself, and what it stands.
+
+The plug-in behind it is one that answers a Ping at once, or one that misbehaves.
+"""
+
+import contextlib
+import gzip
+import re
+import threading
+import time
+import unittest
+
+import soap
+import webServer
+from webServer import PATH, WebServer
+
+MARKER = "MARKER-of-a-request"
+LIMIT = 128 * 1024
+
+
+def http(method="POST", path=PATH, version="1.1", body=b"", length=None, **headers):
+    """A request as bytes. `length` overrides the Content-Length; None for a header drops it."""
+    fields = {"Host": "localhost", "Content-Type": "text/xml", "Connection": "close"}
+    fields["Content-Length"] = str(len(body) if length is None else length)
+    fields.update({name.replace("_", "-"): value for name, value in headers.items()})
+    lines = [f"{method} {path} HTTP/{version}"]
+    lines += [f"{name}: {value}" for name, value in fields.items() if value is not None]
+    return "\r\n".join(lines).encode() + b"\r\n\r\n" + body
+
+
+def chunked(*chunks, **headers):
+    body = b"".join(b"%x\r\n%s\r\n" % (len(c), c) for c in (*chunks, b""))
+    return http(body=body, Content_Length=None, Transfer_Encoding="chunked", **headers)
+
+
+PING = soap.PING.encode()
+IN_ENVELOPE = soap.envelope(f"<ns1:Ping>{MARKER}%s</ns1:Ping>")
+
+
+def with_body(content):
+    return http(body=(IN_ENVELOPE % content).encode())
+
+
+# What a client sends, and the status that it gets.
+REQUESTS = [
+    ("a Ping", http(body=PING), 200),
+    ("a Ping in one chunk", chunked(PING), 200),
+    ("a Ping in chunks of one byte", chunked(*(PING[i:i + 1] for i in range(len(PING)))), 200),
+    ("a Ping of HTTP/1.0", http(body=PING, version="1.0", Host=None), 200),
+    ("a byte order mark in front", http(body=b"\xef\xbb\xbf" + PING), 200),
+    ("quoted character set", http(body=PING, Content_Type='text/xml; charset="UTF-8"'), 200),
+    ("a body of just the limit", http(body=PING.ljust(LIMIT)), 200),
+    ("a description", http("GET", PATH + "?wsdl"), 200),
+    ("the head of a description", http("HEAD", PATH + "?WSDL"), 200),
+    # Methods.
+    ("GET without a query", http("GET"), 405),
+    ("GET with another query", http("GET", PATH + "?wsdl=" + MARKER), 405),
+    ("HEAD", http("HEAD"), 405),
+    ("OPTIONS", http("OPTIONS"), 405),
+    ("PUT", http("PUT", body=PING), 405),
+    ("DELETE", http("DELETE"), 405),
+    ("TRACE", http("TRACE", Content_Length=None), 405),
+    ("a method of no standard", http(MARKER.replace("-", ""), body=PING), 405),
+    # Content that is not a SOAP request.
+    ("no content type", http(body=PING, Content_Type=None), 415),
+    ("another content type", http(body=PING, Content_Type="text/xmlx"), 415),
+    ("a form", http(body=b"a=b", Content_Type="application/x-www-form-urlencoded"), 415),
+    ("another character set", http(body=PING, Content_Type="text/xml;charset=utf-16"), 415),
+    ("a compressed body", http(body=gzip.compress(PING), Content_Encoding="gzip"), 415),
+    ("a body compressed in secret", http(body=gzip.compress(PING)), 400),
+    ("an empty body", http(), 400),
+    ("no length", http(Content_Length=None), 400),
+    ("no chunk", chunked(), 400),
+    ("blanks", http(body=b" \r\n" * 1000), 400),
+    ("text", http(body=MARKER.encode()), 400),
+    ("HTTP in the body", http(body=http(body=PING)), 400),
+    ("a package of parts", http(body=b"--part\r\n\r\n" + PING), 400),
+    ("zero bytes", http(body=bytes(100)), 400),
+    # Size and framing.
+    ("a body above the limit", http(body=PING.ljust(LIMIT + 1)), 413),
+    ("a body announced above the limit", http(length=1 << 40), 413),
+    ("chunks above the limit", chunked(PING, b" " * LIMIT), 413),
+    ("chunks far above the limit", chunked(*[b" " * 65536] * 64), 413),
+    ("an endless chunk", chunked()[:-5] + b"ffffffffffffffffff\r\n", 413),
+    ("a chunk of no size", chunked()[:-5] + MARKER.encode() + b"\r\n", 400),
+    ("a chunk cut short", chunked()[:-5] + b"ff\r\n<a>", 400),
+    ("a body cut short", http(body=PING[:100], length=len(PING)), 400),
+    ("a negative length", http(length=-1), 400),
+    ("a length of words", http(length=MARKER), 400),
+    ("two lengths", http(body=PING).replace(b"\r\n\r\n", b"\r\nContent-Length: 1\r\n\r\n", 1), 400),
+    ("no host", http(body=PING, Host=None), 400),
+    ("a host of markup", http("GET", PATH + "?wsdl", Host='"><' + MARKER), 400),
+    ("an expectation of no standard", http(body=PING, Expect=MARKER), 417),
+    ("a long header", http(body=PING, X=MARKER * 1000), 400),
+    ("no HTTP", MARKER.encode() + b"\r\n\r\n", 400),
+    # XML that the engine has to stand.
+    ("no envelope", http(body=b"<a/>"), 500),
+    ("half an envelope", http(body=PING[:len(PING) // 2]), 500),
+    ("an unknown operation", http(body=soap.envelope(f"<ns1:{MARKER}/>").encode()), 500),
+    ("a document type", http(body=b'<!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'), 500),
+    ("a zero within", with_body("\0"), 200),
+    ("deep nesting", with_body("<a>" * 40000), 500),
+    ("wide nesting", with_body("<a/>" * 30000), 200),
+    ("many attributes", with_body("<a " + "".join(f'b{i}="" ' for i in range(9000)) + "/>"), 200),
+    ("a long name", with_body("<" + "a" * 100000 + "/>"), 200),
+    ("a long text", with_body("a" * 100000), 200),
+    ("an unclosed comment", with_body("<!-- "), 500),
+    ("an unclosed section", with_body("<![CDATA["), 500),
+]
+
+
+def statuses(received):
+    return [int(s) for s in re.findall(rb"^HTTP/1\.[01] (\d+)", received, re.MULTILINE)]
+
+
+class ModuleCase(unittest.TestCase):
+    def start(self, **options):
+        options = {"plugin": webServer.BARE_PLUGIN, **options}
+        server = WebServer(**options)
+        self.addCleanup(server.stop)
+        return server.start()
+
+    def start_with_wsdl(self, text, **options):
+        server = WebServer(plugin=webServer.BARE_PLUGIN, **options)
+        server.wsdl = server.directory / "test.wsdl"
+        server.wsdl.write_text(text)
+        self.addCleanup(server.stop)
+        return server.start()
+
+
+class AnswerTest(ModuleCase):
+    def test_each_request_gets_its_answer_and_the_child_lives(self):
+        server = self.start_with_wsdl("<definitions/>", threads=4)
+        children = server.children()
+        for name, request, expected in REQUESTS:
+            with self.subTest(name):
+                received = server.send_raw(request)
+                self.assertEqual(statuses(received)[:1], [expected], received[:500])
+                self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
+                self.assertEqual(server.children(), children)
+        self.assertNotIn(MARKER, server.error_log())
+
+    def test_reply_and_fault_name_their_type_and_length(self):
+        server = self.start()
+        for body, status in ((soap.PING, 200), (soap.envelope("<a/>"), 500)):
+            reply = server.post(body)
+            self.assertEqual((reply.status, reply.headers["Content-Type"]),
+                             (status, "text/xml; charset=utf-8"))
+            self.assertEqual(int(reply.headers["Content-Length"]), len(reply.body))
+
+    def test_refused_method_is_told_what_is_allowed(self):
+        for wsdl, allowed in (("<definitions/>", {"GET", "HEAD", "POST"}), (None, {"POST"})):
+            server = self.start_with_wsdl(wsdl) if wsdl else self.start(wsdl=None)
+            for method in ("GET", "PUT", "OPTIONS"):
+                reply = server.request(method)
+                self.assertEqual(reply.status, 405)
+                self.assertEqual(set(reply.headers["Allow"].replace(",", " ").split()), allowed)
+
+    def test_client_that_waits_for_leave_gets_it_unless_it_sends_too_much(self):
+        server = self.start()
+        ask = {"Expect": "100-continue"}
+        self.assertEqual(statuses(server.send_raw(http(body=PING, **ask))), [100, 200])
+        self.assertEqual(statuses(server.send_raw(http(length=LIMIT + 1, **ask))), [413])
+
+    def test_requests_in_a_row_share_a_connection(self):
+        server = self.start()
+        keep = http(body=PING, Connection=None)
+        self.assertEqual(statuses(server.send_raw(keep * 3 + http(body=PING))), [200] * 4)
+
+    def test_configured_limit_lowers_the_fixed_one(self):
+        server = self.start(extra=f"<Location {PATH}>\nLimitRequestBody 1000\n</Location>")
+        self.assertEqual(statuses(server.send_raw(http(body=PING.ljust(1000)))), [200])
+        self.assertEqual(statuses(server.send_raw(http(body=PING.ljust(1001)))), [413])
+        self.assertEqual(statuses(server.send_raw(chunked(PING, b" " * 1000))), [413])
+
+
+class WsdlTest(ModuleCase):
+    HOSTS = [
+        # Host header, address in the description; {} is the server's port
+        ("array.example", "http://array.example/sanService"),
+        ("array.example:80", "http://array.example/sanService"),
+        ("Array.example:8443", "http://array.example:8443/sanService"),
+        ("[::1]:8080", "http://[::1]:8080/sanService"),
+        (None, "http://127.0.0.1:{}/sanService"),
+    ]
+
+    def test_names_the_address_that_the_client_used(self):
+        server = self.start_with_wsdl("<a>@SERVICE_ADDRESS@</a><b>@SERVICE_ADDRESS@</b>")
+        for host, address in self.HOSTS:
+            version = "1.1" if host else "1.0"
+            received = server.send_raw(http("GET", PATH + "?wsdl", version, Host=host))
+            address = address.format(server.port).encode()
+            self.assertTrue(received.endswith(b"<a>%s</a><b>%s</b>" % (address, address)),
+                            received)
+
+    def test_markup_in_a_path_stays_text(self):
+        extra = ('<LocationMatch "/other">\nSetHandler gsoap_handler\n'
+                 'SOAPWsdl test.wsdl\n</LocationMatch>')
+        server = self.start_with_wsdl('<a b="@SERVICE_ADDRESS@"/>', extra=extra)
+        received = server.request("GET", '/other%22%3E%3C%26?wsdl').text
+        self.assertRegex(received, r'^<a b="[^"<>]*/other[^"<>]*"/>$')
+
+
+class LoadTest(ModuleCase):
+    def test_every_ping_over_many_connections_is_answered(self):
+        for mpm in ("event", "worker", "prefork"):
+            with self.subTest(mpm):
+                server = self.start(mpm=mpm, threads=16)
+                answers = []
+
+                def send():
+                    with contextlib.closing(server.connect()) as connection:
+                        for _ in range(13):
+                            answers.append(server.post(soap.PING, connection=connection))
+                run_in_threads(16, send)
+                self.assertEqual([soap.answered(a, "Ping") for a in answers], [True] * 16 * 13)
+
+    def test_graceful_restarts_under_load_lose_nothing(self):
+        for mpm in ("event", "prefork"):
+            with self.subTest(mpm):
+                server = self.start(mpm=mpm, threads=8)
+                done, failed = threading.Event(), []
+
+                def send():
+                    while not done.is_set():
+                        try:
+                            if not soap.answered(server.post(soap.PING), "Ping"):
+                                failed.append("no Ping")
+                        except ConnectionRefusedError:
+                            pass
+                        except Exception as error:
+                            failed.append(repr(error))
+
+                def restart():
+                    for count in range(2, 12):
+                        server.graceful()
+                        while server.error_log().count("resuming normal operations") < count:
+                            time.sleep(0.05)
+                    done.set()
+                run_in_threads(4, send, restart)
+                self.assertEqual(failed, [])
+                self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
+
+
+def run_in_threads(count, function, *others):
+    threads = [threading.Thread(target=f) for f in (*[function] * count, *others)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+
+
+class OddPluginTest(ModuleCase):
+    REFUSED = [
+        ("other length", webServer.ODD_PLUGIN, "length 192 and revision 6"),
+        ("other revision", webServer.ODD_PLUGIN, "length 184 and revision 7"),
+        ("no serve function", webServer.ODD_PLUGIN, "lacks functions"),
+        ("no entry", webServer.SHIM, "does not export apache_init_soap_interface"),
+        ("no shared object", webServer.WSDL.parent / "sanApi.h", "invalid ELF header"),
+    ]
+
+    def test_plugin_that_does_not_fit_keeps_the_server_from_starting(self):
+        for behaviour, plugin, reason in self.REFUSED:
+            for arguments in ((), ("-t",)):
+                with self.subTest(behaviour, arguments=arguments):
+                    server = WebServer(plugin=plugin, environment={"ODD_PLUGIN": behaviour})
+                    self.addCleanup(server.discard)
+                    server.configure()
+                    process = server.run_apache(*arguments)
+                    self.assertEqual(process.wait(60), 1)
+                    log = server.output() if arguments else server.error_log()
+                    self.assertRegex(log, f"SOAPLibrary .*{plugin.name}: .*{reason}")
+
+    def test_missing_file_is_named(self):
+        for options in ({"plugin": "nowhere.so"}, {"extra": "SOAPWsdl nowhere.wsdl"}):
+            server = WebServer(**{"plugin": webServer.BARE_PLUGIN, **options})
+            self.addCleanup(server.discard)
+            server.configure()
+            self.assertEqual(server.run_apache("-t").wait(60), 1)
+            self.assertRegex(server.output(), r"SOAP\w+: cannot use .*nowhere")
+
+    ANSWERLESS = [
+        ("throws", "exception of type St13runtime_error"),
+        ("throws midway", "exception of type i"),
+        ("says nothing", "gave no answer, its status is 0"),
+        ("fails silently", "gave no answer, its status is 20"),
+    ]
+
+    def test_request_without_answer_gets_a_fault_and_the_child_lives(self):
+        for behaviour, line in self.ANSWERLESS:
+            with self.subTest(behaviour):
+                server = self.start(plugin=webServer.ODD_PLUGIN,
+                                    environment={"ODD_PLUGIN": behaviour})
+                children = server.children()
+                for _ in range(2):
+                    reply = server.post(soap.PING)
+                    self.assertEqual(reply.status, 500)
+                    self.assertEqual(soap.fault_of(reply),
+                                     ("Server", "The service failed to answer"))
+                self.assertEqual(server.children(), children)
+                self.assertIn(line, server.error_log())
+                self.assertNotIn("words of the plug-in", server.error_log())
+
+    def test_location_without_plugin_answers_and_says_so(self):
+        server = self.start(extra="<Location /bare>\nSetHandler gsoap_handler\n</Location>")
+        self.assertEqual(server.request("POST", "/bare", PING).status, 500)
+        self.assertIn("no SOAPLibrary", server.error_log())
+
+
+if __name__ == "__main__":
+    unittest.main()

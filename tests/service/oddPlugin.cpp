@@ -1,0 +1,36 @@
+// A plug-in that misbehaves in the way that ODD_PLUGIN names, to see that the module stands it.
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "tests/support/engineTable.h"
+
+namespace {
+
+const std::string behaviour = [] {
+    const char* name = std::getenv("ODD_PLUGIN");
+    return std::string(name != nullptr ? name : "");
+}();
+
+int serveOddly(struct soap* context) {
+    if (behaviour == "throws")
+        throw std::runtime_error("words of the plug-in that nobody is to see");
+    if (behaviour == "throws midway")
+        context->fsend(context, "half a reply", 12);
+    if (behaviour == "throws midway")
+        throw 42;
+    return behaviour == "fails silently" ? SOAP_EOM : SOAP_OK;
+}
+
+}  // namespace
+
+PLUGIN_ENTRY void apache_init_soap_interface(apache_soap_interface* table) {
+    fillEngineTable(*table, serveOddly);
+    if (behaviour == "other length")
+        table->length = 192;
+    else if (behaviour == "other revision")
+        table->revision = 7;
+    else if (behaviour == "no serve function")
+        table->serve = nullptr;
+}

@@ -1,0 +1,266 @@
+"""A private Apache httpd for one test: loopback, a free port, its own directory, no privileges.
+
+    server = WebServer(mpm="prefork", api_manager_port=manager.port)
+    server.start()
+    reply = server.post(soap.envelope("<ns1:Ping/>"))
+    server.stop()          # raises when a sanitizer reported something or a child crashed
+
+Where the binaries are comes from the environment that the build sets for its tests; by hand,
+SAN_BUILD_DIR names a build (default: build/debug).
+"""
+
+import contextlib
+import ctypes
+import dataclasses
+import http.client
+import os
+import pathlib
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug"))
+APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
+RUNTIME = os.environ.get("SAN_RUNTIME", "")
+MODULES = "/usr/lib/apache2/modules"
+
+MODULE = BUILD / "host" / "mod_gsoap.so"
+SERVICE_PLUGIN = BUILD / "apiMgmt/webservices/sanService/libsanService.so"
+BARE_PLUGIN = BUILD / "bench" / "libbarePlugin.so"
+ODD_PLUGIN = BUILD / "tests" / "service" / "liboddPlugin.so"
+SHIM = BUILD / "tests" / "support" / "libserviceShim.so"
+WSDL = ROOT / "apiMgmt/webservices/sanService/contract/sanApi.wsdl"
+SIMULATOR = BUILD / "sim" / "sanSim"
+
+PATH = "/sanService"
+START_SECONDS = 60
+STOP_SECONDS = 60
+
+# A line of the error log that no test may leave behind.
+TROUBLE = re.compile(r"ERROR: \w+Sanitizer|WARNING: ThreadSanitizer|runtime error:"
+                     r"|exit signal|Assertion|glibc detected|terminate called")
+
+SANITIZER_OPTIONS = {
+    "ASAN_OPTIONS": "detect_leaks=1:detect_stack_use_after_return=0:exitcode=99",
+    "LSAN_OPTIONS": f"suppressions={ROOT}/tests/support/lsan.supp:print_suppressions=0",
+    "UBSAN_OPTIONS": "print_stacktrace=1",
+    "TSAN_OPTIONS": f"suppressions={ROOT}/tests/support/tsan.supp:die_after_fork=0",
+}
+
+CONFIGURATION = """
+ServerRoot "{directory}"
+ServerName localhost
+Listen 127.0.0.1:{port}
+PidFile "{directory}/httpd.pid"
+DefaultRuntimeDir "{directory}"
+DocumentRoot "{directory}/documents"
+ErrorLog "{directory}/error.log"
+# Keeps the children's memory readable to the leak check after they gave up their privileges.
+CoreDumpDirectory "{directory}"
+{user}
+LoadModule mpm_{mpm}_module {modules}/mod_mpm_{mpm}.so
+LoadModule authz_core_module {modules}/mod_authz_core.so
+LoadModule gsoap_module "{module}"
+MaxKeepAliveRequests 0
+KeepAliveTimeout 60
+TraceEnable off
+{processes}
+<Location "{path}">
+    SetHandler gsoap_handler
+    SOAPLibrary "{plugin}"
+    {wsdl}
+</Location>
+{extra}
+"""
+
+# The threaded ones have one child process, so that a test can tell whether it lived; a second
+# one starts only while the first ends.
+THREADED = "StartServers 1\nServerLimit 8\nThreadsPerChild {n}\nMaxRequestWorkers {n}"
+PROCESSES = {
+    "event": THREADED,
+    "worker": THREADED,
+    "prefork": "StartServers {n}\nMinSpareServers 1\nMaxSpareServers {n}\nMaxRequestWorkers {n}",
+}
+
+
+@dataclasses.dataclass
+class Reply:
+    status: int
+    headers: http.client.HTTPMessage
+    body: bytes
+
+    @property
+    def text(self):
+        return self.body.decode()
+
+
+def _end_with_parent():
+    """In the server's process: it ends with the test, also with one that is killed."""
+    PR_SET_PDEATHSIG = 1
+    ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGTERM)
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class WebServer:
+    def __init__(self, plugin=SERVICE_PLUGIN, mpm="event", threads=8, wsdl=WSDL, extra="",
+                 api_manager_port=None, environment=None):
+        """`extra` is added to the configuration. Without `api_manager_port` the service database
+        has no entry for the API manager."""
+        self.plugin, self.mpm, self.threads = plugin, mpm, threads
+        self.wsdl, self.extra = wsdl, extra
+        self.environment = {
+            "SAN_TEST_APIMGR_PORT": "" if api_manager_port is None else str(api_manager_port),
+            **(environment or {})}
+        self.process = None
+        (BUILD / "servers").mkdir(exist_ok=True)
+        self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-", dir=BUILD / "servers"))
+        self.directory.chmod(0o755)
+        (self.directory / "documents").mkdir()
+
+    # Life ----------------------------------------------------------------------------------
+
+    def configure(self):
+        self.port = free_port()
+        self.url = f"http://127.0.0.1:{self.port}{PATH}"
+        wsdl = f'SOAPWsdl "{self.wsdl}"' if self.wsdl and pathlib.Path(self.wsdl).exists() else ""
+        self.config = self.directory / "httpd.conf"
+        self.config.write_text(CONFIGURATION.format(
+            directory=self.directory, port=self.port, modules=MODULES, module=MODULE,
+            mpm=self.mpm, processes=PROCESSES[self.mpm].format(n=self.threads), path=PATH,
+            plugin=self.plugin, wsdl=wsdl, extra=self.extra,
+            user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
+
+    def _environment(self):
+        preload = ":".join(filter(None, [RUNTIME, str(SHIM)]))
+        return {**os.environ, **SANITIZER_OPTIONS, "LD_PRELOAD": preload,
+                "SAN_TEST_SYSLOG": str(self.directory / "syslog"), **self.environment}
+
+    def run_apache(self, *arguments):
+        """Starts Apache with further arguments, its output in a file; gives the process. Apache
+        ends its whole process group, so it gets one of its own."""
+        with open(self.directory / "output", "ab") as output:
+            return subprocess.Popen(
+                [APACHE, "-d", self.directory, "-f", self.config, "-DFOREGROUND", *arguments],
+                env=self._environment(), stdin=subprocess.DEVNULL, stdout=output, stderr=output,
+                start_new_session=True, preexec_fn=_end_with_parent)
+
+    def start(self):
+        """Gives self when the server accepts connections; raises when it ends instead."""
+        for _ in range(5):  # another test may take the port between its choice and its use
+            self.configure()
+            self.process = self.run_apache()
+            if self._wait_until_listening():
+                return self
+            if "Address already in use" not in self.output():
+                break
+        raise RuntimeError(f"Apache ended with {self.process.returncode}:\n{self.output()}"
+                           f"{self.error_log()}")
+
+    def _wait_until_listening(self):
+        deadline = time.monotonic() + START_SECONDS
+        while self.process.poll() is None and time.monotonic() < deadline:
+            with contextlib.suppress(OSError):
+                socket.create_connection(("127.0.0.1", self.port), timeout=5).close()
+                if self.children():  # the kernel accepts before there is anyone to serve
+                    return True
+            time.sleep(0.05)
+        return False
+
+    def graceful(self):
+        """Asks for a graceful restart; returns at once."""
+        self.process.send_signal(signal.SIGUSR1)
+
+    def stop(self):
+        """Ends the server, its children with their leak checks first. Raises on any trouble, and
+        keeps the directory then."""
+        if self.process is None:
+            return
+        self.process.send_signal(signal.SIGWINCH)
+        try:
+            self.process.wait(STOP_SECONDS)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
+            raise AssertionError(f"Apache did not end; see {self.directory}") from None
+        finally:
+            self.process = None
+        trouble = self.trouble()
+        if trouble:
+            raise AssertionError(f"{trouble}\nsee {self.directory}/error.log")
+        shutil.rmtree(self.directory, ignore_errors=True)
+
+    def discard(self):
+        """For a server that never started: removes its directory."""
+        shutil.rmtree(self.directory, ignore_errors=True)
+
+    # What is to be seen --------------------------------------------------------------------
+
+    def _read(self, name):
+        path = self.directory / name
+        return path.read_text(errors="replace") if path.exists() else ""
+
+    def error_log(self):
+        return self._read("error.log")
+
+    def output(self):
+        return self._read("output")
+
+    def trouble(self):
+        """The first report of a sanitizer or a crash, or an empty text."""
+        text = self.output() + self.error_log()
+        found = TROUBLE.search(text)
+        return text[found.start():found.start() + 6000] if found else ""
+
+    def syslog(self):
+        """The entries of the system log so far, as (identity, priority, text)."""
+        entries = [line.split("\t", 2) for line in self._read("syslog").splitlines()]
+        return [(identity, int(priority), text) for identity, priority, text in entries]
+
+    def children(self):
+        """Process ids of the server's children."""
+        path = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children")
+        return sorted(int(pid) for pid in path.read_text().split())
+
+    # Requests ------------------------------------------------------------------------------
+
+    def connect(self, timeout=60):
+        """A connection for several requests; close it, or use it in a with contextlib.closing."""
+        return http.client.HTTPConnection("127.0.0.1", self.port, timeout=timeout)
+
+    def request(self, method, path=PATH, body=None, headers=None, connection=None):
+        used = connection or self.connect()
+        try:
+            used.request(method, path, body, headers or {})
+            response = used.getresponse()
+            return Reply(response.status, response.headers, response.read())
+        finally:
+            if connection is None:
+                used.close()
+
+    def post(self, body, headers=None, connection=None):
+        body = body.encode() if isinstance(body, str) else body
+        headers = {"Content-Type": "text/xml; charset=utf-8", "SOAPAction": '""',
+                   **(headers or {})}
+        return self.request("POST", PATH, body, headers, connection)
+
+    def send_raw(self, data, timeout=60):
+        """Sends bytes as they are, ends the sending side, gives all that comes back."""
+        with socket.create_connection(("127.0.0.1", self.port), timeout=timeout) as connection:
+            received = b""
+            with contextlib.suppress(ConnectionError):
+                connection.sendall(data)
+                connection.shutdown(socket.SHUT_WR)
+            with contextlib.suppress(ConnectionError):
+                while part := connection.recv(65536):
+                    received += part
+            return received

@@ -1,0 +1,112 @@
+/*
+ * Preloaded into the web server by the service tests, so that they need no privileges and can run
+ * beside each other:
+ *
+ *   SAN_TEST_APIMGR_PORT  the port that the service database has for "ostrel-apimgr";
+ *                         empty for an entry that does not exist
+ *   SAN_TEST_SYSLOG       the file that takes what goes to the system log, one line an entry:
+ *                         identity, tab, priority, tab, text; a line feed within is a space
+ */
+#include <arpa/inet.h>
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <netdb.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#define EXPORT __attribute__((visibility("default")))
+
+static int logFile = -1;
+static const char* identity = "";
+
+/* Opened before the server gives up its privileges, and inherited by its children. */
+__attribute__((constructor)) static void openLogFile(void) {
+    const char* path = getenv("SAN_TEST_SYSLOG");
+    if (path)
+        logFile = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+}
+
+static int findEntry(const char* port, struct servent* entry, char* room, size_t size) {
+    static char* noAliases[] = {NULL};
+    if (size < sizeof "tcp")
+        return ERANGE;
+    *entry = (struct servent){.s_name = (char*)"ostrel-apimgr",
+                              .s_aliases = noAliases,
+                              .s_port = htons((uint16_t)atoi(port)),
+                              .s_proto = memcpy(room, "tcp", sizeof "tcp")};
+    return 0;
+}
+
+EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* entry, char* room,
+                           size_t size, struct servent** result) {
+    int (*real)(const char*, const char*, struct servent*, char*, size_t, struct servent**);
+    const char* port = getenv("SAN_TEST_APIMGR_PORT");
+    if (!port || strcmp(name, "ostrel-apimgr") != 0) {
+        *(void**)&real = dlsym(RTLD_NEXT, "getservbyname_r");
+        return real(name, proto, entry, room, size, result);
+    }
+    *result = NULL;
+    if (!*port)
+        return 0;
+    int error = findEntry(port, entry, room, size);
+    if (!error)
+        *result = entry;
+    return error;
+}
+
+static void writeEntry(int priority, const char* format, va_list arguments) {
+    char* text = NULL;
+    if (logFile < 0 || vasprintf(&text, format, arguments) < 0)
+        return;
+    size_t length = strlen(text);
+    if (length > 0 && text[length - 1] == '\n')
+        text[--length] = '\0'; /* as the log daemon does */
+    for (char* feed = text; (feed = strchr(feed, '\n'));)
+        *feed = ' ';
+    char* line = NULL;
+    int size = asprintf(&line, "%s\t%d\t%s\n", identity, priority, text);
+    if (size > 0 && write(logFile, line, (size_t)size) != size)
+        perror("cannot write the log of the test");
+    free(line);
+    free(text);
+}
+
+EXPORT void openlog(const char* ident, int option, int facility) {
+    (void)option;
+    (void)facility;
+    __atomic_store_n(&identity, ident, __ATOMIC_RELAXED);
+}
+
+EXPORT void closelog(void) {}
+
+EXPORT void vsyslog(int priority, const char* format, va_list arguments) {
+    writeEntry(priority, format, arguments);
+}
+
+EXPORT void syslog(int priority, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    writeEntry(priority, format, arguments);
+    va_end(arguments);
+}
+
+/* What the compiler calls in their place in a fortified build. */
+// NOLINTBEGIN(bugprone-reserved-identifier)
+EXPORT void __vsyslog_chk(int priority, int flag, const char* format, va_list arguments) {
+    (void)flag;
+    writeEntry(priority, format, arguments);
+}
+
+EXPORT void __syslog_chk(int priority, int flag, const char* format, ...) {
+    (void)flag;
+    va_list arguments;
+    va_start(arguments, format);
+    writeEntry(priority, format, arguments);
+    va_end(arguments);
+}
+// NOLINTEND(bugprone-reserved-identifier)
