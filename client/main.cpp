@@ -1,16 +1,86 @@
 // The command-line client of the service.
-#include <CLI/CLI.hpp>
+#include <csignal>
+#include <iostream>
+#include <list>
 
-#include "client/exitStatus.h"
+#include "client/commandLine.h"
+#include "client/operations.h"
 
-int main(int argc, char** argv) {
-    CLI::App app("Command-line client of the array's service for host-cache clusters.", "sanctl");
+namespace {
+
+using client::ExitStatus;
+
+constexpr const char* description =
+    "Command-line client of the array's service for host-cache clusters.";
+constexpr const char* footer =
+    "Exit status: 0 done, 1 refused by the array, 2 refused by the service, 3 no answer,\n"
+    "64 wrong usage. The options above may also follow the subcommand; each subcommand has\n"
+    "its own --help.";
+
+// An operation as a subcommand.
+struct Subcommand {
+    const client::Operation* operation;
+    CLI::App* app;
+    std::unique_ptr<client::Request> request;
+};
+
+std::list<Subcommand> declareOperations(CLI::App& app, client::MessageParts& parts) {
+    std::list<Subcommand> commands;
+    for (const client::Operation& operation : client::allOperations()) {
+        CLI::App* command = app.add_subcommand(client::commandName(operation.name), operation.help);
+        client::FieldOptions options(*command, parts);
+        commands.push_back({&operation, command, operation.makeRequest()});
+        commands.back().request->declareOptions(options);
+        command->fallthrough();
+    }
+    return commands;
+}
+
+ExitStatus runOperation(const Subcommand& command, const client::CommandLine& line) {
+    client::Session session(line.service);
+    const client::Outcome outcome = command.request->send(session);
+    const client::Json reply = command.request->reply();
+    const std::string name = command.operation->name;
+    if (name == "Ping") {
+        reportPing(line.form, outcome, reply);
+    } else {
+        reportOutcome(line.form, name, outcome, reply);
+    }
+    return outcome.status;
+}
+
+ExitStatus run(int argc, char** argv) {
+    CLI::App app(description, "sanctl");
+    client::CommandLine line;
+    client::MessageParts parts;
+    declareSharedOptions(app, line);
+    const std::list<Subcommand> commands = declareOperations(app, parts);
+    app.require_subcommand(1)->footer(footer);
     try {
         app.parse(argc, argv);
-        return static_cast<int>(client::ExitStatus::done);
     } catch (const CLI::ParseError& error) {
-        const bool helpWanted = app.exit(error) == 0;
-        return static_cast<int>(helpWanted ? client::ExitStatus::done
-                                           : client::ExitStatus::wrongUsage);
+        return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
+    }
+    checkSharedOptions(line);
+    for (const Subcommand& command : commands) {
+        if (command.app->parsed()) {
+            return runOperation(command, line);
+        }
+    }
+    return ExitStatus::wrongUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (const std::invalid_argument& error) {
+        std::cerr << "sanctl: " << error.what() << '\n';
+        return static_cast<int>(ExitStatus::wrongUsage);
+    } catch (const std::exception& error) {
+        std::cerr << "sanctl: " << error.what() << '\n';
+        return static_cast<int>(ExitStatus::noAnswer);
     }
 }

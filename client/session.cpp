@@ -1,0 +1,201 @@
+#include "client/session.h"
+
+#include <sys/socket.h>
+
+#include <chrono>
+#include <iostream>
+#include <stdexcept>
+#include <utility>
+
+#include "client/messageText.h"
+
+namespace client {
+
+namespace {
+
+constexpr ULONG64 longestReply = 16UL * 1024 * 1024;
+constexpr unsigned int deepestReply = 100;
+constexpr soap_mode inputMode = SOAP_C_UTFSTRING | SOAP_IO_KEEPALIVE | SOAP_XML_TREE;
+constexpr soap_mode outputMode = SOAP_C_UTFSTRING | SOAP_IO_KEEPALIVE;
+
+double now() {
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(time).count();
+}
+
+const char* orNull(const std::string& text) {
+    return text.empty() ? nullptr : text.c_str();
+}
+
+std::string orEmpty(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
+std::string localName(const std::string& code) {
+    return code.substr(code.find_last_of(":\"") + 1);
+}
+
+// The code of the fault that came from the server; empty when it sent none.
+std::string receivedFault(soap& context) {
+    const bool isFault = context.error == SOAP_FAULT || context.error == SOAP_CLI_FAULT ||
+                         context.error == SOAP_SVR_FAULT || context.error == SOAP_VERSIONMISMATCH ||
+                         context.error == SOAP_MUSTUNDERSTAND;
+    return isFault && context.fault != nullptr ? localName(orEmpty(*soap_faultcode(&context))) : "";
+}
+
+bool isHttpStatus(int error) {
+    return error >= 200 && error < 600;
+}
+
+bool isHttpRefusal(int error) {
+    return error >= 400 && error < 500;
+}
+
+ExitStatus statusOf(const std::string& faultCode, int error) {
+    if (faultCode.starts_with("Server") || faultCode == "Receiver") {
+        return ExitStatus::refusedByArray;
+    }
+    return !faultCode.empty() || isHttpRefusal(error) ? ExitStatus::refusedByService
+                                                      : ExitStatus::noAnswer;
+}
+
+std::string engineText(Proxy& proxy) {
+    soap_set_fault(&proxy);
+    const std::string text = orEmpty(proxy.soap_fault_string());
+    const std::string detail = orEmpty(proxy.soap_fault_detail());
+    return detail.empty() ? text : text + " (" + detail + ")";
+}
+
+// The engine has one error for a connection that ended and for one that stayed silent, and tells
+// an answer that is no SOAP by the HTTP status alone.
+std::string textOfFailure(Proxy& proxy, double seconds, int timeoutSeconds) {
+    const int error = proxy.error;
+    if (error == SOAP_EOF && seconds >= timeoutSeconds) {
+        return "no whole answer within " + std::to_string(timeoutSeconds) + " s";
+    }
+    if (error == SOAP_EOF) {
+        return "the connection ended before the answer did";
+    }
+    if (error >= 200 && error < 300) {
+        return "the answer is no SOAP message";
+    }
+    return isHttpStatus(error) ? "HTTP status " + std::to_string(error) : engineText(proxy);
+}
+
+void showMessage(const char* title, const std::string& captured) {
+    const std::string message = maskSecrets(captured);
+    const std::size_t head = message.find("\r\n\r\n");
+    const std::size_t body = head == std::string::npos ? message.size() : head + 4;
+    std::string text = message.substr(0, head) + "\n\n" + indentXml(message.substr(body)) + "\n";
+    std::erase(text, '\r');
+    std::cerr << "--- " << title << " ---\n" << printable(text);
+}
+
+}  // namespace
+
+Session::Session(ServiceOptions options)
+    : m_options(std::move(options)), m_proxy(m_options.url.c_str(), SOAP_C_UTFSTRING) {
+    soap_set_imode(&m_proxy, inputMode);
+    soap_set_omode(&m_proxy, outputMode);
+    setLimits();
+    fillHeader();
+    if (m_options.url.starts_with("https:")) {
+        startTls();
+    }
+    if (m_options.dump) {
+        captureMessages();
+    }
+}
+
+Session::~Session() = default;
+
+void Session::setLimits() {
+    m_proxy.connect_timeout = m_options.timeoutSeconds;
+    m_proxy.send_timeout = m_options.timeoutSeconds;
+    m_proxy.recv_timeout = m_options.timeoutSeconds;
+    m_proxy.transfer_timeout = m_options.timeoutSeconds;
+    m_proxy.recv_maxlength = longestReply;
+    m_proxy.maxlevel = deepestReply;
+    m_proxy.socket_flags = MSG_NOSIGNAL;
+}
+
+// The service decodes the credentials once more than the SOAP layer does, so the element's
+// octets are base64 text themselves.
+void Session::fillHeader() {
+    const Credentials& credentials = m_options.credentials;
+    if (!credentials.user.empty()) {
+        const std::string plain = credentials.user + ":" + credentials.password;
+        m_encodedUserPass =
+            orEmpty(soap_s2base64(&m_proxy, reinterpret_cast<const unsigned char*>(plain.data()),
+                                  nullptr, static_cast<int>(plain.size())));
+        m_userPass.__ptr = reinterpret_cast<unsigned char*>(m_encodedUserPass.data());
+        m_userPass.__size = static_cast<int>(m_encodedUserPass.size());
+        m_apiHeader.userPass = &m_userPass;
+    }
+    if (!credentials.token.empty()) {
+        m_apiHeader.authToken = &m_options.credentials.token;
+    }
+    m_apiHeader.xsdVersion = &m_version;
+    m_header.ns1__HccApiHeader_ = &m_apiHeader;
+}
+
+void Session::startTls() {
+    const TlsOptions& tls = m_options.tls;
+    const unsigned short trust = tls.insecure
+                                     ? SOAP_SSL_NO_AUTHENTICATION | SOAP_SSL_SKIP_HOST_CHECK
+                                     : SOAP_SSL_REQUIRE_SERVER_AUTHENTICATION;
+    if (soap_ssl_client_context(&m_proxy, trust, orNull(tls.certFile), orNull(tls.certPassword),
+                                orNull(tls.caFile), nullptr, nullptr) != SOAP_OK) {
+        throw std::invalid_argument("TLS cannot be set up: " + engineText(m_proxy));
+    }
+}
+
+void Session::captureMessages() {
+    m_proxy.user = this;
+    m_send = std::exchange(m_proxy.fsend, &Session::captureSend);
+    m_receive = std::exchange(m_proxy.frecv, &Session::captureReceive);
+}
+
+int Session::captureSend(soap* context, const char* octets, std::size_t count) {
+    auto& self = *static_cast<Session*>(context->user);
+    self.m_sent.append(octets, count);
+    return self.m_send(context, octets, count);
+}
+
+std::size_t Session::captureReceive(soap* context, char* octets, std::size_t size) {
+    auto& self = *static_cast<Session*>(context->user);
+    const std::size_t count = self.m_receive(context, octets, size);
+    self.m_received.append(octets, count);
+    return count;
+}
+
+void Session::begin() {
+    m_proxy.destroy();  // What the last reply holds.
+    m_proxy.header = &m_header;
+    m_sent.clear();
+    m_received.clear();
+    m_began = now();
+}
+
+Outcome Session::finish() {
+    Outcome outcome;
+    outcome.seconds = now() - m_began;
+    if (m_options.dump) {
+        showMessages();
+    }
+    if (m_proxy.error != SOAP_OK) {
+        outcome.faultCode = receivedFault(m_proxy);
+        outcome.status = statusOf(outcome.faultCode, m_proxy.error);
+        outcome.text = outcome.faultCode.empty()
+                           ? textOfFailure(m_proxy, outcome.seconds, m_options.timeoutSeconds)
+                           : orEmpty(m_proxy.soap_fault_string());
+    }
+    return outcome;
+}
+
+void Session::showMessages() const {
+    showMessage("request", m_sent);
+    showMessage("reply", m_received);
+}
+
+}  // namespace client

@@ -1,0 +1,71 @@
+"""A tiny HTTP server that answers what it is told to, and keeps what it was sent."""
+
+import base64
+import contextlib
+import http.server
+import threading
+
+ENVELOPE = ('<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/envelope/" '
+            'xmlns:ns1="urn:san-api:service"><SOAP-ENV:Header><ns1:HccApiHeader>'
+            '<xsdVersion version="2.3"/></ns1:HccApiHeader></SOAP-ENV:Header>'
+            "<SOAP-ENV:Body>{}</SOAP-ENV:Body></SOAP-ENV:Envelope>")
+RESULT = "<catalogNumber>0</catalogNumber><defaultMsg></defaultMsg><resultCode>0</resultCode>"
+
+
+def reply(operation, content=f"<return>{RESULT}</return>"):
+    return 200, ENVELOPE.format(f"<ns1:{operation}Response>{content}</ns1:{operation}Response>")
+
+
+def fault(code, text):
+    return 500, ENVELOPE.format(f"<SOAP-ENV:Fault><faultcode>{code}</faultcode>"
+                                f"<faultstring>{text}</faultstring></SOAP-ENV:Fault>")
+
+
+NOTHING = (0, "")  # Closes the connection without a word.
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def do_POST(self):
+        body = self.rfile.read(int(self.headers["Content-Length"])).decode()
+        self.server.requests.append(body)
+        status, text = self.server.answer(body) if callable(self.server.answer) \
+            else self.server.answer
+        if not status:
+            self.close_connection = True
+            return
+        self.send_response(status)
+        self.send_header("Content-Type", "text/xml; charset=utf-8")
+        self.send_header("Content-Length", str(len(text.encode())))
+        self.end_headers()
+        self.wfile.write(text.encode())
+
+    def log_message(self, *arguments):
+        pass
+
+
+@contextlib.contextmanager
+def serve(answer, tls=None):
+    """`answer` is (status, body) or a function of the request's body. Gives the server, whose
+    `url` and `requests` tell what a test needs; `tls` is a context for HTTPS."""
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+    server.answer, server.requests = answer, []
+    if tls:
+        server.socket = tls.wrap_socket(server.socket, server_side=True,
+                                        do_handshake_on_connect=False)
+    server.url = f"http{'s' if tls else ''}://127.0.0.1:{server.server_port}/sanService"
+    thread = threading.Thread(target=server.serve_forever, args=(0.02,))
+    thread.start()
+    try:
+        yield server
+    finally:
+        server.shutdown()
+        thread.join()
+        server.server_close()
+
+
+def twice_decoded(request, element="userPass"):
+    """The credentials in a request, which travel encoded twice."""
+    content = request.partition(f"<{element}>")[2].partition("<")[0]
+    return base64.b64decode(base64.b64decode(content)).decode()
