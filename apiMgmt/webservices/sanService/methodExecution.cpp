@@ -1,0 +1,63 @@
+// How a method of the management API is run, and what the client sees of its outcome.
+
+#include <exception>
+#include <memory>
+
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
+#include "apiMgmt/apiStub/base/methodReturns/baseApiMethodReturn.h"
+#include "apiMgmt/common/utils/legalXmlText.h"
+#include "apiMgmt/webservices/sanService/sanService.h"
+
+const BASEApiMethodReturn* SANService::ExecuteMethod(
+    const BASEApiMethod& method, const std::map<std::string, std::string>* args) const {
+    try {
+        return method.Execute(&m_header, args);
+    } catch (const APIMethodError& e) {
+        ServiceLog::Write(
+            ServiceLog::kApiError,
+            STRINGUtil::FormatStr("API exception serving san service request. msg(%s)",
+                                  e.GetLogMessage().c_str()));
+    } catch (const APISocketError& e) {
+        ServiceLog::Write(
+            ServiceLog::kSocketError,
+            STRINGUtil::FormatStr("Connection error serving san service request. msg(%s)",
+                                  e.GetLogMessage().c_str()));
+    } catch (const std::exception& e) {
+        ServiceLog::Write(
+            ServiceLog::kGeneralError,
+            STRINGUtil::FormatStr(
+                "General exception processing san service request(%s::%s). msg: %s",
+                method.GetObjectName().c_str(), method.GetMethodName().c_str(), e.what()));
+    }
+    return nullptr;
+}
+
+SanApi::ns1__resultObject* SANService::AllocSoapResultObject() {
+    SanApi::ns1__resultObject* result =
+        SanApi::soap_instantiate_ns1__resultObject(this, -1, nullptr, nullptr, nullptr);
+    result->defaultMsg = AllocSoapString("");
+    result->catalogNumber = 0;
+    result->resultCode = 0;
+    return result;
+}
+
+int SANService::ParseXMLResponse(SanApi::ns1__resultObject** result,
+                                 const BASEApiMethodReturn* ret) {
+    if (ret == nullptr) {
+        ServiceLog::Write(ServiceLog::kNoReturn);
+        return soap_receiverfault("Received Invalid/NULL response from tarn", "");
+    }
+    if (ret->GetSuccessful()) {
+        *result = AllocSoapResultObject();
+        return SOAP_OK;
+    }
+    return soap_receiverfault(legalXmlText(ret->GetError()).c_str(), "");
+}
+
+int SANService::RunMethod(const BASEApiMethod& method, SanApi::ns1__resultObject** result,
+                          const std::map<std::string, std::string>* args) {
+    const std::unique_ptr<const BASEApiMethodReturn> ret(ExecuteMethod(method, args));
+    return ParseXMLResponse(result, ret.get());
+}

@@ -1,0 +1,104 @@
+// What happens to a request before its operation runs, and to the reply's header.
+
+#include <exception>
+#include <string>
+
+#include "apiMgmt/webservices/sanService/sanService.h"
+
+namespace {
+
+// The version of the messages that this service speaks, as the contract states it.
+std::string ContractVersion() {
+    SanApi::ns1__HccApiXsd xsd;
+    xsd.soap_default(nullptr);
+    return xsd.version;
+}
+
+const std::string kFullVersion = ContractVersion();
+const std::string kMajorVersion = kFullVersion.substr(0, kFullVersion.find('.', 0));
+const std::string kVersionPrefix = kMajorVersion + ".";
+
+constexpr char kInternalError[] = "Internal error serving san service request";
+
+}  // namespace
+
+int SANService::dispatch() {
+    try {
+        return DispatchChecked();
+    } catch (const std::exception& e) {
+        ServiceLog::Write(ServiceLog::kEscaped,
+                          STRINGUtil::FormatStr("%s. msg(%s)", kInternalError, e.what()));
+    } catch (...) {
+        ServiceLog::Write(ServiceLog::kEscaped, STRINGUtil::FormatStr("%s", kInternalError));
+    }
+    return soap_receiverfault(kInternalError, "");
+}
+
+int SANService::DispatchChecked() {
+    // Failure is no matter here: without an element there is no tag, and what follows says so.
+    (void)soap_peek_element(this);
+    const bool credentialsRequired = soap_match_tag(this, tag, "ns1:Ping") != SOAP_OK;
+    const std::string refusal = ParseRequestHeaders(credentialsRequired);
+    PopulateResponseHeaders();
+    if (!refusal.empty()) {
+        ServiceLog::Write(ServiceLog::kRefused, STRINGUtil::FormatStr("%s", refusal.c_str()));
+        return soap_senderfault(refusal.c_str(), "");
+    }
+    return SanApi::SanApiPortBindingService::dispatch();
+}
+
+std::string SANService::ParseRequestHeaders(bool credentialsRequired) {
+    ServiceLog::Write(ServiceLog::kValidating);
+    if (header == nullptr) {
+        return "Soap header not specified";
+    }
+    const SanApi::ns1__HccApiHeader* apiHeader = header->ns1__HccApiHeader_;
+    if (apiHeader == nullptr) {
+        return "SanService soap header not specified";
+    }
+    if (apiHeader->xsdVersion != nullptr) {
+        m_header.schemaVersion = apiHeader->xsdVersion->version;
+    }
+    if (!STRINGUtil::StartsWith(m_header.schemaVersion, kVersionPrefix)) {
+        return STRINGUtil::FormatStr(
+            "SanService soap header version mismatch, expecting[%s] specified[%s]",
+            kFullVersion.c_str(), m_header.schemaVersion.c_str());
+    }
+    if (apiHeader->userPass != nullptr && apiHeader->userPass->__size > 0) {
+        m_header.credentials = DecodeCredentials(*apiHeader->userPass);
+    }
+    if (apiHeader->authToken != nullptr && !apiHeader->authToken->empty()) {
+        m_header.authToken = *apiHeader->authToken;
+    }
+    if (credentialsRequired && m_header.credentials.empty() && m_header.authToken.empty()) {
+        return "SanService user credentials not specified";
+    }
+    return "";
+}
+
+// Clients encode the credentials once more inside the element that is base64 already. The engine
+// hands that inner text over without its terminating zero, and its decoder runs to the zero.
+std::string SANService::DecodeCredentials(const SanApi::xsd__base64Binary& userPass) {
+    const std::string encoded(reinterpret_cast<const char*>(userPass.__ptr),
+                              static_cast<size_t>(userPass.__size));
+    int decodedSize = userPass.__size;
+    const char* decoded = soap_base642s(this, encoded.c_str(), nullptr, 0, &decodedSize);
+    if (decoded == nullptr) {
+        // No credentials then. The decoder's error is not the request's.
+        error = SOAP_OK;
+        return "";
+    }
+    return decoded;
+}
+
+void SANService::PopulateResponseHeaders() {
+    if (header == nullptr || header->ns1__HccApiHeader_ == nullptr) {
+        return;
+    }
+    SanApi::ns1__HccApiHeader& apiHeader = *header->ns1__HccApiHeader_;
+    if (apiHeader.xsdVersion != nullptr) {
+        apiHeader.xsdVersion->version = kFullVersion;
+    }
+    apiHeader.userPass = nullptr;
+    apiHeader.authToken = nullptr;
+}

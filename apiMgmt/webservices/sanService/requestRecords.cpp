@@ -1,0 +1,81 @@
+#include "apiMgmt/webservices/sanService/requestRecords.h"
+
+#include <optional>
+
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiIpv4AddressPort.h"
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneInterfaceInformation.h"
+
+namespace {
+
+// The text of whichever kind of address the entry carries; null when it carries none. The kind
+// is not looked at: the record turns what is no IPv4 address into "0.0.0.0".
+const std::string* AddressText(const SanApi::ns1__InetAddress& address) {
+    const auto& choice = address.union_InetAddress;
+    switch (address.__union_InetAddress) {
+        case 1:
+            return choice.ipv4Addr;
+        case 2:
+            return choice.ipv6Addr;
+        case 3:
+            return choice.dnsAddr;
+        case 4:
+            return choice.addr;
+        default:
+            return nullptr;
+    }
+}
+
+// The transport that a kind of interface stands for; a kind that is not known sets none.
+std::optional<FrontEndTransportTypeEnum> TransportOf(SanApi::ns1__InterfaceType type) {
+    switch (type) {
+        case SanApi::ns1__InterfaceType__unknown:
+            return FrontEndTransportTypeEnum::Unknown;
+        case SanApi::ns1__InterfaceType__fc:
+            return FrontEndTransportTypeEnum::FibreChannel;
+        case SanApi::ns1__InterfaceType__iscsi:
+            return FrontEndTransportTypeEnum::Iscsi;
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace
+
+RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
+                                   const ServiceLog::FixedEntry& skipped, MissingAddress missing) {
+    RequestRecords records;
+    for (const SanApi::ns1__IpAddressPort* entry : entries) {
+        if (entry == nullptr || (entry->ipAddress == nullptr && missing == MissingAddress::Warn)) {
+            ServiceLog::Write(skipped);
+            continue;
+        }
+        const std::string* text =
+            entry->ipAddress != nullptr ? AddressText(*entry->ipAddress) : nullptr;
+        if (text == nullptr || text->empty()) {
+            continue;
+        }
+        auto record = std::make_unique<APIIpv4AddressPort>();
+        record->SetIpv4Address(*text);
+        record->SetPort(entry->port);
+        records.Add(std::move(record));
+    }
+    return records;
+}
+
+RequestRecords BuildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries) {
+    RequestRecords records;
+    for (const SanApi::ns1__interfaceObject* entry : entries) {
+        if (entry == nullptr) {
+            continue;
+        }
+        auto record = std::make_unique<APINorvaneInterfaceInformation>();
+        if (entry->intfType != nullptr) {
+            if (const auto transport = TransportOf(*entry->intfType)) {
+                record->SetInterfaceType(*transport);
+            }
+        }
+        record->SetInterfaceId(entry->intfId);
+        records.Add(std::move(record));
+    }
+    return records;
+}

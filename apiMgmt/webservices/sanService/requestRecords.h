@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethodObject.h"
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "apiMgmt/webservices/sanService/serviceLog.h"
+
+/// Records built from a request's list, for a method's list setter.
+///
+/// The setter keeps the records' text, so they need to live no longer than the call of it.
+class RequestRecords {
+public:
+    void Add(std::unique_ptr<const BASEApiMethodObject> record) {
+        m_view.push_back(record.get());
+        m_owned.push_back(std::move(record));
+    }
+
+    /// The records in the request's order, owned by this object.
+    const std::vector<const BASEApiMethodObject*>& View() const { return m_view; }
+    bool IsEmpty() const { return m_view.empty(); }
+
+private:
+    std::vector<std::unique_ptr<const BASEApiMethodObject>> m_owned;
+    std::vector<const BASEApiMethodObject*> m_view;
+};
+
+/// What to do with an entry that has no address element at all.
+enum class MissingAddress { Warn, Ignore };
+
+/// One APIIpv4AddressPort for each usable entry. An entry that is nil is skipped with the line
+/// @p skipped, one whose address has no text without a word.
+RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
+                                   const ServiceLog::FixedEntry& skipped, MissingAddress missing);
+
+/// One APINorvaneInterfaceInformation for each entry that is not nil.
+RequestRecords BuildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries);

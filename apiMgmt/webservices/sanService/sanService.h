@@ -1,0 +1,117 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "apiMgmt/webservices/sanService/serviceLog.h"
+#include "host/include/soapRequestConf.h"
+
+class BASEApiMethod;
+class BASEApiMethodObject;
+class BASEApiMethodReturn;
+
+/// Fault text for a request or response object that is not there. Exported.
+extern "C" __attribute__((visibility("default"))) const char* gNullPointerMsg;
+
+/// Serves one SOAP request.
+///
+/// The handler makes one on its stack from the module's context, serves with it and destroys
+/// it. The object holds a whole engine context (about 160 KiB), so the web server's threads need
+/// stacks for it. What a response carries is allocated on that context and freed by it.
+///
+///     SANService service(*context, "127.0.0.1", getApiMgrPort());
+///     return service.serve();
+class SANService : public SanApi::SanApiPortBindingService {
+public:
+    /// Copies @p context, so that the object inherits the module's connection, buffers and modes.
+    /// The two connection addresses come from the module's request configuration; without it
+    /// they stay empty and a LOGError line says so.
+    SANService(const soap& context, const std::string& apiMgrAddress, const int& apiMgrPort);
+    ~SANService() override = default;
+    SANService(const SANService&) = delete;
+    SANService& operator=(const SANService&) = delete;
+
+    /// A fresh object from this one's context, with an empty request header. The caller owns it.
+    SanApi::SanApiPortBindingService* copy() override;
+
+    /// Checks the SOAP header, prepares the reply's, and calls the operation that the body names.
+    /// @return SOAP_OK or an engine error code. No exception leaves it.
+    int dispatch() override;
+
+    // clang-format off
+    int AddHccToSan(SanApi::ns1__AddHccToSan* request, SanApi::ns1__AddHccToSanResponse* response) override;
+    int RemoveHccFromSan(SanApi::ns1__RemoveHccFromSan* request, SanApi::ns1__RemoveHccFromSanResponse* response) override;
+    int AddServer(SanApi::ns1__AddServer* request, SanApi::ns1__AddServerResponse* response) override;
+    int RemoveServer(SanApi::ns1__RemoveServer* request, SanApi::ns1__RemoveServerResponse* response) override;
+    int HccAttachVolume(SanApi::ns1__HccAttachVolume* request, SanApi::ns1__HccAttachVolumeResponse* response) override;
+    int HccDetachVolume(SanApi::ns1__HccDetachVolume* request, SanApi::ns1__HccDetachVolumeResponse* response) override;
+    int MakeDataAvailable(SanApi::ns1__MakeDataAvailable* request, SanApi::ns1__MakeDataAvailableResponse* response) override;
+    int MakeDataUnavailable(SanApi::ns1__MakeDataUnavailable* request, SanApi::ns1__MakeDataUnavailableResponse* response) override;
+    int FlushComplete(SanApi::ns1__FlushComplete* request, SanApi::ns1__FlushCompleteResponse* response) override;
+    int NewPrimaryCfmAddresses(SanApi::ns1__NewPrimaryCfmAddresses* request, SanApi::ns1__NewPrimaryCfmAddressesResponse* response) override;
+    int SnapshotPrepareComplete(SanApi::ns1__SnapshotPrepareComplete* request, SanApi::ns1__SnapshotPrepareCompleteResponse* response) override;
+    int Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* response) override;
+    int RenameHccInSan(SanApi::ns1__RenameHccInSan* request, SanApi::ns1__RenameHccInSanResponse* response) override;
+    // clang-format on
+
+    /// The identity that accompanies every call of this request to the management API.
+    const APIHccReqHeader& GetRequestHeader() const { return m_header; }
+
+protected:
+    /// The module's record of this request, null when it registered none. Not owned.
+    soapRequestConf* getRequestConfiguration();
+
+    /// Validates the SOAP header and takes over what it carries.
+    /// @return the fault text, empty when the header passes.
+    std::string ParseRequestHeaders(bool credentialsRequired);
+
+    /// Rewrites the request's header for the reply: our version, no credentials, no token.
+    void PopulateResponseHeaders();
+
+    /// A copy of @p s that the context owns.
+    std::string* AllocSoapString(const std::string& s);
+
+    /// A result object with its defaults, owned by the context.
+    SanApi::ns1__resultObject* AllocSoapResultObject();
+
+    /// Runs one method of the management API.
+    /// @param args blobs that travel with it, or null. @return the method's return, owned by the
+    /// caller, or null after a failure that is then in the log.
+    const BASEApiMethodReturn* ExecuteMethod(const BASEApiMethod& method,
+                                             const std::map<std::string, std::string>* args) const;
+
+    /// Turns a method's return into a result object or a fault.
+    /// @return SOAP_OK with *result set, or the fault's code with *result as it was.
+    int ParseXMLResponse(SanApi::ns1__resultObject** result, const BASEApiMethodReturn* ret);
+
+private:
+    int DispatchChecked();
+    std::string DecodeCredentials(const SanApi::xsd__base64Binary& userPass);
+    SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);
+
+    /// What every operation does first: its log line, the check of its parameters, the cluster
+    /// that it speaks for. Then serve() does what this operation alone does.
+    template <typename Request, typename Response, typename Serve>
+    int ServeOperation(const ServiceLog::FixedEntry& entry, const Request* request,
+                       const Response* response, Serve&& serve) {
+        ServiceLog::Write(entry);
+        if (request == nullptr || response == nullptr) {
+            return soap_senderfault(gNullPointerMsg, "");
+        }
+        if constexpr (requires { request->hccId; }) {
+            m_header.hccId = request->hccId;
+        }
+        return serve();
+    }
+
+    /// What every operation does last: run the method, map its return, drop it.
+    int RunMethod(const BASEApiMethod& method, SanApi::ns1__resultObject** result,
+                  const std::map<std::string, std::string>* args = nullptr);
+
+    APIHccReqHeader m_header;
+    std::string m_apiMgrAddress;
+    int m_apiMgrPort;
+};

@@ -1,0 +1,51 @@
+#!/usr/bin/env python3
+"""The plug-in exports what it is said to export, and nothing else.
+
+usage: exportsTest.py PLUGIN
+"""
+import subprocess
+import sys
+
+ENTRY = """apache_init_soap_interface apache_default_soap_init apache_soap_soap_destroy
+    apache_default_soap_end apache_default_soap_done apache_default_soap_register_plugin_arg
+    apache_default_soap_lookup_plugin"""
+DATA = "namespaces logLevelMask includeHeader gNullPointerMsg"
+# The shared engine calls these by name and finds them nowhere else.
+ENGINE = """soap_markelement soap_putelement soap_getelement soap_delelement soap_dupelement
+    soap_getheader(soap*) soap_putheader(soap*) soap_serializeheader(soap*)
+    soap_getfault(soap*) soap_putfault(soap*) soap_serializefault(soap*) soap_faultcode(soap*)
+    soap_faultsubcode(soap*) soap_faultstring(soap*) soap_faultdetail(soap*)
+    soap_fault_subcode(soap*) soap_fault_string(soap*) soap_fault_detail(soap*)"""
+METHODS = {
+    "TarnHostCache": """Get GetList AddHccToSan RemoveHccFromSan AddServer RemoveServer
+        HccAttachVolume HccDetachVolume MakeDataAvailable MakeDataUnavailable FlushComplete
+        SnapshotPrepareComplete NewPrimaryCfmAddress RenameHccInSan CreateServerCluster Ping
+        Delete""",
+    "TarnServer": """Get GetList Delete MapToVolume GetHistoricalStorageUsage
+        GetHistoricalIoUsage AddManagementLock RemoveManagementLock""",
+}
+
+
+def expected():
+    names = set((ENTRY + " " + DATA + " " + ENGINE).split())
+    for owner, methods in METHODS.items():
+        names.update(f"apiAPI{owner}{method}Method" for method in methods.split())
+    return names
+
+
+def exported(plugin):
+    lines = subprocess.run(["nm", "-D", "-C", "--defined-only", plugin], check=True, text=True,
+                           capture_output=True).stdout.splitlines()
+    return {line.split(" ", 2)[2] for line in lines}
+
+
+def main():
+    found, wanted = exported(sys.argv[1]), expected()
+    for name in sorted(wanted - found):
+        print(f"not exported: {name}")
+    for name in sorted(found - wanted):
+        print(f"exported, and should not be: {name}")
+    return 1 if found != wanted else 0
+
+
+sys.exit(main())
