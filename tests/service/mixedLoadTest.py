@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Many operations at once: each reply belongs to its request, and each request reaches the API
+manager exactly once."""
+
+import collections
+import concurrent.futures
+import contextlib
+import re
+import unittest
+
+import apiManager
+import harness
+import soap
+from operations import OPERATIONS, SCSI
+
+CONNECTIONS = 32
+REQUESTS = 5000
+
+
+def answer_with_own_id(request):
+    """Success whose SCSI identity, or refusal whose text, names the cluster that asked."""
+    hcc_id = request.header["hccId"]
+    if "<Command>HccAttachVolume<" in request.document:
+        return apiManager.success(SCSI.replace("o-dev", hcc_id))
+    return apiManager.failure(f"refused {hcc_id}")
+
+
+class MixedLoadTest(harness.ServiceCase):
+    # More threads than connections: with none idle the server closes kept-alive connections, and
+    # a request that is on its way then cannot be told from a lost one.
+    server_options = {"threads": 2 * CONNECTIONS}
+
+    def test_replies_belong_to_their_requests(self):
+        self.manager.answer = apiManager.choose(answer_with_own_id)
+        rows = [row for row in OPERATIONS if row.name != "Ping"]
+
+        def run(worker):
+            wrong = []
+            with contextlib.closing(self.server.connect()) as connection:
+                for number in range(worker, REQUESTS, CONNECTIONS):
+                    row = rows[number % len(rows)]
+                    own = f"id-{number}-"
+                    body = row.body.replace(">c1<", f">{own}<")
+                    reply = self.server.post(soap.envelope(body, soap.header(token="t")),
+                                             connection=connection)
+                    if not re.search(f"(refused |<deviceId>){own}<", reply.text):
+                        wrong.append((own, reply.status, reply.text))
+            return wrong
+
+        with concurrent.futures.ThreadPoolExecutor(CONNECTIONS) as pool:
+            wrong = [row for part in pool.map(run, range(CONNECTIONS)) for row in part]
+        self.assertEqual(wrong[:3], [])
+        arrived = collections.Counter(request.header["hccId"]
+                                      for request in self.manager.take_requests())
+        self.assertEqual(arrived, {f"id-{number}-": 1 for number in range(REQUESTS)})
+
+
+if __name__ == "__main__":
+    unittest.main()
