@@ -1,0 +1,212 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs the service. See --help.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+usage() {
+    cat <<'TEXT'
+usage: scripts/run.sh [--port N] [--no-simulator] [--mpm event|prefork] [--build-only]
+
+Builds a release and runs it on this machine's loopback: a private Apache httpd with the module
+and the plug-in, and an array simulator that stands in for the array's API manager. Prints the
+service's URLs when a Ping has been answered. Ctrl-C or SIGTERM ends everything that it started.
+
+  --port N               TCP port of the service, by default 8080
+  --no-simulator         an API manager is already there; it is looked for at the port of the
+                         service-database entry ostrel-apimgr, or 35000
+  --mpm event|prefork    how Apache spreads requests: threads (event, the default) or processes
+  --build-only           install and build, run nothing
+  --help                 this text
+TEXT
+}
+
+port=8080
+mpm=event
+simulate=yes
+run=yes
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --port) port=${2:-}; shift ;;
+        --mpm) mpm=${2:-}; shift ;;
+        --no-simulator) simulate=no ;;
+        --build-only) run=no ;;
+        --help) usage; exit 0 ;;
+        *) usage >&2; die "unknown option: $1" ;;
+    esac
+    [ $# -gt 0 ] && shift
+done
+case "$mpm" in event|prefork) ;; *) die "--mpm is event or prefork" ;; esac
+[[ "$port" =~ ^[0-9]{1,5}$ ]] && [ "$port" -ge 1 ] && [ "$port" -le 65535 ] ||
+    die "--port is a number from 1 to 65535"
+
+install_packages build run
+build release mod_gsoap sanService sanSim sanctl
+[ "$run" = yes ] || exit 0
+
+release="$root/build/release"
+state="$release/run"
+url="http://127.0.0.1:$port/sanService"
+api_port=$({ getent services ostrel-apimgr/tcp || true; } | awk '{ sub("/.*", "", $2); print $2 }')
+api_port=${api_port:-35000}
+mkdir -p "$state"
+
+# The process ids of what runs, in the order of its start.
+started=()
+
+# start NAME COMMAND...: in the background and in a session of its own, since Apache ends its
+# whole process group and Ctrl-C is for this script to handle.
+start() {
+    local name=$1
+    shift
+    setsid "$@" </dev/null >>"$state/$name.log" 2>&1 &
+    started+=($!)
+}
+
+stop_all() {
+    trap - EXIT
+    trap '' INT TERM
+    local at
+    for ((at = ${#started[@]} - 1; at >= 0; at--)); do
+        kill -TERM "${started[at]}" 2>/dev/null || continue
+        wait "${started[at]}" 2>/dev/null || true
+    done
+}
+trap stop_all EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+all_run() {
+    local process
+    for process in "${started[@]}"; do
+        kill -0 "$process" 2>/dev/null || return
+    done
+}
+
+is_taken() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
+
+# Where the service's log lines go; without a log daemon they are collected into a file.
+start_log_collector() {
+    log_place="the system log: journalctl -t SANService, or /var/log/syslog"
+    [ -S /dev/log ] && "$root/scripts/logCollector.py" --probe && return
+    if [ ! -w /dev ]; then
+        log_place="nowhere: no log daemon listens on /dev/log, and only root can stand in for it"
+        return
+    fi
+    log_place="$state/syslog.log"
+    start collector "$root/scripts/logCollector.py" "$log_place"
+    for _ in {1..100}; do
+        [ ! -S /dev/log ] || return 0
+        sleep 0.05
+    done
+    fail_with_logs "the log collector did not start"
+}
+
+start_simulator() {
+    is_taken "$api_port" && die "port $api_port is taken: is an API manager there already? \
+Then run with --no-simulator"
+    start simulator "$release/sim/sanSim" --port "$api_port"
+}
+
+write_configuration() {
+    local identity=''
+    [ "$(id -u)" -ne 0 ] || identity=$'User www-data\nGroup www-data'
+    cat >"$state/httpd.conf" <<TEXT
+ServerRoot "$state"
+ServerName 127.0.0.1
+Listen 127.0.0.1:$port
+PidFile "$state/httpd.pid"
+DefaultRuntimeDir "$state"
+DocumentRoot "$state"
+ErrorLog "$state/error.log"
+ServerTokens Prod
+TraceEnable off
+$identity
+LoadModule mpm_${mpm}_module $modules/mod_mpm_$mpm.so
+LoadModule authz_core_module $modules/mod_authz_core.so
+LoadModule reqtimeout_module $modules/mod_reqtimeout.so
+LoadModule gsoap_module "$release/host/mod_gsoap.so"
+<Directory />
+    Require all denied
+</Directory>
+<Location "/sanService">
+    SetHandler gsoap_handler
+    SOAPLibrary "$release/apiMgmt/webservices/sanService/libsanService.so"
+    SOAPWsdl "$root/apiMgmt/webservices/sanService/contract/sanApi.wsdl"
+    LimitRequestBody 131072
+    Require all granted
+</Location>
+TEXT
+}
+
+start_apache() {
+    modules=$(apxs -q LIBEXECDIR)
+    is_taken "$port" && die "port $port is taken; choose another with --port"
+    write_configuration
+    start apache /usr/sbin/apache2 -d "$state" -f "$state/httpd.conf" -DFOREGROUND
+}
+
+write_ping() {
+    cat >"$state/ping.xml" <<'TEXT'
+<?xml version="1.0" encoding="UTF-8"?>
+<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/envelope/"
+                   xmlns:ns1="urn:san-api:service">
+  <SOAP-ENV:Header>
+    <ns1:HccApiHeader><xsdVersion version="2.3"/></ns1:HccApiHeader>
+  </SOAP-ENV:Header>
+  <SOAP-ENV:Body><ns1:Ping/></SOAP-ENV:Body>
+</SOAP-ENV:Envelope>
+TEXT
+}
+
+ping() { curl -s -m 10 -H 'Content-Type: text/xml' --data-binary "@$state/ping.xml" "$url"; }
+
+fail_with_logs() {
+    tail -n 5 "$state"/*.log >&2 || true
+    die "$1; see $state"
+}
+
+# Waits until a Ping is answered. Without the simulator a fault will do: it shows that the
+# service runs, and the API manager may come later.
+wait_for_ping() {
+    local reply end=$((SECONDS + 60))
+    say "Waiting for the answer to a Ping"
+    while [ $SECONDS -lt $end ]; do
+        all_run || fail_with_logs "a process ended at its start"
+        reply=$(ping || true)
+        case "$reply" in
+            *PingResponse*) return ;;
+            *Fault*)
+                [ "$simulate" = yes ] || { unanswered=yes; return; } ;;
+        esac
+        sleep 0.2
+    done
+    fail_with_logs "no answer to a Ping within a minute"
+}
+
+print_places() {
+    [ -z "${unanswered:-}" ] ||
+        say "The service runs, and no API manager answers at 127.0.0.1:$api_port yet"
+    cat <<TEXT
+
+  service         $url
+  WSDL            $url?wsdl
+  log lines       $log_place
+  other output    $state/*.log
+
+  try             curl -s -H 'Content-Type: text/xml' \\
+                       --data-binary @$state/ping.xml $url
+                  $release/client/sanctl --url $url ping
+
+Ctrl-C ends it.
+TEXT
+}
+
+rm -f "$state"/*.log
+write_ping
+start_log_collector
+[ "$simulate" = no ] || start_simulator
+start_apache
+wait_for_ping
+print_places
+wait -n "${started[@]}" || true
+fail_with_logs "a process ended by itself"
