@@ -16,8 +16,11 @@ packages_for() {
     done < "$root/scripts/packages.txt" | sort -u
 }
 
+# A command that came from elsewhere (node's own packages bring npm, and Debian's would clash with
+# them) counts as well.
 is_installed() {
-    [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+    command -v "$1" >/dev/null ||
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
 # install_packages KIND...: installs those of them that are missing. Quick when none is.
