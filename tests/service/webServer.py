@@ -113,9 +113,9 @@ def free_port():
 
 class WebServer:
     def __init__(self, plugin=SERVICE_PLUGIN, mpm="event", threads=8, wsdl=WSDL, extra="",
-                 api_manager_port=None, environment=None):
+                 api_manager_port=None, environment=None, collect_syslog=True):
         """`extra` is added to the configuration. Without `api_manager_port` the service database
-        has no entry for the API manager."""
+        has no entry for the API manager. Without `collect_syslog` log lines go where they go."""
         self.plugin, self.mpm, self.threads = plugin, mpm, threads
         self.wsdl, self.extra = wsdl, extra
         self.environment = {
@@ -126,6 +126,8 @@ class WebServer:
         self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-", dir=BUILD / "servers"))
         self.directory.chmod(0o755)
         (self.directory / "documents").mkdir()
+        if collect_syslog:
+            self.environment["SAN_TEST_SYSLOG"] = str(self.directory / "syslog")
 
     # Life ----------------------------------------------------------------------------------
 
@@ -142,8 +144,7 @@ class WebServer:
 
     def _environment(self):
         preload = ":".join(filter(None, [RUNTIME, str(SHIM)]))
-        return {**os.environ, **SANITIZER_OPTIONS, "LD_PRELOAD": preload,
-                "SAN_TEST_SYSLOG": str(self.directory / "syslog"), **self.environment}
+        return {**os.environ, **SANITIZER_OPTIONS, "LD_PRELOAD": preload, **self.environment}
 
     def run_apache(self, *arguments):
         """Starts Apache with further arguments, its output in a file; gives the process. Apache

@@ -5,7 +5,8 @@
  *   SAN_TEST_APIMGR_PORT  the port that the service database has for "ostrel-apimgr";
  *                         empty for an entry that does not exist
  *   SAN_TEST_SYSLOG       the file that takes what goes to the system log, one line an entry:
- *                         identity, tab, priority, tab, text; a line feed within is a space
+ *                         identity, tab, priority, tab, text; a line feed within is a space.
+ *                         Without it entries go to the system log.
  */
 #include <arpa/inet.h>
 #include <dlfcn.h>
@@ -24,8 +25,19 @@
 static int logFile = -1;
 static const char* identity = "";
 
-/* Opened before the server gives up its privileges, and inherited by its children. */
-__attribute__((constructor)) static void openLogFile(void) {
+/* The C library's own. */
+static void (*realOpenlog)(const char*, int, int);
+static void (*realCloselog)(void);
+static void (*realVsyslog)(int, const char*, va_list);
+static int (*realGetservbyname)(const char*, const char*, struct servent*, char*, size_t,
+                                struct servent**);
+
+/* The file is opened before the server gives up its privileges, and inherited by its children. */
+__attribute__((constructor)) static void prepare(void) {
+    *(void**)&realOpenlog = dlsym(RTLD_NEXT, "openlog");
+    *(void**)&realCloselog = dlsym(RTLD_NEXT, "closelog");
+    *(void**)&realVsyslog = dlsym(RTLD_NEXT, "vsyslog");
+    *(void**)&realGetservbyname = dlsym(RTLD_NEXT, "getservbyname_r");
     const char* path = getenv("SAN_TEST_SYSLOG");
     if (path)
         logFile = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
@@ -44,12 +56,9 @@ static int findEntry(const char* port, struct servent* entry, char* room, size_t
 
 EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* entry, char* room,
                            size_t size, struct servent** result) {
-    int (*real)(const char*, const char*, struct servent*, char*, size_t, struct servent**);
     const char* port = getenv("SAN_TEST_APIMGR_PORT");
-    if (!port || strcmp(name, "ostrel-apimgr") != 0) {
-        *(void**)&real = dlsym(RTLD_NEXT, "getservbyname_r");
-        return real(name, proto, entry, room, size, result);
-    }
+    if (!port || strcmp(name, "ostrel-apimgr") != 0)
+        return realGetservbyname(name, proto, entry, room, size, result);
     *result = NULL;
     if (!*port)
         return 0;
@@ -61,7 +70,11 @@ EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* 
 
 static void writeEntry(int priority, const char* format, va_list arguments) {
     char* text = NULL;
-    if (logFile < 0 || vasprintf(&text, format, arguments) < 0)
+    if (logFile < 0) {
+        realVsyslog(priority, format, arguments);
+        return;
+    }
+    if (vasprintf(&text, format, arguments) < 0)
         return;
     size_t length = strlen(text);
     if (length > 0 && text[length - 1] == '\n')
@@ -77,12 +90,15 @@ static void writeEntry(int priority, const char* format, va_list arguments) {
 }
 
 EXPORT void openlog(const char* ident, int option, int facility) {
-    (void)option;
-    (void)facility;
     __atomic_store_n(&identity, ident, __ATOMIC_RELAXED);
+    if (logFile < 0)
+        realOpenlog(ident, option, facility);
 }
 
-EXPORT void closelog(void) {}
+EXPORT void closelog(void) {
+    if (logFile < 0)
+        realCloselog();
+}
 
 EXPORT void vsyslog(int priority, const char* format, va_list arguments) {
     writeEntry(priority, format, arguments);

@@ -1,0 +1,253 @@
+#!/usr/bin/env python3
+"""What a Ping costs the web server, beside what nobody can do without.
+
+    bench/pingCost.py [--rounds N] [--seconds S] [--connections N] [--mpm event|prefork]
+
+One Apache serves, in turns, and a load generator asks for
+
+  a  a static file of 1 KB
+  b  a Ping that a bare engine service answers, hosted by the same module
+  c  the same with one bare exchange over loopback, of as many bytes as d exchanges
+  d  a Ping of the service, whose API manager is the peer of c with a simulator's answer
+
+Printed are medians of requests per second and of processor time per request of the server's
+processes (user and system, from /proc), and the ratios of the latter. Ratios are worth something
+while nothing else runs; what else ran is measured, and too much of it is said.
+
+Needs a release build (scripts/run.sh --build-only, and the targets of bench/) and wrk.
+"""
+
+import argparse
+import contextlib
+import os
+import pathlib
+import re
+import shutil
+import socket
+import statistics
+import subprocess
+import sys
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
+sys.path.insert(0, str(ROOT / "tests" / "service"))
+
+import apiManager  # noqa: E402
+import harness  # noqa: E402
+import soap  # noqa: E402
+import webServer  # noqa: E402
+
+PEER = webServer.BUILD / "bench" / "exchangePeer"
+EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
+TICK = os.sysconf("SC_CLK_TCK")
+# Beyond these the figures say more about the machine than about the server.
+MOST_FOREIGN_LOAD = 0.10
+MOST_SPREAD = 0.15
+
+# name, what it is, path
+TARGETS = [
+    ("a", "static file of 1 KB", "/1k.html"),
+    ("b", "bare Ping", "/bare"),
+    ("c", "bare Ping and exchange", "/exchange"),
+    ("d", "Ping of the service", webServer.PATH),
+]
+RATIOS = [("d", "c", 1.25), ("d", "b", None), ("b", "a", None), ("d", "a", 4.0)]
+
+LOCATION = """
+<Location "{path}">
+    SetHandler gsoap_handler
+    SOAPLibrary "{plugin}"
+</Location>
+"""
+
+
+def exchange_of_a_ping():
+    """(bytes of the request frame, the simulator's reply frame) of one Ping."""
+    with apiManager.ApiManager() as recorder:
+        server = webServer.WebServer(api_manager_port=recorder.port)
+        server.start()
+        try:
+            server.post(soap.PING)
+        finally:
+            server.stop()
+        request = apiManager.frame(recorder.requests[0].message)
+    with harness.simulator() as (_, port), \
+            socket.create_connection(("127.0.0.1", port)) as connection:
+        connection.sendall(request)
+        reply = b""
+        while part := connection.recv(65536):
+            reply += part
+            if len(reply) >= 4 and len(reply) == 4 + int.from_bytes(reply[:4], "big"):
+                break
+    return len(request), reply
+
+
+@contextlib.contextmanager
+def running(command, **options):
+    process = subprocess.Popen(command, **options)
+    try:
+        yield process
+    finally:
+        process.terminate()
+        process.wait()
+        if process.stdout:
+            process.stdout.close()
+
+
+@contextlib.contextmanager
+def log_daemon(directory):
+    """A collector of the system log where none runs; without one a line costs next to nothing."""
+    collector = str(ROOT / "scripts" / "logCollector.py")
+    if subprocess.run([collector, "--probe"], check=False).returncode == 0:
+        yield
+    elif not os.access("/dev", os.W_OK):
+        print("no log daemon runs: the log lines of d cost less here than they would")
+        yield
+    else:
+        with running([collector, str(directory / "collected.log")]):
+            while not os.path.exists("/dev/log"):
+                time.sleep(0.05)
+            yield
+
+
+@contextlib.contextmanager
+def serving(arguments):
+    """The server with all four, and the process ids whose time is nobody's neighbour."""
+    request_bytes, reply = exchange_of_a_ping()
+    server = webServer.WebServer(
+        mpm=arguments.mpm, threads=16, collect_syslog=False,
+        extra=LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
+        + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN))
+    (server.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
+    (server.directory / "reply").write_bytes(reply)
+    with running([PEER, server.directory / "reply"], text=True,
+                 stdout=subprocess.PIPE) as peer, log_daemon(server.directory):
+        port = peer.stdout.readline().strip()
+        server.environment.update({
+            "SAN_TEST_APIMGR_PORT": port, "BENCH_PEER_PORT": port,
+            "BENCH_REQUEST_BYTES": str(request_bytes), "BENCH_REPLY_BYTES": str(len(reply))})
+        server.start()
+        try:
+            print(f"exchange of c and d: {request_bytes} bytes out, {len(reply)} bytes back")
+            yield server
+        finally:
+            server.stop()
+
+
+def process_ticks(pid):
+    """User and system time of a process that is there, in ticks."""
+    try:
+        fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
+        return int(fields[11]) + int(fields[12])
+    except FileNotFoundError:
+        return 0
+
+
+def busy_and_all_ticks():
+    fields = [int(f) for f in pathlib.Path("/proc/stat").read_text().split("\n")[0].split()[1:9]]
+    return sum(fields) - fields[3] - fields[4], sum(fields)
+
+
+def own_ticks():
+    """All that this program and its descendants used so far, as far as they are still there or
+    were waited for."""
+    times, total = os.times(), 0
+    pids, queue = [], [os.getpid()]
+    while queue:
+        pid = queue.pop()
+        pids.append(pid)
+        with contextlib.suppress(FileNotFoundError):
+            text = pathlib.Path(f"/proc/{pid}/task/{pid}/children").read_text()
+            queue += [int(p) for p in text.split()]
+    total = sum(process_ticks(pid) for pid in pids)
+    return total + (times.children_user + times.children_system) * TICK
+
+
+WRK_SCRIPT = """
+wrk.method = "POST"
+wrk.headers["Content-Type"] = "text/xml; charset=utf-8"
+wrk.body = io.open("{file}"):read("*a")
+"""
+
+
+class Load:
+    def __init__(self, server, arguments):
+        self.server, self.arguments = server, arguments
+        body = server.directory / "ping.xml"
+        body.write_text(soap.PING)
+        self.script = server.directory / "ping.lua"
+        self.script.write_text(WRK_SCRIPT.format(file=body))
+
+    def run(self, path, seconds):
+        """(requests per second, microseconds of the server's processor time per request, share
+        of the machine that others used)"""
+        url = f"http://127.0.0.1:{self.server.port}{path}"
+        command = ["wrk", "-t1", f"-c{self.arguments.connections}", f"-d{seconds}s", url]
+        if not path.endswith(".html"):
+            command[1:1] = ["-s", str(self.script)]
+        server_before = sum(map(process_ticks, self.server.children()))
+        own_before, (busy_before, all_before) = own_ticks(), busy_and_all_ticks()
+        output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE).stdout
+        used = sum(map(process_ticks, self.server.children())) - server_before
+        own, (busy, whole) = own_ticks() - own_before, busy_and_all_ticks()
+        if "Non-2xx" in output or "Socket errors" in output:
+            raise RuntimeError(f"{path} was not served:\n{output}{self.server.error_log()}")
+        count = int(re.search(r"(\d+) requests in", output).group(1))
+        rate = float(re.search(r"Requests/sec:\s+([\d.]+)", output).group(1))
+        foreign = (busy - busy_before - own) / (whole - all_before)
+        return rate, used / TICK / count * 1e6, max(0.0, foreign)
+
+
+def spread(values):
+    """Distance of the quartiles as a share of the median."""
+    quarters = statistics.quantiles(values, n=4)
+    return (quarters[2] - quarters[0]) / statistics.median(values)
+
+
+def report(rates, costs, foreign):
+    print(f"\n{'':28}{'requests/s':>12}{'µs/request':>12}{'spread':>9}")
+    for name, what, _ in TARGETS:
+        print(f"{name}  {what:25}{statistics.median(rates[name]):12.0f}"
+              f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}")
+    print("\nratios of processor time, each the median of the rounds:")
+    for above, below, aim in RATIOS:
+        ratio = statistics.median(u / d for u, d in zip(costs[above], costs[below]))
+        met = "" if aim is None else f"   aim: {aim:.2f}, {'met' if ratio <= aim else 'not met'}"
+        print(f"  {above}/{below}  {ratio:5.2f}{met}")
+    others = statistics.median(foreign)
+    worst = max(spread(costs[name]) for name, _, _ in TARGETS)
+    print(f"\nother load on the machine: {others:.0%} of it")
+    if others > MOST_FOREIGN_LOAD or worst > MOST_SPREAD:
+        print("THE MACHINE WAS TOO BUSY: the rates are worthless, and the ratios a hint at best")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--rounds", type=int, default=9)
+    parser.add_argument("--seconds", type=int, default=2, help="for each target in each round")
+    parser.add_argument("--connections", type=int, default=1)
+    parser.add_argument("--mpm", choices=("event", "worker", "prefork"), default="event")
+    arguments = parser.parse_args()
+    if arguments.rounds < 2:
+        parser.error("it takes two rounds to tell a spread")
+    if not shutil.which("wrk"):
+        sys.exit("wrk is missing: apt-get install wrk")
+    rates, costs = ({name: [] for name, _, _ in TARGETS} for _ in range(2))
+    foreign = []
+    with serving(arguments) as server:
+        load = Load(server, arguments)
+        for number in range(-1, arguments.rounds):  # the first warms up and is not counted
+            for name, _, path in TARGETS:
+                rate, cost, others = load.run(path, arguments.seconds)
+                if number < 0:
+                    continue
+                rates[name].append(rate)
+                costs[name].append(cost)
+                foreign.append(others)
+            print(f"\rround {number + 1} of {arguments.rounds}", end="", flush=True)
+    report(rates, costs, foreign)
+
+
+if __name__ == "__main__":
+    main()
