@@ -28,6 +28,8 @@ find_package(CLI11 QUIET)
 san_need(CLI11_FOUND "libcli11-dev")
 find_package(SQLite3 QUIET)
 san_need(SQLite3_FOUND "libsqlite3-dev")
+# Debian's own interpreter, which sees what Debian's packages bring.
+find_program(Python3_EXECUTABLE python3 PATHS /usr/bin NO_DEFAULT_PATH)
 find_package(Python3 QUIET COMPONENTS Interpreter)
 san_need(Python3_FOUND "python3")
 find_program(SOAPCPP2 soapcpp2)
@@ -42,6 +44,8 @@ if(PkgConfig_FOUND)
   # since a context crosses the boundary between them.
   pkg_check_modules(GSOAP QUIET IMPORTED_TARGET gsoapssl++)
   san_need(GSOAP_FOUND "libgsoap-dev")
+  pkg_check_modules(HTTPLIB QUIET IMPORTED_TARGET cpp-httplib)
+  san_need(HTTPLIB_FOUND "libcpp-httplib-dev")
 endif()
 
 if(_missing)

@@ -7,13 +7,19 @@
 #include <cstdio>
 
 #include "apiMgmt/common/ipc/apiMgrPort.h"
+#include "sim/controlServer.h"
+#include "sim/controlSocket.h"
 #include "sim/ipcServer.h"
 #include "sim/simulator.h"
 
 namespace {
 
+constexpr int wrongUsage = 64;  // exit status
+
 struct Arguments {
     int port = getApiMgrPort();
+    std::string control;  // empty: where simctl looks for this port
+    int web = -1;         // no page
     std::string seedFile;
     std::string credentialsFile;
     std::string scenarioFile;
@@ -35,6 +41,10 @@ void declare(CLI::App& app, Arguments& arguments) {
     app.add_option("--credentials", arguments.credentialsFile,
                    "accept the callers that this file names, instead of any");
     app.add_option("--scenario", arguments.scenarioFile, "faults to start with");
+    app.add_option("--control", arguments.control, "socket file for simctl")
+        ->default_str("one that goes with the port");
+    app.add_option("--web", arguments.web, "serve the page on this port of 127.0.0.1; 0: any free")
+        ->check(CLI::Range(0, 65535));
     app.add_flag("--lenient", options.lenient,
                  "refuse nothing: make what a command names and the array does not know");
     app.add_flag("--show-keys", options.showKeys, "do not mask cluster keys in what is shown");
@@ -69,13 +79,41 @@ void printLine(const std::string& line) {
     std::fflush(stdout);
 }
 
+/// Without a path of its own a simulator goes on when its socket cannot be: in another network
+/// the same port may be in use twice.
+std::unique_ptr<sim::ControlServer> serveControl(sim::Simulator& simulator, int port,
+                                                 const std::string& path) {
+    try {
+        return sim::ControlServer::onSocket(simulator,
+                                            path.empty() ? sim::defaultControlPath(port) : path);
+    } catch (const std::runtime_error& problem) {
+        if (!path.empty()) {
+            throw;
+        }
+        std::fprintf(stderr, "sanSim: not reachable by simctl: %s\n", problem.what());
+        return nullptr;
+    }
+}
+
+std::unique_ptr<sim::ControlServer> servePage(sim::Simulator& simulator, int port) {
+    if (port < 0) {
+        return nullptr;
+    }
+    return sim::ControlServer::onPort(simulator, port);
+}
+
 int serve(const Arguments& arguments) {
     const int stopFd = endSignals();
     sim::Simulator simulator(arguments.options, printLine);
     sim::IpcServer server(
         arguments.port, [&](std::string_view message) { return simulator.handle(message); },
         printLine);
+    const auto control = serveControl(simulator, server.port(), arguments.control);
+    const auto page = servePage(simulator, arguments.web);
     printLine("listening on 127.0.0.1:" + std::to_string(server.port()));
+    if (page != nullptr) {
+        printLine("page at http://127.0.0.1:" + std::to_string(page->port()) + "/");
+    }
     server.run(stopFd);
     ::close(stopFd);
     return 0;
@@ -87,10 +125,12 @@ int main(int argc, char** argv) {
     CLI::App app("Array simulator: answers the management API as a storage array does.", "sanSim");
     Arguments arguments;
     declare(app, arguments);
-    CLI11_PARSE(app, argc, argv);
     try {
+        app.parse(argc, argv);
         readFiles(arguments);
         return serve(arguments);
+    } catch (const CLI::ParseError& problem) {
+        return app.exit(problem) == 0 ? 0 : wrongUsage;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "sanSim: %s\n", error.what());
         return 1;

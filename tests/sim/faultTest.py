@@ -1,0 +1,151 @@
+"""Every fault as it arrives on the wire, and how rules choose the calls that they strike."""
+
+import json
+import os
+import socket
+import struct
+import tempfile
+import unittest
+
+import wire
+from simProcess import Simulator
+
+CLUSTERS = {"clusters": [{"id": "hcc-1", "key": "k"}]}
+ATTACH = {"HccId": "hcc-1", "VolumeId": "vol-1"}
+
+
+def length(data):
+    return struct.unpack(">I", data[:4])[0]
+
+
+def response(data):
+    return wire.read_fields(wire.read_fields(data[4:])[4])
+
+
+def is_broken(work, data):
+    try:
+        work(data)
+    except (ValueError, IndexError):
+        return True
+    return False
+
+
+def returns(data):
+    return wire.reply_document(data).count("<ApiMethodReturn>")
+
+
+# Fault name: members of its rule, then what has to hold of the bytes that arrive.
+FAULTS = {
+    "refuse": ({"code": "Timeout", "error": "Too <late>", "detail": "why"}, lambda d: (
+        (r := wire.Reply(d)).ok, r.code, r.error, r.detail) == (False, "Timeout", "Too <late>", "why")),
+    "refuseWithoutTexts": ({}, lambda d: (wire.Reply(d).ok, wire.Reply(d).error) == (False, None)),
+    "succeed": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
+    "noObject": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
+    "otherObject": ({}, lambda d: wire.Reply(d).ok and "Ipv4AddressPort" in wire.reply_document(d)),
+    "noValue": ({}, lambda d: wire.Reply(d).ok and "Return>" in (t := wire.reply_document(d))
+                and "<Return" not in t),
+    "noReturn": ({}, lambda d: returns(d) == 0),
+    "twoReturns": ({}, lambda d: returns(d) == 2),
+    "wrongRoot": ({}, lambda d: "compapi" not in wire.reply_document(d) and returns(d) == 1),
+    "badXml": ({}, lambda d: "</compapi>" not in wire.reply_document(d)),
+    "emptyDocument": ({}, lambda d: wire.reply_document(d) == ""),
+    "wrongMessageType": ({}, lambda d: wire.read_fields(d[4:])[1] == 2),
+    "noMessageType": ({}, lambda d: 1 not in wire.read_fields(d[4:])),
+    "noResponse": ({}, lambda d: wire.read_fields(d[4:]) == {1: 3}),
+    "wrongCommandType": ({}, lambda d: 1 not in response(d) and 2 in response(d)),
+    "noCommand": ({}, lambda d: 2 not in response(d)),
+    "garbage": ({}, lambda d: length(d) == len(d) - 4 and is_broken(wire.read_fields, d[4:])),
+    "otherProtocol": ({}, lambda d: d.startswith(b"HTTP/")),
+    "lengthZero": ({}, lambda d: length(d) == 0),
+    "lengthTooLong": ({}, lambda d: length(d) == 64 * 1024 * 1024 + 1),
+    "lengthHuge": ({}, lambda d: length(d) == 2**32 - 1),
+    "closeEarly": ({"bytes": 7}, lambda d: len(d) == 7 and length(d) > 7),
+    "reset": ({}, lambda d: d is None),
+    "delay": ({"delayMs": 50}, lambda d: wire.Reply(d).ok),
+    "drip": ({"chunk": 100, "intervalMs": 1}, lambda d: wire.Reply(d).ok),
+}
+NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed"}
+
+
+class FaultTest(unittest.TestCase):
+    def start(self, faults, seed=CLUSTERS):
+        options = []
+        for option, content in (("--scenario", {"faults": faults}), ("--seed-file", seed)):
+            with tempfile.NamedTemporaryFile("w", suffix=".json", delete=False) as file:
+                json.dump(content, file)
+            self.addCleanup(os.unlink, file.name)
+            options += [option, file.name]
+        simulator = Simulator(*options)
+        self.addCleanup(lambda: self.assertEqual(simulator.stop(), 0))
+        return simulator
+
+    def raw(self, port, command, attributes):
+        """What arrives until the connection ends or a whole frame is there; None for a reset."""
+        try:
+            return wire.exchange(port, wire.request(wire.document(command, attributes)))
+        except ConnectionResetError:
+            return None
+
+    def test_each_fault_strikes_once_and_the_next_call_is_whole(self):
+        for name, (members, holds) in FAULTS.items():
+            with self.subTest(fault=name):
+                port = self.start([{"command": "HccAttachVolume", "fault": name, **members}]).port
+                data = self.raw(port, "HccAttachVolume", ATTACH)
+                self.assertTrue(holds(data), data)
+                detached = wire.call(port, "HccDetachVolume", ATTACH)
+                self.assertEqual(detached.ok, name not in NOT_RUN, "whether the command was run")
+                after = wire.call(port, "HccAttachVolume", ATTACH)
+                self.assertIsNotNone(after.element.find("ReturnMethodObject"), after.document)
+
+    def test_the_table_above_knows_every_fault(self):
+        simulator = self.start([])
+        kinds = simulator.control("fail", "--kinds", "--json")
+        self.assertEqual({kind["name"] for kind in json.loads(kinds)}, set(FAULTS))
+
+    def test_which_calls_a_rule_strikes(self):
+        port = self.start([
+            {"command": "TarnServer::GetList", "fault": "refuse", "error": "by object"},
+            {"command": "GetList", "fault": "refuse", "error": "first", "after": 1, "count": 2},
+            {"command": "GetList", "fault": "refuse", "error": "second"},
+            {"command": "*", "fault": "refuse", "error": "always", "count": 0, "after": 2},
+        ]).port
+        calls = [("TarnHostCache", "GetList"), ("TarnServer", "GetList")] + 4 * [
+            ("TarnHostCache", "GetList")] + 2 * [("TarnHostCache", "Ping")]
+        words = [wire.call(port, command, {}, of).error for of, command in calls]
+        # The rules are asked in their order, and each that lets a call pass has counted it.
+        self.assertEqual(words, ["second", "by object", "first", "first", "", "", "always", "always"])
+
+    def test_delay_and_drip_hold_up_nobody_else(self):
+        port = self.start([{"command": "GetList", "fault": "delay", "delayMs": 3_600_000},
+                           {"command": "GetList", "fault": "drip", "intervalMs": 3_600_000}]).port
+        body = wire.frame(wire.request(wire.document("GetList")))
+        with socket.create_connection(("127.0.0.1", port)) as late:
+            late.sendall(body)
+            with socket.create_connection(("127.0.0.1", port)) as dripping:
+                dripping.sendall(body)
+                self.assertEqual(dripping.recv(100), b"\0")
+                self.assertTrue(wire.call(port, "GetList").ok)
+
+    def test_wrong_scenarios_are_told_at_the_start(self):
+        cases = {
+            "there is no fault \"nonsense\"": {"faults": [{"command": "Ping", "fault": "nonsense"}]},
+            "needs a \"command\"": {"faults": [{"fault": "refuse"}]},
+            "no member \"comand\"": {"faults": [{"comand": "Ping", "fault": "refuse"}]},
+            "\"count\" has to be a number": {"faults": [
+                {"command": "Ping", "fault": "refuse", "count": -1}]},
+            "\"error\" has to be a text": {"faults": [
+                {"command": "Ping", "fault": "refuse", "error": 1}]},
+            "needs a list \"faults\"": {},
+            "a scenario has to be an object": [],
+        }
+        for words, scenario in cases.items():
+            with self.subTest(words=words), tempfile.NamedTemporaryFile("w") as file:
+                json.dump(scenario, file)
+                file.flush()
+                ended = Simulator.run("--port", "0", "--scenario", file.name)
+                self.assertEqual(ended.returncode, 1)
+                self.assertIn(words, ended.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
