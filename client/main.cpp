@@ -4,6 +4,7 @@
 #include <list>
 
 #include "client/commandLine.h"
+#include "client/lifecycleCommand.h"
 #include "client/operations.h"
 
 namespace {
@@ -55,6 +56,7 @@ ExitStatus run(int argc, char** argv) {
     client::MessageParts parts;
     declareSharedOptions(app, line);
     const std::list<Subcommand> commands = declareOperations(app, parts);
+    const client::LifecycleCommand lifecycle(app);
     app.require_subcommand(1)->footer(footer);
     try {
         app.parse(argc, argv);
@@ -67,7 +69,7 @@ ExitStatus run(int argc, char** argv) {
             return runOperation(command, line);
         }
     }
-    return ExitStatus::wrongUsage;
+    return lifecycle.run(line);
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ NOTHING = (0, "")  # Closes the connection without a word.
 
 class Handler(http.server.BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
+    wbufsize = -1  # One packet an answer.
 
     def do_POST(self):
         body = self.rfile.read(int(self.headers["Content-Length"])).decode()

@@ -1,0 +1,193 @@
+#include "client/lifecycle.h"
+
+#include <array>
+
+#include "client/messageParts.h"
+
+namespace client {
+
+namespace {
+
+constexpr unsigned short managementPort = 443;
+constexpr const char* snapshotId = "snapshot-1";
+
+// What one call is about. Where a step is not repeated over servers or volumes, that one is empty.
+struct Subject {
+    const ClusterPlan& cluster;
+    std::string server;
+    std::string volume;
+};
+
+// The members that most messages have, as far as they have them.
+template <class Message>
+Message messageFor(const Subject& subject) {
+    Message message;
+    message.hccId = subject.cluster.hccId;
+    if constexpr (requires { message.sanId; }) {
+        message.sanId = subject.cluster.sanId;
+    }
+    if constexpr (requires { message.hcnId; }) {
+        message.hcnId = subject.server;
+    }
+    if constexpr (requires { message.sanVolumeId; }) {
+        message.sanVolumeId = subject.volume;
+    }
+    if constexpr (requires { message.snapshotId; }) {
+        message.snapshotId = snapshotId;
+    }
+    return message;
+}
+
+// A call whose message has no other members.
+template <class Message, class Reply, int (Proxy::*operation)(Message*, Reply*)>
+Outcome plain(Session& session, const Subject& subject) {
+    auto message = messageFor<Message>(subject);
+    Reply reply;
+    return session.call(operation, message, reply);
+}
+
+Outcome ping(Session& session, const Subject& /*subject*/) {
+    SanApi::ns1__Ping message;
+    SanApi::ns1__PingResponse reply;
+    return session.call(&Proxy::Ping, message, reply);
+}
+
+// An address of the range that is set aside for examples.
+Address exampleAddress(const char* host) {
+    return {SanApi::ns1__InetAddressType__ipv4, host, managementPort};
+}
+
+Outcome join(Session& session, const Subject& subject) {
+    MessageParts parts;
+    auto message = messageFor<SanApi::ns1__AddHccToSan>(subject);
+    message.hccName = parts.text("Cluster " + subject.cluster.hccId);
+    message.hccKey = subject.cluster.hccKey;
+    message.cfmIpAddresses.push_back(parts.address(exampleAddress("192.0.2.1")));
+    SanApi::ns1__AddHccToSanResponse reply;
+    return session.call(&Proxy::AddHccToSan, message, reply);
+}
+
+Outcome addServer(Session& session, const Subject& subject) {
+    MessageParts parts;
+    SanApi::ns1__AddServer message;
+    message.sanId = subject.cluster.sanId;
+    message.hcnInfo = parts.make<SanApi::ns1__hcnDiscoverableObject>();
+    message.hcnInfo->hccId = subject.cluster.hccId;
+    message.hcnInfo->hcnId = subject.server;
+    message.hcnInfo->hostname = parts.text(subject.server + ".example.com");
+    message.hcnInfo->mgmtIpAddresses.push_back(parts.address(exampleAddress("192.0.2.2")));
+    message.hcnInfo->os = parts.make<SanApi::ns1__operatingSystemObject>();
+    message.hcnInfo->os->osType = "Linux";
+    message.hcnInfo->os->osRelease = "6.1";
+    for (const char* text : {"10:00:00:00:00:00:00:01:fc", "iqn.2001-04.com.example:node:iscsi"}) {
+        message.intfInfo.push_back(parts.interface(parseInterface(text)));
+    }
+    SanApi::ns1__AddServerResponse reply;
+    return session.call(&Proxy::AddServer, message, reply);
+}
+
+Outcome attach(Session& session, const Subject& subject) {
+    auto message = messageFor<SanApi::ns1__HccAttachVolume>(subject);
+    message.hcVolumeId = "cache-of-" + subject.volume;
+    SanApi::ns1__HccAttachVolumeResponse reply;
+    return session.call(&Proxy::HccAttachVolume, message, reply);
+}
+
+Outcome newPrimary(Session& session, const Subject& subject) {
+    MessageParts parts;
+    auto message = messageFor<SanApi::ns1__NewPrimaryCfmAddresses>(subject);
+    message.mgmtIpAddresses.push_back(parts.address(exampleAddress("192.0.2.3")));
+    SanApi::ns1__NewPrimaryCfmAddressesResponse reply;
+    return session.call(&Proxy::NewPrimaryCfmAddresses, message, reply);
+}
+
+enum class Per { cluster, server, volume, serverAndVolume };
+// A failure while it opens ends the life: the array holds nothing of it, and a cluster of that id
+// may be someone else's.
+enum class Phase { opens, buildsUp, takesDown };
+
+struct Step {
+    const char* operation;
+    Per per;
+    Phase phase;
+    Outcome (*run)(Session& session, const Subject& subject);
+};
+
+// clang-format off
+#define PLAIN(name) plain<SanApi::ns1__##name, SanApi::ns1__##name##Response, &Proxy::name>
+
+// How to add one: a row where it belongs in a cluster's life, PLAIN when the message has no
+// members but those of messageFor.
+constexpr std::array steps = {
+    Step{"Ping",                    Per::cluster,         Phase::opens,     ping},
+    Step{"AddHccToSan",             Per::cluster,         Phase::opens,     join},
+    Step{"AddServer",               Per::server,          Phase::buildsUp,  addServer},
+    Step{"HccAttachVolume",         Per::volume,          Phase::buildsUp,  attach},
+    Step{"MakeDataAvailable",       Per::serverAndVolume, Phase::buildsUp,  PLAIN(MakeDataAvailable)},
+    Step{"MakeDataUnavailable",     Per::serverAndVolume, Phase::takesDown, PLAIN(MakeDataUnavailable)},
+    Step{"FlushComplete",           Per::volume,          Phase::buildsUp,  PLAIN(FlushComplete)},
+    Step{"SnapshotPrepareComplete", Per::volume,          Phase::buildsUp,  PLAIN(SnapshotPrepareComplete)},
+    Step{"NewPrimaryCfmAddresses",  Per::cluster,         Phase::buildsUp,  newPrimary},
+    Step{"HccDetachVolume",         Per::volume,          Phase::takesDown, PLAIN(HccDetachVolume)},
+    Step{"RemoveServer",            Per::server,          Phase::takesDown, PLAIN(RemoveServer)},
+    Step{"RemoveHccFromSan",        Per::cluster,         Phase::takesDown, PLAIN(RemoveHccFromSan)},
+};
+
+#undef PLAIN
+// clang-format on
+
+struct Call {
+    const Step* step;
+    Subject subject;
+};
+
+std::vector<Subject> subjectsOf(Per per, const ClusterPlan& plan) {
+    const std::vector<std::string> none = {""};
+    const bool eachServer = per == Per::server || per == Per::serverAndVolume;
+    const bool eachVolume = per == Per::volume || per == Per::serverAndVolume;
+    std::vector<Subject> subjects;
+    for (const std::string& server : eachServer ? plan.servers : none) {
+        for (const std::string& volume : eachVolume ? plan.volumes : none) {
+            subjects.push_back({plan, server, volume});
+        }
+    }
+    return subjects;
+}
+
+std::vector<Call> callsOf(const ClusterPlan& plan) {
+    std::vector<Call> calls;
+    for (const Step& step : steps) {
+        for (const Subject& subject : subjectsOf(step.per, plan)) {
+            calls.push_back({&step, subject});
+        }
+    }
+    return calls;
+}
+
+std::string describe(const Subject& subject) {
+    const char* between = subject.server.empty() || subject.volume.empty() ? "" : " on ";
+    return subject.volume + between + subject.server;
+}
+
+}  // namespace
+
+ExitStatus runLifecycle(Session& session, const ClusterPlan& plan,
+                        const std::function<void(const LifecycleCall&)>& report) {
+    ExitStatus status = ExitStatus::done;
+    const std::vector<Call> calls = callsOf(plan);
+    for (std::size_t i = 0; i < calls.size() && status != ExitStatus::noAnswer; ++i) {
+        const auto& [step, subject] = calls[i];
+        if (status != ExitStatus::done && step->phase == Phase::buildsUp) {
+            continue;
+        }
+        const Outcome outcome = step->run(session, subject);
+        report({i + 1, calls.size(), step->operation, describe(subject), outcome});
+        status = status == ExitStatus::done ? outcome.status : status;
+        if (!outcome.isDone() && step->phase == Phase::opens) {
+            break;
+        }
+    }
+    return status;
+}
+
+}  // namespace client

@@ -1,0 +1,47 @@
+#include "client/callStatistics.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+client::Outcome outcome(double seconds, client::ExitStatus status = client::ExitStatus::done) {
+    return {status, "", status == client::ExitStatus::done ? "" : "why", seconds};
+}
+
+TEST(CallStatistics, percentilesAreValuesThatWereMet) {
+    const std::vector<double> values = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    const std::vector<std::pair<double, double>> rows = {
+        {0.01, 1}, {0.1, 1}, {0.11, 2}, {0.5, 5}, {0.9, 9}, {0.99, 10}, {1, 10},
+    };
+    for (const auto& [share, expected] : rows) {
+        EXPECT_EQ(client::CallStatistics::percentile(values, share), expected) << share;
+    }
+    EXPECT_EQ(client::CallStatistics::percentile({7}, 0.5), 7);
+}
+
+TEST(CallStatistics, mergesWhatSeveralThreadsCounted) {
+    client::CallStatistics first;
+    client::CallStatistics second;
+    first.add("Ping", outcome(0.004));
+    first.add("AddServer", outcome(0.002, client::ExitStatus::refusedByArray));
+    second.add("Ping", outcome(0.001));
+    second.add("AddServer", outcome(0.003, client::ExitStatus::refusedByArray));
+    first.merge(second);
+    const client::Json report = first.report(2);
+    const client::Json& latency = report["latencyMilliseconds"];
+    EXPECT_EQ(report["calls"], 4);
+    EXPECT_EQ(report["callsPerSecond"], 2.0);
+    EXPECT_EQ(report["failures"]["AddServer: refused by the array: why"], 2);
+    EXPECT_EQ(latency["AddServer"]["failed"], 2);
+    EXPECT_DOUBLE_EQ(latency["Ping"]["p50"], 1);
+    EXPECT_DOUBLE_EQ(latency["Ping"]["max"], 4);
+    EXPECT_EQ(latency["all"]["calls"], 4);
+}
+
+TEST(CallStatistics, reportsWhenNothingWasCalled) {
+    const client::Json report = client::CallStatistics().report(1);
+    EXPECT_EQ(report["calls"], 0);
+    EXPECT_NE(client::CallStatistics::table(report).find("0 calls"), std::string::npos);
+}
+
+}  // namespace
