@@ -22,6 +22,7 @@ struct Share {
 // How to add one: a row; report and table follow.
 constexpr std::array shares = {Share{"p50", 0.5}, Share{"p90", 0.9}, Share{"p99", 0.99},
                                Share{"max", 1}};
+constexpr std::size_t mostFailures = 10;  // Shown to people.
 constexpr int nameWidth = 24;
 constexpr int columnWidth = 9;
 
@@ -112,8 +113,14 @@ std::string CallStatistics::table(const Json& report) {
     text << report["calls"] << " calls in " << std::fixed << std::setprecision(2)
          << report["seconds"].get<double>() << " s: " << std::setprecision(1)
          << report["callsPerSecond"].get<double>() << " calls/s\n";
+    std::size_t shown = 0;
+    const std::size_t kinds = report["failures"].size();
     for (const auto& [failure, count] : report["failures"].items()) {
         text << count << " x " << failure << '\n';
+        if (++shown == mostFailures && kinds > shown) {
+            text << "... and " << kinds - shown << " other failures; --json lists them\n";
+            break;
+        }
     }
     return text.str();
 }

@@ -1,6 +1,8 @@
 #include "client/lifecycle.h"
 
 #include <array>
+#include <set>
+#include <utility>
 
 #include "client/messageParts.h"
 
@@ -102,14 +104,11 @@ Outcome newPrimary(Session& session, const Subject& subject) {
 }
 
 enum class Per { cluster, server, volume, serverAndVolume };
-// A failure while it opens ends the life: the array holds nothing of it, and a cluster of that id
-// may be someone else's.
-enum class Phase { opens, buildsUp, takesDown };
 
 struct Step {
     const char* operation;
     Per per;
-    Phase phase;
+    const char* undoes;  // Which operation on the same subject; null for what builds up.
     Outcome (*run)(Session& session, const Subject& subject);
 };
 
@@ -119,18 +118,18 @@ struct Step {
 // How to add one: a row where it belongs in a cluster's life, PLAIN when the message has no
 // members but those of messageFor.
 constexpr std::array steps = {
-    Step{"Ping",                    Per::cluster,         Phase::opens,     ping},
-    Step{"AddHccToSan",             Per::cluster,         Phase::opens,     join},
-    Step{"AddServer",               Per::server,          Phase::buildsUp,  addServer},
-    Step{"HccAttachVolume",         Per::volume,          Phase::buildsUp,  attach},
-    Step{"MakeDataAvailable",       Per::serverAndVolume, Phase::buildsUp,  PLAIN(MakeDataAvailable)},
-    Step{"MakeDataUnavailable",     Per::serverAndVolume, Phase::takesDown, PLAIN(MakeDataUnavailable)},
-    Step{"FlushComplete",           Per::volume,          Phase::buildsUp,  PLAIN(FlushComplete)},
-    Step{"SnapshotPrepareComplete", Per::volume,          Phase::buildsUp,  PLAIN(SnapshotPrepareComplete)},
-    Step{"NewPrimaryCfmAddresses",  Per::cluster,         Phase::buildsUp,  newPrimary},
-    Step{"HccDetachVolume",         Per::volume,          Phase::takesDown, PLAIN(HccDetachVolume)},
-    Step{"RemoveServer",            Per::server,          Phase::takesDown, PLAIN(RemoveServer)},
-    Step{"RemoveHccFromSan",        Per::cluster,         Phase::takesDown, PLAIN(RemoveHccFromSan)},
+    Step{"Ping",                    Per::cluster,         nullptr,             ping},
+    Step{"AddHccToSan",             Per::cluster,         nullptr,             join},
+    Step{"AddServer",               Per::server,          nullptr,             addServer},
+    Step{"HccAttachVolume",         Per::volume,          nullptr,             attach},
+    Step{"MakeDataAvailable",       Per::serverAndVolume, nullptr,             PLAIN(MakeDataAvailable)},
+    Step{"MakeDataUnavailable",     Per::serverAndVolume, "MakeDataAvailable", PLAIN(MakeDataUnavailable)},
+    Step{"FlushComplete",           Per::volume,          nullptr,             PLAIN(FlushComplete)},
+    Step{"SnapshotPrepareComplete", Per::volume,          nullptr,             PLAIN(SnapshotPrepareComplete)},
+    Step{"NewPrimaryCfmAddresses",  Per::cluster,         nullptr,             newPrimary},
+    Step{"HccDetachVolume",         Per::volume,          "HccAttachVolume",   PLAIN(HccDetachVolume)},
+    Step{"RemoveServer",            Per::server,          "AddServer",         PLAIN(RemoveServer)},
+    Step{"RemoveHccFromSan",        Per::cluster,         "AddHccToSan",       PLAIN(RemoveHccFromSan)},
 };
 
 #undef PLAIN
@@ -169,22 +168,29 @@ std::string describe(const Subject& subject) {
     return subject.volume + between + subject.server;
 }
 
+// Which operations were done, and on what.
+using DoneCalls = std::set<std::pair<std::string, std::string>>;
+
 }  // namespace
 
 ExitStatus runLifecycle(Session& session, const ClusterPlan& plan,
                         const std::function<void(const LifecycleCall&)>& report) {
     ExitStatus status = ExitStatus::done;
+    DoneCalls done;
     const std::vector<Call> calls = callsOf(plan);
     for (std::size_t i = 0; i < calls.size() && status != ExitStatus::noAnswer; ++i) {
         const auto& [step, subject] = calls[i];
-        if (status != ExitStatus::done && step->phase == Phase::buildsUp) {
+        const std::string what = describe(subject);
+        const bool hasToUndo = step->undoes != nullptr && done.contains({step->undoes, what});
+        if (status != ExitStatus::done && !hasToUndo) {
             continue;
         }
         const Outcome outcome = step->run(session, subject);
-        report({i + 1, calls.size(), step->operation, describe(subject), outcome});
-        status = status == ExitStatus::done ? outcome.status : status;
-        if (!outcome.isDone() && step->phase == Phase::opens) {
-            break;
+        report({i + 1, calls.size(), step->operation, what, outcome});
+        if (outcome.isDone()) {
+            done.insert({step->operation, what});
+        } else if (status == ExitStatus::done) {
+            status = outcome.status;
         }
     }
     return status;

@@ -30,9 +30,8 @@ struct LifecycleCall {
 /// makes their data available and unavailable, reports a flush and a snapshot preparation,
 /// announces a new primary manager, and takes everything down again.
 ///
-/// After a refused call only what takes down is still tried, so that the array is left as it
-/// was; after a refused join, which may mean that another cluster has the id, and after a call
-/// without answer nothing is. `report` gets each call that was made. Gives the
+/// After a refused call only what was done is still undone, so that the array is left as it was;
+/// after a call without answer nothing is. `report` gets each call that was made. Gives the
 /// status of the first call that failed, or done.
 ExitStatus runLifecycle(Session& session, const ClusterPlan& plan,
                         const std::function<void(const LifecycleCall&)>& report);

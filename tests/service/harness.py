@@ -12,6 +12,7 @@ leak and any crash of a child process fails it.
 
 import contextlib
 import subprocess
+import threading
 import unittest
 
 from apiManager import ApiManager
@@ -43,9 +44,14 @@ def simulator(*arguments):
     """Runs the array simulator on a free port; gives (process, port)."""
     process = subprocess.Popen([SIMULATOR, "--port", "0", *arguments], text=True,
                                stdout=subprocess.PIPE)
+    port = int(process.stdout.readline().rpartition(":")[2])
+    # It prints a line for each call, and would stop at a full pipe.
+    reader = threading.Thread(target=process.stdout.read)
+    reader.start()
     try:
-        yield process, int(process.stdout.readline().rpartition(":")[2])
+        yield process, port
     finally:
         process.terminate()
         process.wait(timeout=30)
+        reader.join()
         process.stdout.close()
