@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// The rows of facts.txt.
+struct AttributeFact {
+    std::string xmlName;
+    /// The row without blanks around its columns, as DescribeAttribute writes an attribute.
+    std::string row;
+    bool listed = true;
+};
+
+struct ClassFact {
+    std::string name;  // the class's line up to its facts, such as "method TarnServer Get"
+    std::string kind;  // its first word
+    std::string object;
+    std::string method;
+    std::string then;   // whose rows follow its own; empty when there are none
+    std::string after;  // whose rows stand before its own
+    bool async = false;
+    int privilege = 0;
+    std::vector<std::string> required;
+    std::vector<AttributeFact> attributes;
+};
+
+/// Every class of facts.txt, in its order; lives as long as the process.
+const std::vector<ClassFact>& AllFacts();
+
+/// The rows of the class's attribute list: its own and its base's.
+std::vector<std::string> ListedRows(const ClassFact& fact);
+
+class BASEApiAttribute;
+/// An attribute as a row of the facts.
+std::string DescribeAttribute(const BASEApiAttribute& attribute);

@@ -1,0 +1,136 @@
+#include "tests/apiMgmt/apiStub/apiSdk/objects/tarn/src/facts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
+#include "apiMgmt/apiStub/base/apiObjects/base/apiObjectFactory.h"
+#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+
+namespace {
+
+using Keys = std::set<std::string>;
+
+template <class Base>
+Keys RegisteredKeys() {
+    Keys keys;
+    for (const auto& [key, creator] : APIRegistryOf<Base>::Instance().GetCreators())
+        keys.insert(key);
+    return keys;
+}
+
+std::string KeyOf(const ClassFact& fact) {
+    return fact.kind == "method" ? "API" + fact.object + fact.method + "Method" : fact.object;
+}
+
+Keys StatedKeys(const std::string& kind) {
+    Keys keys;
+    for (const ClassFact& fact : AllFacts())
+        if (fact.kind == kind)
+            keys.insert(KeyOf(fact));
+    return keys;
+}
+
+/// Compares each class of one kind with what its registry makes.
+template <class Base, class Check>
+void ForEachClass(const std::string& kind, Check check) {
+    for (const ClassFact& fact : AllFacts()) {
+        if (fact.kind != kind)
+            continue;
+        SCOPED_TRACE(fact.name);
+        const std::unique_ptr<Base> made =
+            APIRegistryOf<Base>::Instance().CreateObject(KeyOf(fact));
+        ASSERT_NE(made, nullptr);
+        EXPECT_EQ(made->GetObjectName(), fact.object);
+        std::vector<std::string> rows;
+        for (const BASEApiAttribute* attribute : made->GetAttributeList()) {
+            rows.push_back(DescribeAttribute(*attribute));
+            EXPECT_EQ(made->GetAttributeByName(attribute->GetXmlName())->GetXmlName(),
+                      attribute->GetXmlName());
+        }
+        EXPECT_EQ(rows, ListedRows(fact));
+        check(*made, fact);
+    }
+}
+
+std::string RequiredError(const BASEApiMethod& method) {
+    try {
+        method.ValidateRequiredAttributes();
+    } catch (const APIMethodError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(SdkFacts, RegistriesHoldTheStatedClassesAndNoOther) {
+    EXPECT_EQ(RegisteredKeys<BASEApiObject>(), StatedKeys("object"));
+    EXPECT_EQ(RegisteredKeys<BASEApiMethod>(), StatedKeys("method"));
+    EXPECT_EQ(RegisteredKeys<BASEApiMethodObject>(), StatedKeys("record"));
+    EXPECT_EQ(StatedKeys("method").size(), 25U);
+}
+
+TEST(SdkFacts, ObjectsAndRecordsHaveTheStatedAttributes) {
+    ForEachClass<BASEApiObject>("object", [](const auto&, const auto&) {});
+    ForEachClass<BASEApiMethodObject>("record", [](const auto&, const auto&) {});
+}
+
+TEST(SdkFacts, MethodsAreAsStated) {
+    const auto server = APIObjectRegistry::Instance().CreateObject("TarnServer");
+    ForEachClass<BASEApiMethod>("method", [&](BASEApiMethod& method, const ClassFact& fact) {
+        EXPECT_EQ(method.GetMethodName(), fact.method);
+        EXPECT_EQ(method.AsyncAllowed(), fact.async);
+        EXPECT_EQ(server->AsyncAllowed(fact.object, fact.method), fact.async);
+        EXPECT_EQ(static_cast<int>(method.GetMinUserPriv()), fact.privilege);
+        EXPECT_FALSE(method.IsAssociation());
+        for (const std::string& name : fact.required) {
+            EXPECT_EQ(RequiredError(method), "Required attribute " + name + " not set");
+            method.PutStringDirect(name, "");  // an empty text counts
+        }
+        EXPECT_EQ(RequiredError(method), "");
+    });
+    EXPECT_FALSE(server->AsyncAllowed("TarnHostCache", "NoSuchMethod"));
+}
+
+template <class Association>
+void CheckAssociation(const ClassFact& fact) {
+    SCOPED_TRACE(fact.name);
+    const Association empty;
+    EXPECT_EQ(empty.GetObjectName(), fact.object);
+    EXPECT_EQ(empty.GetMethodName(), fact.method);
+    EXPECT_FALSE(empty.AsyncAllowed());
+    EXPECT_EQ(empty.GetMinUserPriv(), UserPrivilegeEnum::Reporter);
+    EXPECT_TRUE(empty.IsAssociation());
+    EXPECT_EQ(RequiredError(empty), "InstanceID not specified for association [" + fact.object +
+                                        "::" + fact.method + "]");
+    EXPECT_EQ(RequiredError(Association("101.5")), "");
+    const Association fromMap(typename Association::ValueMap{{"InstanceId", "101.5"}});
+    EXPECT_EQ(fromMap.GetInstanceId(), "101.5");
+}
+
+TEST(SdkFacts, AssociationsAreAsStated) {
+    using HostCache = APITarnHostCache;
+    using Server = APITarnServer;
+    constexpr void (*kChecks[])(const ClassFact&) = {
+        CheckAssociation<HostCache::APITarnHostCacheServerListAssociation>,
+        CheckAssociation<Server::APITarnServerHostCacheAssociation>,
+        CheckAssociation<Server::APITarnServerStorageUsageAssociation>,
+        CheckAssociation<Server::APITarnServerTarnAssociation>,
+        CheckAssociation<Server::APITarnServerSaServerListAssociation>,
+        CheckAssociation<Server::APITarnServerPathListAssociation>,
+        CheckAssociation<Server::APITarnServerMappingProfileListAssociation>,
+        CheckAssociation<Server::APITarnServerMappingListAssociation>,
+        CheckAssociation<Server::APITarnServerHbaListAssociation>,
+    };
+    std::size_t checked = 0;
+    for (const ClassFact& fact : AllFacts())
+        if (fact.kind == "association") {
+            ASSERT_LT(checked, std::size(kChecks));
+            kChecks[checked++](fact);
+        }
+    EXPECT_EQ(checked, std::size(kChecks));
+}
+
+}  // namespace
