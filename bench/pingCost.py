@@ -206,15 +206,16 @@ def spread(values):
 
 
 def report(rates, costs, foreign):
-    print(f"\n{'':28}{'requests/s':>12}{'µs/request':>12}{'spread':>9}")
+    print(f"\n{'':28}{'requests/s':>12}{'µs/request':>12}{'spread':>9}{'least µs':>10}")
     for name, what, _ in TARGETS:
         print(f"{name}  {what:25}{statistics.median(rates[name]):12.0f}"
-              f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}")
+              f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}{min(costs[name]):10.1f}")
     print("\nratios of processor time, each the median of the rounds:")
     for above, below, aim in RATIOS:
         ratio = statistics.median(u / d for u, d in zip(costs[above], costs[below]))
         met = "" if aim is None else f"   aim: {aim:.2f}, {'met' if ratio <= aim else 'not met'}"
-        print(f"  {above}/{below}  {ratio:5.2f}{met}")
+        least = min(costs[above]) / min(costs[below])
+        print(f"  {above}/{below}  {ratio:5.2f}   of the least: {least:5.2f}{met}")
     others = statistics.median(foreign)
     worst = max(spread(costs[name]) for name, _, _ in TARGETS)
     print(f"\nother load on the machine: {others:.0%} of it")

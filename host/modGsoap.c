@@ -1,9 +1,11 @@
 /* Directives and hooks of the module; docs/module.md is their reference page. */
 #include "host/modGsoap.h"
 
+#include <ap_expr.h>
 #include <apr_strings.h>
 #include <http_core.h>
 #include <http_log.h>
+#include <http_request.h>
 
 /* The plug-ins that the configuration being read names, so that one that serves several
  * locations is loaded once. Written while the server starts, single-threaded, only. */
@@ -105,6 +107,28 @@ static int finishConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* 
     return loadLibraries(pconf, server);
 }
 
+/* The handler that SetHandler gives a request; known before the server itself looks for it. */
+static const char* configuredHandler(request_rec* r) {
+    const core_dir_config* core = ap_get_core_module_config(r->per_dir_config);
+    const char* error = NULL;
+    return core->expr_handler ? ap_expr_str_exec(r, core->expr_handler, &error) : core->handler;
+}
+
+/* The service is no file: the walk through the document root, with a look at each folder on the
+ * way, would be a large part of what the server does for a small request. What the location says
+ * is only known in this step, and the walk is left out in a later one. */
+static int noteService(request_rec* r) {
+    struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
+    const char* handler = location->library ? configuredHandler(r) : NULL;
+    if (handler && strcmp(handler, SOAP_HANDLER) == 0)
+        ap_set_module_config(r->request_config, &gsoap_module, location);
+    return DECLINED;
+}
+
+static int skipFiles(request_rec* r) {
+    return ap_get_module_config(r->request_config, &gsoap_module) ? OK : DECLINED;
+}
+
 static void initChild(apr_pool_t* pool, server_rec* server) {
     (void)server;
     soapServeChildInit(pool);
@@ -115,6 +139,8 @@ static void registerHooks(apr_pool_t* pool) {
     ap_hook_pre_config(beginConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_check_config(testConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_post_config(finishConfiguration, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_translate_name(noteService, NULL, NULL, APR_HOOK_REALLY_FIRST);
+    ap_hook_map_to_storage(skipFiles, NULL, NULL, APR_HOOK_FIRST);
     ap_hook_child_init(initChild, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_handler(soapHandler, NULL, NULL, APR_HOOK_MIDDLE);
 }

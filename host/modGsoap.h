@@ -24,6 +24,9 @@
 APLOG_USE_MODULE(gsoap);
 extern module AP_MODULE_DECLARE_DATA gsoap_module;
 
+/* The handler that gives a location's requests to this module. */
+#define SOAP_HANDLER "gsoap_handler"
+
 /* The largest request body in bytes. What an engine spends on a hostile body can grow with the
  * square of its size, so the limit protects the processor; LimitRequestBody can lower it. */
 #define SOAP_BODY_LIMIT 131072
@@ -66,5 +69,5 @@ void soapServeChildInit(apr_pool_t* pool);
 int soapServe(request_rec* r, const struct apache_soap_interface* table, apr_bucket_brigade* body,
               apr_bucket_brigade* reply);
 
-/* soapHandler.c: the handler "gsoap_handler". */
+/* soapHandler.c: answers a request of the handler. */
 int soapHandler(request_rec* r);

@@ -102,7 +102,7 @@ static int asksForWsdl(const request_rec* r) {
 }
 
 int soapHandler(request_rec* r) {
-    if (!r->handler || strcmp(r->handler, "gsoap_handler") != 0)
+    if (!r->handler || strcmp(r->handler, SOAP_HANDLER) != 0)
         return DECLINED;
     const struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
     if (location->wsdl && asksForWsdl(r))
@@ -112,6 +112,6 @@ int soapHandler(request_rec* r) {
     if (location->library)
         return servePost(r, location->library);
     ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r,
-                  "gsoap_handler is set here, and no SOAPLibrary names a plug-in");
+                  SOAP_HANDLER " is set here, and no SOAPLibrary names a plug-in");
     return HTTP_INTERNAL_SERVER_ERROR;
 }

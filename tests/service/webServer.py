@@ -70,6 +70,9 @@ MaxKeepAliveRequests 0
 KeepAliveTimeout 60
 TraceEnable off
 {processes}
+<Directory />
+    AllowOverride None
+</Directory>
 <Location "{path}">
     SetHandler gsoap_handler
     SOAPLibrary "{plugin}"
