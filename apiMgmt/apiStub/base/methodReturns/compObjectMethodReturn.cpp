@@ -24,7 +24,7 @@ Position endOfRun(Position begin, Position end) {
 
 /// A data line that keeps its place among others: a control character in it would be read as
 /// the end of a line.
-std::string dataLine(std::string line) {
+std::string dataLine(const std::string& line) {
     std::string safe;
     for (const char character : line) {
         if (static_cast<unsigned char>(character) < 0x20) {

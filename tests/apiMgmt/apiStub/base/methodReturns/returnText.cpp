@@ -14,11 +14,11 @@ template <class List>
 std::string listText(const char* kind, const List& outcome) {
     std::string text = std::string(kind) + (outcome.IsArray() ? "[]" : "");
     for (const auto* object : outcome.GetObjects()) {
-        text += " " + object->GetObjectName() + "{";
+        text.append(" ").append(object->GetObjectName()).append("{");
         const char* separator = "";
         for (const auto& [name, value] : object->AllValues()) {
             if (!value.empty()) {
-                text += separator + name + "=" + value;
+                text.append(separator).append(name).append("=").append(value);
                 separator = ";";
             }
         }

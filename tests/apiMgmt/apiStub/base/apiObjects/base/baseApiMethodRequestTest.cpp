@@ -221,7 +221,8 @@ TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
         method.SetRecord(record);
         EXPECT_EQ(method.GetName(), withControls(name, "&#x0a;"));
 
-        const std::string all = withControls(name + notes + label, "\n");
+        std::string all = withControls(name, "\n");
+        all += withControls(notes, "\n") + withControls(label, "\n");
         parser::XMLParser reader(nullptr);
         if (!reader.ParseXMLString(method.GetXMLString(false, true))) {
             EXPECT_NE(legalXmlText(all), all);
