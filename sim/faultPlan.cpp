@@ -29,9 +29,10 @@ constexpr NumberMember numbers[] = {
 };
 
 constexpr TextMember texts[] = {
-    {"command", &FaultRule::command},     {"fault", &FaultRule::fault},
-    {"code", &FaultRule::code},           {"error", &FaultRule::error},
-    {"localized", &FaultRule::localized}, {"detail", &FaultRule::detail},
+    {"command", &FaultRule::command},   {"fault", &FaultRule::fault},
+    {"code", &FaultRule::code},         {"error", &FaultRule::error},
+    {"document", &FaultRule::document}, {"localized", &FaultRule::localized},
+    {"detail", &FaultRule::detail},
 };
 
 int numberIn(const Json& json, const NumberMember& row, int otherwise) {
@@ -63,7 +64,7 @@ bool fits(const FaultRule& rule, const std::string& object, const std::string& c
 FaultRule ruleFromJson(const Json& json) {
     onlyMembers(json, "a fault",
                 {"command", "fault", "count", "after", "code", "error", "localized", "detail",
-                 "delayMs", "chunk", "intervalMs", "bytes"});
+                 "document", "delayMs", "chunk", "intervalMs", "bytes"});
     FaultRule rule;
     for (const NumberMember& row : numbers) {
         rule.*row.member = numberIn(json, row, rule.*row.member);

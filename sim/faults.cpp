@@ -66,6 +66,8 @@ std::string badXml(Text methodReturn, Rule /*rule*/) {
     return document.substr(0, document.size() / 2);
 }
 
+std::string otherDocument(Text /*methodReturn*/, Rule rule) { return rule.document; }
+
 std::string emptyDocument(Text /*methodReturn*/, Rule /*rule*/) {
     return "";
 }
@@ -147,6 +149,8 @@ constexpr std::array kinds = {
               "fails the call and says nothing", "receiver fault with an empty text"},
     FaultKind{"succeed",            false, plainSuccess,       nullptr,            nullptr,
               "answers a plain success and does nothing", noIdentity},
+    FaultKind{"answer",             false, otherDocument,      nullptr,            nullptr,
+              "answers with the rule's \"document\" as it stands", "what the service makes of that document"},
     FaultKind{"noObject",           true,  plainSuccess,       nullptr,            nullptr,
               "answers a plain success where an object is due", noIdentity},
     FaultKind{"otherObject",        true,  otherObject,        nullptr,            nullptr,

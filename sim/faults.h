@@ -26,10 +26,11 @@ struct FaultRule {
     std::string error = "Refused by the array simulator";
     std::string localized;  // empty: the error
     std::string detail = "A fault was asked for.";
-    int delayMs = 0;     // before the reply, in milliseconds
-    int chunk = 0;       // bytes of the reply at a time; 0: all
-    int intervalMs = 0;  // between chunks, in milliseconds
-    int bytes = 0;       // how much of the reply is sent before the connection ends
+    std::string document;  // a whole reply document, for the fault that sends one
+    int delayMs = 0;       // before the reply, in milliseconds
+    int chunk = 0;         // bytes of the reply at a time; 0: all
+    int intervalMs = 0;    // between chunks, in milliseconds
+    int bytes = 0;         // how much of the reply is sent before the connection ends
 };
 
 /// One way in which the array can fail. The three steps strike the reply document, the message

@@ -29,22 +29,27 @@ struct Arguments {
 void declare(CLI::App& app, Arguments& arguments) {
     sim::SimulatorOptions& options = arguments.options;
     app.add_option("--port", arguments.port, "TCP port on 127.0.0.1; 0 takes any free one")
-        ->check(CLI::Range(0, 65535))
+        ->check(CLI::Range(0, 65535).name("N"))
         ->capture_default_str();
     app.add_option("--volumes", options.seed.volumes, "volumes to start with: vol-1, vol-2, ...")
-        ->check(CLI::Range(0, 100000))
+        ->check(CLI::Range(0, 100000).name("N"))
         ->capture_default_str();
-    app.add_option("--seed-file", arguments.seedFile, "clusters, servers, volumes to start with");
-    app.add_option("--state", options.stateFile, "keep the state in this file")
-        ->default_str("in memory");
-    app.add_option("--log", options.logFile, "append every exchange to this file, as JSON lines");
+    app.add_option("--seed-file", arguments.seedFile, "clusters, servers, volumes to start with")
+        ->type_name("FILE");
+    app.add_option("--state", options.stateFile, "keep the state in this file, else in memory")
+        ->type_name("FILE")
+        ->default_str("");
+    app.add_option("--log", options.logFile, "append every exchange to this file, as JSON lines")
+        ->type_name("FILE");
     app.add_option("--credentials", arguments.credentialsFile,
-                   "accept the callers that this file names, instead of any");
-    app.add_option("--scenario", arguments.scenarioFile, "faults to start with");
-    app.add_option("--control", arguments.control, "socket file for simctl")
-        ->default_str("one that goes with the port");
+                   "accept the callers that this file names, instead of any")
+        ->type_name("FILE");
+    app.add_option("--scenario", arguments.scenarioFile, "faults to start with")->type_name("FILE");
+    app.add_option("--control", arguments.control,
+                   "socket file for simctl, else one that goes with the port")
+        ->type_name("PATH");
     app.add_option("--web", arguments.web, "serve the page on this port of 127.0.0.1; 0: any free")
-        ->check(CLI::Range(0, 65535));
+        ->check(CLI::Range(0, 65535).name("N"));
     app.add_flag("--lenient", options.lenient,
                  "refuse nothing: make what a command names and the array does not know");
     app.add_flag("--show-keys", options.showKeys, "do not mask cluster keys in what is shown");

@@ -140,6 +140,7 @@ void declareFail(CLI::App& app, Arguments& arguments) {
     ruleOption<std::string>(command, rule, "--code", "code", "its error state");
     ruleOption<std::string>(command, rule, "--localized", "localized", "its localized words");
     ruleOption<std::string>(command, rule, "--detail", "detail", "its detail");
+    ruleOption<std::string>(command, rule, "--document", "document", "the reply document to send");
     ruleOption<int>(command, rule, "--delay-ms", "delayMs", "wait before the reply");
     ruleOption<int>(command, rule, "--chunk", "chunk", "send so many bytes at a time");
     ruleOption<int>(command, rule, "--interval-ms", "intervalMs", "wait between chunks");
@@ -147,16 +148,18 @@ void declareFail(CLI::App& app, Arguments& arguments) {
     command.add_flag("--kinds", arguments.listKinds, "show the faults that there are");
     command.add_flag("--rules", arguments.listRules, "show the faults that wait for their calls");
     command.add_option("--remove", arguments.removeId, "take back the fault of this id");
-    command.add_option("--file", arguments.scenarioFile, "add the faults of a scenario file");
+    command.add_option("--file", arguments.scenarioFile, "add the faults of a scenario file")
+        ->type_name("FILE");
 }
 
 void declare(CLI::App& app, Arguments& arguments) {
     app.require_subcommand(1);
     app.fallthrough();
     app.add_option("--port", arguments.port, "the simulator's port")
-        ->check(CLI::Range(1, 65535))
+        ->check(CLI::Range(1, 65535).name("N"))
         ->capture_default_str();
     app.add_option("--control", arguments.control, "the simulator's control socket")
+        ->type_name("PATH")
         ->envname("SANSIM_CONTROL");
     app.add_flag("--json", arguments.json, "JSON instead of text");
     CLI::App& log = *app.add_subcommand("log", "show the last exchanges");

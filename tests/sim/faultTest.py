@@ -40,6 +40,7 @@ FAULTS = {
         (r := wire.Reply(d)).ok, r.code, r.error, r.detail) == (False, "Timeout", "Too <late>", "why")),
     "refuseWithoutTexts": ({}, lambda d: (wire.Reply(d).ok, wire.Reply(d).error) == (False, None)),
     "succeed": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
+    "answer": ({"document": "<a>\u00e9 & "}, lambda d: wire.reply_document(d) == "<a>\u00e9 & "),
     "noObject": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
     "otherObject": ({}, lambda d: wire.Reply(d).ok and "Ipv4AddressPort" in wire.reply_document(d)),
     "noValue": ({}, lambda d: wire.Reply(d).ok and "Return>" in (t := wire.reply_document(d))
@@ -64,7 +65,8 @@ FAULTS = {
     "delay": ({"delayMs": 50}, lambda d: wire.Reply(d).ok),
     "drip": ({"chunk": 100, "intervalMs": 1}, lambda d: wire.Reply(d).ok),
 }
-NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed"}
+MANUAL = os.path.join(os.path.dirname(__file__), "..", "..", "docs", "simulator.md")
+NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed", "answer"}
 
 
 class FaultTest(unittest.TestCase):
@@ -97,10 +99,15 @@ class FaultTest(unittest.TestCase):
                 after = wire.call(port, "HccAttachVolume", ATTACH)
                 self.assertIsNotNone(after.element.find("ReturnMethodObject"), after.document)
 
-    def test_the_table_above_knows_every_fault(self):
+    def test_the_table_above_and_the_manual_know_every_fault(self):
         simulator = self.start([])
         kinds = simulator.control("fail", "--kinds", "--json")
         self.assertEqual({kind["name"] for kind in json.loads(kinds)}, set(FAULTS))
+        with open(MANUAL, encoding="utf-8") as manual:
+            rows = [line for line in manual if line.startswith("| `")]
+        for kind in json.loads(kinds):
+            words = [f"| `{kind['name']}` |", kind["does"][1:], kind["clientSees"][1:]]
+            self.assertTrue(any(all(word in row for word in words) for row in rows), kind)
 
     def test_which_calls_a_rule_strikes(self):
         port = self.start([
