@@ -13,7 +13,9 @@ namespace {
 constexpr int longestTimeout = 24 * 60 * 60;
 
 void declareCaller(CLI::App& app, Credentials& credentials) {
-    app.add_option("--user", credentials.user, "Who calls")->envname("SANCTL_USER");
+    app.add_option("--user", credentials.user, "Who calls")
+        ->type_name("NAME")
+        ->envname("SANCTL_USER");
     if (const char* value = std::getenv("SANCTL_PASSWORD"); value != nullptr) {
         credentials.password = value;
     }
@@ -26,22 +28,23 @@ void declareCaller(CLI::App& app, Credentials& credentials) {
     };
     app.add_option_function<std::string>(
            "--password-file", takePassword,
-           "Password of the user: first line of this file, - for standard input; or environment "
-           "variable SANCTL_PASSWORD")
+           "Its password: first line of this file, - for stdin (Env:SANCTL_PASSWORD)")
         ->type_name("FILE");
     addSecretOption(
         app, "--token", "SANCTL_TOKEN",
         [&credentials](const std::string& value) { credentials.token = value; },
-        "Authentication token in place of user and password");
+        "Token in place of user and password");
 }
 
 void declareTls(CLI::App& app, TlsOptions& tls) {
-    app.add_option("--cacert", tls.caFile, "Authorities that may vouch for the server (PEM)")
-        ->check(CLI::ExistingFile);
+    const CLI::Validator existingFile = CLI::ExistingFile.description("");
+    app.add_option("--cacert", tls.caFile, "Authorities that vouch for the server (PEM)")
+        ->check(existingFile)
+        ->type_name("FILE");
     app.add_option("--cert", tls.certFile,
-                   "Certificate of the client and its private key in one file (PEM); environment "
-                   "variable SANCTL_CERT_PASSWORD opens the key")
-        ->check(CLI::ExistingFile);
+                   "The client's certificate and private key (PEM; Env:SANCTL_CERT_PASSWORD)")
+        ->check(existingFile)
+        ->type_name("FILE");
     app.add_flag("--insecure", tls.insecure, "Accept any server certificate");
     if (const char* value = std::getenv("SANCTL_CERT_PASSWORD"); value != nullptr) {
         tls.certPassword = value;
@@ -52,17 +55,18 @@ void declareTls(CLI::App& app, TlsOptions& tls) {
 
 void declareSharedOptions(CLI::App& app, CommandLine& line) {
     app.add_option("--url", line.service.url, "Where the service is")
+        ->type_name("URL")
         ->envname("SANCTL_URL")
         ->capture_default_str();
     declareCaller(app, line.service.credentials);
-    app.add_option("--timeout", line.service.timeoutSeconds, "Seconds to wait for an answer")
-        ->check(CLI::Range(1, longestTimeout))
+    app.add_option("--timeout", line.service.timeoutSeconds, "How long to wait for an answer")
+        ->check(CLI::Range(1, longestTimeout).description(""))
+        ->type_name("SECONDS")
         ->capture_default_str();
     declareTls(app, line.service.tls);
     const auto wantJson = [&line](std::int64_t /*count*/) { line.form = Form::json; };
-    app.add_flag_function("--json", wantJson, "Results as JSON on standard output");
-    app.add_flag("--dump", line.service.dump,
-                 "Show the messages on the error stream, secrets masked");
+    app.add_flag_function("--json", wantJson, "Results as JSON");
+    app.add_flag("--dump", line.service.dump, "Show the messages on stderr, secrets masked");
 }
 
 void checkSharedOptions(const CommandLine& line) {

@@ -91,15 +91,15 @@ void addSecretOption(CLI::App& command, const std::string& name, const char* var
     if (const char* value = std::getenv(variable); value != nullptr) {
         set(value);
     }
-    auto* plain = command.add_option_function<std::string>(
-        name, set, help + "; environment variable " + variable);
+    auto* plain =
+        command.add_option_function<std::string>(name, set, help + " (Env:" + variable + ")");
     const std::string fileName = name + "-file";
     const auto takeFile = [fileName, set](const std::string& path) {
         asUsageError(fileName, [&] { set(readSecret(path)); });
     };
     command
-        .add_option_function<std::string>(
-            fileName, takeFile, "The same from this file's first line, - for standard input")
+        .add_option_function<std::string>(fileName, takeFile,
+                                          "The same: first line of this file, - for stdin")
         ->type_name("FILE")
         ->excludes(plain);
 }

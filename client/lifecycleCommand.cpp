@@ -61,24 +61,23 @@ LifecycleCommand::LifecycleCommand(CLI::App& app)
     m_command->fallthrough()->footer(details);
     m_command->add_option("--san-id", m_sanId, "Array that is meant")->capture_default_str();
     m_command->add_option("--hcc-id", m_hccId,
-                          "Cluster; a random one otherwise, and several "
-                          "clusters get a number each");
+                          "Cluster, by default a random one; several get a number each");
     m_command->add_option("--clusters", m_clusters, "How many lives")
-        ->check(CLI::Range(1, mostClusters))
+        ->check(CLI::Range(1, mostClusters).description(""))
         ->type_name("N")
         ->capture_default_str();
     m_command->add_option("--parallel", m_parallel, "How many at the same time")
-        ->check(CLI::Range(1, mostParallel))
+        ->check(CLI::Range(1, mostParallel).description(""))
         ->type_name("M")
         ->capture_default_str();
     m_command->add_option("--servers", m_servers, "Servers of a cluster")
-        ->check(CLI::Range(1, mostServers))
+        ->check(CLI::Range(1, mostServers).description(""))
         ->type_name("N")
         ->capture_default_str();
     m_command
         ->add_option("--volumes", m_volumesEach,
                      "Volumes of a cluster; otherwise 2, or 1 with --parallel")
-        ->check(CLI::Range(1, mostServers))
+        ->check(CLI::Range(1, mostServers).description(""))
         ->type_name("N");
     m_command
         ->add_option("--volume", m_volumes,

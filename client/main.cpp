@@ -15,8 +15,8 @@ constexpr const char* description =
     "Command-line client of the array's service for host-cache clusters.";
 constexpr const char* footer =
     "Exit status: 0 done, 1 refused by the array, 2 refused by the service, 3 no answer,\n"
-    "64 wrong usage. The options above may also follow the subcommand; each subcommand has\n"
-    "its own --help.";
+    "64 wrong usage. The options above may also follow the subcommand. Each subcommand\n"
+    "has its own --help; \"man sanctl\" tells more.";
 
 // An operation as a subcommand.
 struct Subcommand {
@@ -57,7 +57,7 @@ ExitStatus run(int argc, char** argv) {
     declareSharedOptions(app, line);
     const std::list<Subcommand> commands = declareOperations(app, parts);
     const client::LifecycleCommand lifecycle(app);
-    app.require_subcommand(1)->footer(footer);
+    app.require_subcommand(1)->footer(footer)->set_version_flag("--version", SANCTL_VERSION);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

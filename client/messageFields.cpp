@@ -87,7 +87,7 @@ void declareFields(FieldOptions& options, SanApi::ns1__AddHccToSan& message) {
     options.optionalText("--hcc-name", message.hccName, "Name of the cluster");
     options.secret("--hcc-key", "SANCTL_HCC_KEY", message.hccKey, "Key of the cluster");
     options.addresses("--address", message.cfmIpAddresses,
-                      "Address of a fabric manager; the service wants one at least");
+                      "Address of a fabric manager, one at least");
 }
 
 void declareFields(FieldOptions& options, SanApi::ns1__RemoveHccFromSan& message) {

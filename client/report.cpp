@@ -1,5 +1,6 @@
 #include "client/report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 
@@ -42,7 +43,9 @@ Json withReply(const std::string& operation, const Outcome& outcome, const Json&
 }  // namespace
 
 std::string failureText(const Outcome& outcome) {
-    return std::string(textOf(outcome.status)) + ": " + printable(outcome.text);
+    std::string text = printable(outcome.text);
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return std::string(textOf(outcome.status)) + ": " + text;
 }
 
 Json outcomeJson(const std::string& operation, const Outcome& outcome) {

@@ -13,7 +13,7 @@ struct Credentials {
 
 /// How far a server is trusted. Paths name PEM files; empty ones are not used.
 struct TlsOptions {
-    std::string caFile;        ///< Authorities; without it the system's own count.
+    std::string caFile;        ///< Authorities, in place of the system's own.
     std::string certFile;      ///< The client's certificate followed by its private key.
     std::string certPassword;  ///< Opens the private key.
     bool insecure = false;     ///< Accept any server.

@@ -141,9 +141,12 @@ void Session::fillHeader() {
 
 void Session::startTls() {
     const TlsOptions& tls = m_options.tls;
-    const unsigned short trust = tls.insecure
-                                     ? SOAP_SSL_NO_AUTHENTICATION | SOAP_SSL_SKIP_HOST_CHECK
-                                     : SOAP_SSL_REQUIRE_SERVER_AUTHENTICATION;
+    unsigned short trust = SOAP_SSL_REQUIRE_SERVER_AUTHENTICATION;
+    if (tls.insecure) {
+        trust = SOAP_SSL_NO_AUTHENTICATION | SOAP_SSL_SKIP_HOST_CHECK;
+    } else if (!tls.caFile.empty()) {
+        trust |= SOAP_SSL_NO_DEFAULT_CA_PATH;
+    }
     if (soap_ssl_client_context(&m_proxy, trust, orNull(tls.certFile), orNull(tls.certPassword),
                                 orNull(tls.caFile), nullptr, nullptr) != SOAP_OK) {
         throw std::invalid_argument("TLS cannot be set up: " + engineText(m_proxy));

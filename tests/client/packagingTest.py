@@ -1,0 +1,51 @@
+"""The manual page and the completion know what the program knows."""
+
+import os
+import pathlib
+import re
+import subprocess
+import unittest
+
+from sanctlTest import SANCTL, sanctl
+
+PACKAGING = pathlib.Path(__file__).resolve().parents[2] / "packaging"
+
+
+def options(*command):
+    return set(re.findall(r"^  (?:-h,)?(--[a-z-]+)", sanctl(*command, "--help").stdout, re.M))
+
+
+def commands():
+    listed = sanctl("--help").stdout.partition("Subcommands:\n")[2].partition("\n\n")[0]
+    return re.findall(r"^  ([a-z-]+)", listed, re.M)
+
+
+class PackagingTest(unittest.TestCase):
+    def test_the_manual_names_every_subcommand_and_option(self):
+        page = (PACKAGING / "man/sanctl.1").read_text(encoding="utf-8").replace("\\-", "-")
+        self.assertEqual(len(commands()), 14)
+        for name in commands():
+            self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
+            for option in options(name) | options():
+                self.assertRegex(page, rf"{option}(?![a-z-])", name)
+        known = options().union(*(options(name) for name in commands()))
+        self.assertLessEqual(set(re.findall(r"--[a-z-]+", page)), known)
+
+    def complete(self, *words):
+        script = ('. "$1"; shift; compopt() { :; }; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
+                  ' _sanctl; printf "%s\\n" "${COMPREPLY[@]}"')
+        done = subprocess.run(["bash", "-c", script, "bash",
+                               PACKAGING / "bash-completion/sanctl", SANCTL, *words],
+                              text=True, capture_output=True, env=os.environ, check=True)
+        return set(done.stdout.split())
+
+    def test_completion_offers_what_fits(self):
+        self.assertLessEqual(set(commands()) | options(), self.complete(""))
+        self.assertEqual(self.complete("make-data-a"), {"make-data-available"})
+        self.assertEqual(self.complete("add-server", "--o"), {"--os-type", "--os-release"})
+        self.assertEqual(self.complete("lifecycle", "ping"), set())
+        self.assertEqual(self.complete("ping", "--cacert", __file__[:-1]), {__file__})
+
+
+if __name__ == "__main__":
+    unittest.main()
