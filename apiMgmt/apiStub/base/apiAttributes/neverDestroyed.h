@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <new>
-#include <utility>
 
 /// Storage for a process-wide value that is built once and never destroyed, so that code which
 /// still runs while the process ends (another thread, a late static) can read it.
@@ -17,8 +16,8 @@ class NEVERDestroyed {
 public:
     /// `make` returns the value; it is built in place and need be neither copied nor moved.
     template <class Make>
-    explicit NEVERDestroyed(Make&& make) {
-        ::new (static_cast<void*>(m_storage)) Value(std::forward<Make>(make)());
+    explicit NEVERDestroyed(Make make) {
+        ::new (static_cast<void*>(m_storage)) Value(make());
     }
     NEVERDestroyed(const NEVERDestroyed&) = delete;
     NEVERDestroyed& operator=(const NEVERDestroyed&) = delete;

@@ -9,8 +9,6 @@
 
 namespace {
 
-using apiKind::Between;
-
 struct Check {
     std::shared_ptr<const BASEApiAttribute> attribute;
     std::string value;

@@ -8,9 +8,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 struct WriteCase {
     const char* attribute;
     std::function<void(APISample&)> set;
