@@ -88,6 +88,7 @@ TEST_F(DateTime, MovesAndComparesWithoutOverflow) {
 TEST_F(DateTime, TellsWhatCannotBeFormatted) {
     EXPECT_EQ(DATETimeObject(0).FormatAs(""), "");
     EXPECT_EQ(DATETimeObject(0).FormatAs("%"), "%");
+    EXPECT_EQ(DATETimeObject(0).FormatAs(std::string("%Y\0%m", 5)), "1970");
     EXPECT_EQ(DATETimeObject(0).FormatAs(std::string(200, 'x')), std::string(200, 'x'));
     const DATETimeObject beyond(std::numeric_limits<std::int64_t>::max());
     EXPECT_THROW(beyond.GetYear(), std::out_of_range);
