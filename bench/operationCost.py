@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
-"""What a Ping costs the web server, beside what nobody can do without.
+"""What an operation costs the web server, beside what nobody can do without.
 
-    bench/pingCost.py [--rounds N] [--seconds S] [--connections N] [--mpm event|prefork]
+    bench/operationCost.py [--operation NAME] [--rounds N] [--seconds S] [--connections N]
+                           [--mpm event|prefork]
 
 One Apache serves, in turns, and a load generator asks for
 
   a  a static file of 1 KB
   b  a Ping that a bare engine service answers, hosted by the same module
   c  the same with one bare exchange over loopback, of as many bytes as d exchanges
-  d  a Ping of the service, whose API manager is the peer of c with a simulator's answer
+  d  the operation (Ping by default; AddHccToSan with four addresses; HccAttachVolume), whose
+     API manager is the peer of c with the answer that an array gives
 
 Printed are medians of requests per second and of processor time per request of the server's
 processes (user and system, from /proc), and the ratios of the latter. Ratios are worth something
@@ -23,7 +25,6 @@ import os
 import pathlib
 import re
 import shutil
-import socket
 import statistics
 import subprocess
 import sys
@@ -34,9 +35,9 @@ os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
 sys.path.insert(0, str(ROOT / "tests" / "service"))
 
 import apiManager  # noqa: E402
-import harness  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
+from operations import PLAIN, SCSI, address  # noqa: E402
 
 PEER = webServer.BUILD / "bench" / "exchangePeer"
 EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
@@ -50,7 +51,7 @@ TARGETS = [
     ("a", "static file of 1 KB", "/1k.html"),
     ("b", "bare Ping", "/bare"),
     ("c", "bare Ping and exchange", "/exchange"),
-    ("d", "Ping of the service", webServer.PATH),
+    ("d", "the operation", webServer.PATH),
 ]
 RATIOS = [("d", "c", 1.25), ("d", "b", None), ("b", "a", None), ("d", "a", 4.0)]
 
@@ -62,25 +63,42 @@ LOCATION = """
 """
 
 
-def exchange_of_a_ping():
-    """(bytes of the request frame, the simulator's reply frame) of one Ping."""
+def join_request(addresses):
+    """AddHccToSan with so many addresses of the cluster."""
+    entries = "".join(
+        f"<cfmIpAddresses>{address(f'10.0.{n // 250}.{n % 250 + 1}', 3260)}</cfmIpAddresses>"
+        for n in range(addresses))
+    return soap.envelope(
+        "<ns1:AddHccToSan><sanId>64015</sanId><hccId>cluster-1</hccId><hccName>Cluster One"
+        f"</hccName><hccKey>0123456789abcdef</hccKey>{entries}</ns1:AddHccToSan>",
+        soap.header(user="admin:secret"))
+
+
+ATTACH = soap.envelope(
+    "<ns1:HccAttachVolume><hccId>cluster-1</hccId><hcVolumeId>v1</hcVolumeId>"
+    "<sanId>64015</sanId><sanVolumeId>64015.7</sanVolumeId></ns1:HccAttachVolume>",
+    soap.header(user="admin:secret"))
+
+# name: (the client's request, what the array answers with)
+OPERATIONS = {
+    "Ping": (soap.PING, PLAIN),
+    "AddHccToSan": (join_request(4), PLAIN),
+    "HccAttachVolume": (ATTACH, SCSI),
+}
+
+
+def exchange_of(request, value):
+    """(bytes of the request frame, the reply frame) of one operation."""
     with apiManager.ApiManager() as recorder:
         server = webServer.WebServer(api_manager_port=recorder.port)
         server.start()
         try:
-            server.post(soap.PING)
+            server.post(request)
         finally:
             server.stop()
-        request = apiManager.frame(recorder.requests[0].message)
-    with harness.simulator() as (_, port), \
-            socket.create_connection(("127.0.0.1", port)) as connection:
-        connection.sendall(request)
-        reply = b""
-        while part := connection.recv(65536):
-            reply += part
-            if len(reply) >= 4 and len(reply) == 4 + int.from_bytes(reply[:4], "big"):
-                break
-    return len(request), reply
+        frame = apiManager.frame(recorder.requests[0].message)
+    return len(frame), apiManager.reply_frame(apiManager.method_return(
+        f"<Successful>True</Successful>{value}"))
 
 
 @contextlib.contextmanager
@@ -112,9 +130,9 @@ def log_daemon(directory):
 
 
 @contextlib.contextmanager
-def serving(arguments):
+def serving(arguments, request, value):
     """The server with all four, and the process ids whose time is nobody's neighbour."""
-    request_bytes, reply = exchange_of_a_ping()
+    request_bytes, reply = exchange_of(request, value)
     server = webServer.WebServer(
         mpm=arguments.mpm, threads=16, collect_syslog=False,
         extra=LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
@@ -174,18 +192,24 @@ wrk.body = io.open("{file}"):read("*a")
 class Load:
     def __init__(self, server, arguments):
         self.server, self.arguments = server, arguments
-        body = server.directory / "ping.xml"
-        body.write_text(soap.PING)
-        self.script = server.directory / "ping.lua"
-        self.script.write_text(WRK_SCRIPT.format(file=body))
+        self.scripts = {}
+
+    def prepare(self, path, message):
+        """Has `message` posted to `path` from now on; a path without one is fetched."""
+        name = f"{path.strip('/')}-request"
+        body = self.server.directory / f"{name}.xml"
+        body.write_text(message)
+        script = self.server.directory / f"{name}.lua"
+        script.write_text(WRK_SCRIPT.format(file=body))
+        self.scripts[path] = str(script)
 
     def run(self, path, seconds):
         """(requests per second, microseconds of the server's processor time per request, share
         of the machine that others used)"""
         url = f"http://127.0.0.1:{self.server.port}{path}"
         command = ["wrk", "-t1", f"-c{self.arguments.connections}", f"-d{seconds}s", url]
-        if not path.endswith(".html"):
-            command[1:1] = ["-s", str(self.script)]
+        if path in self.scripts:
+            command[1:1] = ["-s", self.scripts[path]]
         server_before = sum(map(process_ticks, self.server.children()))
         own_before, (busy_before, all_before) = own_ticks(), busy_and_all_ticks()
         output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE).stdout
@@ -225,6 +249,7 @@ def report(rates, costs, foreign):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--operation", choices=OPERATIONS, default="Ping")
     parser.add_argument("--rounds", type=int, default=9)
     parser.add_argument("--seconds", type=int, default=2, help="for each target in each round")
     parser.add_argument("--connections", type=int, default=1)
@@ -236,8 +261,12 @@ def main():
         sys.exit("wrk is missing: apt-get install wrk")
     rates, costs = ({name: [] for name, _, _ in TARGETS} for _ in range(2))
     foreign = []
-    with serving(arguments) as server:
+    request, value = OPERATIONS[arguments.operation]
+    with serving(arguments, request, value) as server:
         load = Load(server, arguments)
+        for path, message in (("/bare", soap.PING), ("/exchange", soap.PING),
+                              (webServer.PATH, request)):
+            load.prepare(path, message)
         for number in range(-1, arguments.rounds):  # the first warms up and is not counted
             for name, _, path in TARGETS:
                 rate, cost, others = load.run(path, arguments.seconds)
