@@ -66,11 +66,11 @@ def main():
     for old in args.out.iterdir():
         old.unlink()
     common = ["-1", "-x", "-L", f"-d{args.out}", f"-I{contract}:{args.imports}"]
-    # 150 serializers a file: two files of like size, which compile beside each other.
-    run_generator([args.soapcpp2, *common, "-i", "-f150", "-qSanApi", "-pSanApi",
-                   str(contract / "sanApi.h")])
-    run_generator([args.soapcpp2, *common, "-S", "-w", "-penv", str(contract / "sanEnv.h")])
     try:
+        # 150 serializers a file: two files of like size, which compile beside each other.
+        run_generator([args.soapcpp2, *common, "-i", "-f150", "-qSanApi", "-pSanApi",
+                       str(contract / "sanApi.h")])
+        run_generator([args.soapcpp2, *common, "-S", "-w", "-penv", str(contract / "sanEnv.h")])
         for row in ADAPTATIONS:
             adapt(args.out, *row)
     except SystemExit:

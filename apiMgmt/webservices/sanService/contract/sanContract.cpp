@@ -1,6 +1,8 @@
 // What the engine looks for outside every namespace and the generated code does not give there.
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 
+#include "apiMgmt/common/utils/legalXmlText.h"
+
 #include "SanApiPortBinding.nsmap"
 
 // The header's content is a message type; its reader and writer live with the messages. The
@@ -22,6 +24,18 @@ ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* 
     return SanApi::soap_in_PointerTons1__HccApiHeader(context, tag, header, "ns1:HccApiHeader");
 }
 // NOLINTEND(bugprone-reserved-identifier)
+
+// The engine's faults quote what the client sent: a tag, an attribute's value. Bytes that no
+// document may hold would make the whole reply unreadable, so they are dropped on the way out.
+void env_serializefault(soap* context);
+
+void soap_serializefault(soap* context) {
+    const char** text = soap_faultstring(context);
+    if (text != nullptr && *text != nullptr) {
+        *text = soap_strdup(context, legalXmlText(*text).c_str());
+    }
+    env_serializefault(context);
+}
 
 // The engine's shared library calls these by their C names for elements whose type it learns at
 // run time.

@@ -95,6 +95,7 @@ const Row ODD_ROWS[] = {
     {"a null attach reply",      envelope("<s:HccAttachVolume/>"),            "HccAttachVolume", "<aliasScsiInfo xsi:nil=\"true\"/>"},
     {"a nil wrapper",            envelope("<s:Ping xsi:nil=\"true\"/>"),      "Ping", "no request for Ping &lt;here&gt;"},
     {"an operation not served",  envelope("<s:GetHcns/>"),                    "", "Method 's:GetHcns' not implemented"},
+    {"bytes that are no text",   envelope("<s:Get\xFF" "Hcns/>"),              "", "Method 's:GetHcns' not implemented"},
     {"another namespace",        envelope("<Ping xmlns=\"urn:other\"/>"),     "", "not implemented"},
     {"a type error",             envelope("<s:NewPrimaryCfmAddresses><mgmtIpAddresses><port>x</port></mgmtIpAddresses>"
                                           "</s:NewPrimaryCfmAddresses>"),     "", "<faultcode>SOAP-ENV:Client</faultcode>"},

@@ -1,0 +1,73 @@
+// Any bytes as the body of a request: the service answers with a document that clients can read,
+// or with nothing. The API manager is down for it, and the system log is thrown away.
+#include <cerrno>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "apiMgmt/common/xmlParser/xmlParser.h"
+#include "apiMgmt/webservices/sanService/sanService.h"
+
+// These stand in front of the C library's functions of the same names.
+struct sockaddr;
+extern "C" {
+int connect(int, const struct sockaddr*, unsigned) {
+    errno = ECONNREFUSED;
+    return -1;
+}
+void openlog(const char*, int, int) {}
+void closelog() {}
+void syslog(int, const char*, ...) {}
+void __syslog_chk(int, int, const char*, ...) {}  // NOLINT(bugprone-reserved-identifier)
+}
+
+namespace {
+
+struct Context {
+    Context() { soap_init2(&engine, SOAP_C_UTFSTRING, SOAP_C_UTFSTRING); }
+    ~Context() {
+        soap_destroy(&engine);
+        soap_end(&engine);
+        soap_done(&engine);
+    }
+    soap engine;
+};
+
+std::string answer(const std::string& request) {
+    const Context context;
+    std::istringstream in(request);
+    std::ostringstream out;
+    SANService service(context.engine, "127.0.0.1", 1);
+    service.is = &in;
+    service.os = &out;
+    service.serve();
+    service.is = nullptr;
+    service.os = nullptr;
+    service.destroy();
+    return out.str();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // The form of an HTTP request is not the subject; what follows it is read as the body.
+    const std::string body(reinterpret_cast<const char*>(data), size);
+    const std::string reply = answer(
+        "POST / HTTP/1.1\r\nContent-Type: text/xml\r\nContent-Length: " + std::to_string(size) +
+        "\r\n\r\n" + body);
+    // The envelope's tag repeats the namespaces that the client chose for SOAP and schema, so only
+    // what is inside of it is judged.
+    const std::size_t start = reply.find("<SOAP-ENV:Envelope");
+    if (start == std::string::npos) {
+        return 0;
+    }
+    parser::XMLParser reader(nullptr);
+    if (!reader.ParseXMLString("<SOAP-ENV:Envelope" + reply.substr(reply.find('>', start)))) {
+        std::fprintf(stderr, "unreadable reply:\n%s\n", reply.c_str());
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,59 @@
+"""The build stops when the generator writes something that the adaptation does not expect."""
+import argparse
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+parser = argparse.ArgumentParser()
+for name in ("script", "soapcpp2", "imports"):
+    parser.add_argument(f"--{name}", required=True)
+args, unittest_args = parser.parse_known_args()
+
+# A generator that differs from the installed one by what a stream editor does to its output.
+GENERATOR = """#!/bin/sh
+"{soapcpp2}" "$@" || exit 1
+for argument in "$@"; do case "$argument" in -d*) out=${{argument#-d}} ;; esac; done
+{change}
+"""
+
+# change of the generator's output, what the message then says
+CHANGES = {
+    "as it is": ("", None),
+    "a reader that refuses otherwise": (
+        "sed -i 's/n < 0 || n > 20/n > 20/' $out/SanApiC_*.cpp", "expected 17 times"),
+    "an enumeration more": (
+        'sed -i "s/^enum ns1__SanType {/enum ns1__New {\\n};\\n&/" $out/SanApiStub.h',
+        "expected 17 times in SanApiStub.h"),
+    "another default": (
+        """sed -i 's/version != "2.3"/version != "2.4"/' $out/SanApiC_*.cpp""",
+        "expected 2 times"),
+    "a warning": ("echo '*WARNING*: something'", "*WARNING*: something"),
+    "no output": ("exit 1", ""),
+}
+
+
+class Generate(unittest.TestCase):
+    def test_it_stops_and_leaves_nothing_behind(self):
+        for name, (change, message) in CHANGES.items():
+            with self.subTest(name), tempfile.TemporaryDirectory() as folder:
+                done, left = self.generate(pathlib.Path(folder), change)
+                self.assertEqual(done.returncode == 0, message is None, done.stderr)
+                self.assertIn(message or "", done.stderr)
+                self.assertEqual("SanApiStub.h" in left, message is None)
+
+    @staticmethod
+    def generate(folder, change):
+        generator = folder / "generator"
+        generator.write_text(GENERATOR.format(soapcpp2=args.soapcpp2, change=change))
+        generator.chmod(0o755)
+        out = folder / "out"
+        done = subprocess.run([sys.executable, args.script, "--soapcpp2", generator, "--imports",
+                               args.imports, "--out", out], capture_output=True, text=True,
+                              check=False)
+        return done, {path.name for path in out.iterdir()}
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *unittest_args])
