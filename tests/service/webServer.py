@@ -24,7 +24,7 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug"))
+BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug")).resolve()
 APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
 RUNTIME = os.environ.get("SAN_RUNTIME", "")
 MODULES = "/usr/lib/apache2/modules"
