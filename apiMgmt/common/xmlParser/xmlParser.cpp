@@ -1,6 +1,7 @@
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 
 #include <expat.h>
+#include <sys/random.h>
 
 #include <algorithm>
 #include <memory>
@@ -103,6 +104,20 @@ private:
     bool m_refused = false;
 };
 
+namespace {
+
+/// Keeps the hash tables of Expat from being flooded by chosen names. One per process, since
+/// Expat would ask the system for a new one with every document; 0 leaves it to Expat.
+unsigned long hashSalt() {
+    static const unsigned long salt = [] {
+        unsigned long random = 0;
+        return ::getrandom(&random, sizeof(random), 0) == sizeof(random) ? random : 0;
+    }();
+    return salt;
+}
+
+}  // namespace
+
 XMLParser::XMLParser(const char* name) : m_name(name != nullptr ? name : "") {}
 
 bool XMLParser::ParseXMLString(std::string_view text) {
@@ -121,6 +136,7 @@ bool XMLParser::ParseXMLString(std::string_view text) {
     if (!expat) {
         throw std::bad_alloc();
     }
+    XML_SetHashSalt(expat.get(), hashSalt());
     const DocumentBuilder builder(expat.get(), m_source, m_text, m_elements);
     const bool read = XML_Parse(expat.get(), m_source.data(), static_cast<int>(m_source.size()),
                                 XML_TRUE) == XML_STATUS_OK;
