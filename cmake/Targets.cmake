@@ -10,6 +10,7 @@ set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 set(SAN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+option(SAN_LIBFUZZER "Build the fuzz targets for libFuzzer (needs clang)" OFF)
 set(SAN_GENERATED_DIR "${CMAKE_BINARY_DIR}/generated")
 
 add_library(san_options INTERFACE)
@@ -24,11 +25,16 @@ if(SAN_SANITIZE)
   endif()
 endif()
 
+if(SAN_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # For our own code only; generated code is compiled without them.
 add_library(san_warnings INTERFACE)
 target_compile_options(san_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Wcast-align -Werror
-  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wno-restrict>)
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>)
 
 # san_library(NAME SOURCES... DEPENDS...): one subsystem. Links only what it builds on.
 function(san_library name)
@@ -64,6 +70,11 @@ endfunction()
 # with clang and SAN_LIBFUZZER it is a libFuzzer program.
 function(san_fuzz name)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  if(SAN_LIBFUZZER)
+    san_program(${name} SOURCES ${name}.cpp DEPENDS ${ARG_DEPENDS})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    return()
+  endif()
   san_program(${name} SOURCES ${name}.cpp replay.cpp DEPENDS ${ARG_DEPENDS})
   add_test(NAME ${name} COMMAND ${name} --runs 2000 "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS fuzz)

@@ -64,8 +64,13 @@ private:
             return;
         }
         const std::size_t tag = position();
+        const std::string_view name = nameAt(tag);
+        if (name.empty()) {
+            refuse();  // a prefix alone, as in "<p:>"
+            return;
+        }
         XMLElement& element = m_elements.emplace_back();
-        element.m_name = nameAt(tag);
+        element.m_name = name;
         element.m_parent = m_current;
         if (m_current != nullptr) {
             (m_current->m_lastChild != nullptr ? m_current->m_lastChild->m_nextSibling

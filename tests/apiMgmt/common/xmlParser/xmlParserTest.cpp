@@ -84,6 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"entities that grow",
                 "<!DOCTYPE a [<!ENTITY b 'bb'><!ENTITY c '&b;&b;'>]><a>&c;</a>"},
         Refused{"external entity", "<!DOCTYPE a [<!ENTITY b SYSTEM '/etc/hostname'>]><a>&b;</a>"},
+        Refused{"prefix alone", "<a><p:/></a>"},
         Refused{"too deep", nested(XMLParser::maxDepth + 1)},
         Refused{"too many elements", "<a>" + repeated("<b/>", XMLParser::maxElements) + "</a>"},
         Refused{"too long", "<a>" + std::string(XMLParser::maxSize, 'x') + "</a>"}));
