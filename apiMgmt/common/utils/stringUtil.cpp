@@ -39,8 +39,21 @@ constexpr Reference kReferences[] = {
 };
 // clang-format on
 
+/// Which bytes may be written as a reference: nearly none, and every value of a request is
+/// looked through.
+constexpr auto kSpecial = [] {
+    std::array<bool, 256> special{};
+    for (std::size_t control = 0; control < 0x20; ++control)
+        special[control] = true;
+    for (const Reference& reference : kReferences)
+        special[static_cast<unsigned char>(reference.character)] = true;
+    return special;
+}();
+
 /// What stands for a character in an escaped text; empty when it stands for itself.
 std::string_view ReferenceOf(char character, bool markupOnly) {
+    if (!kSpecial[static_cast<unsigned char>(character)])
+        return {};
     for (const Reference& reference : kReferences)
         if (reference.character == character && (reference.markup || !markupOnly))
             return reference.text;
@@ -188,8 +201,11 @@ std::string STRINGUtil::ToLowerCase(const std::string& text) {
 }
 
 std::string STRINGUtil::EscapeString(const std::string& text, bool markupOnly) {
+    std::size_t size = 0;
+    for (const char character : text)
+        size += std::max<std::size_t>(ReferenceOf(character, markupOnly).size(), 1);
     std::string escaped;
-    escaped.reserve(text.size());
+    escaped.reserve(size);  // every value of a request comes by here: one allocation, never two
     for (const char character : text) {
         const std::string_view reference = ReferenceOf(character, markupOnly);
         if (reference.empty())
@@ -205,8 +221,13 @@ std::string STRINGUtil::UnEscapeString(const std::string& text, bool markupOnly)
     plain.reserve(text.size());
     std::string_view rest = text;
     while (!rest.empty()) {
+        const std::size_t before = std::min(rest.find('&'), rest.size());
+        plain.append(rest.substr(0, before));
+        rest.remove_prefix(before);
+        if (rest.empty())
+            break;
         const Reference* reference = FindReference(rest, markupOnly);
-        plain.push_back(reference ? reference->character : rest.front());
+        plain.push_back(reference ? reference->character : '&');
         rest.remove_prefix(reference ? reference->text.size() : 1);
     }
     return plain;

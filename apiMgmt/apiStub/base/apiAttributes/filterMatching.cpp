@@ -8,15 +8,15 @@
 bool MatchesOrder(FILTERType type, std::weak_ordering order) {
     switch (type) {
         case FILTERType::Equal:
-            return order == 0;
+            return std::is_eq(order);
         case FILTERType::Greater:
-            return order > 0;
+            return std::is_gt(order);
         case FILTERType::GreaterOrEqual:
-            return order >= 0;
+            return std::is_gteq(order);
         case FILTERType::Less:
-            return order < 0;
+            return std::is_lt(order);
         case FILTERType::LessOrEqual:
-            return order <= 0;
+            return std::is_lteq(order);
         default:
             return false;
     }

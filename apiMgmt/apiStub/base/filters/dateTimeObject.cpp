@@ -34,7 +34,7 @@ std::optional<std::int64_t> Read(const std::string& text, const char* format) {
 std::string Format(const std::tm& fields, const std::string& format) {
     // strftime tells an empty result and one that does not fit apart by nothing but this blank.
     // It ends at a zero byte, and so must what the blank is put behind.
-    const std::string padded = std::string(format.c_str()) + " ";
+    const std::string padded = format.substr(0, format.find('\0')) + " ";
     std::string text;
     for (std::size_t size = kFirstBuffer + format.size(); size <= kLargestBuffer; size *= 2) {
         text.resize(size);

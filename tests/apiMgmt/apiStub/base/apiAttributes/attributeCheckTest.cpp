@@ -99,62 +99,63 @@ TEST(AttributeCheck, DescriptorsKeepWhatTheirRowSays) {
 struct Condition {
     const BASEApiAttribute* attribute;
     const char* value;
-    int type;
+    const char* type;
     const char* operand;
     bool matches;
 };
 
 // clang-format off
 const Condition conditions[] = {
-    {APISample::GetNumberAttr(),  "10",   3, "9",   true},   // not as texts
-    {APISample::GetNumberAttr(),  "10",   4, "10",  true},
-    {APISample::GetNumberAttr(),  "-10",  5, "-9",  true},
-    {APISample::GetNumberAttr(),  "10",   6, "9",   false},
-    {APISample::GetNumberAttr(),  "10",   2, "010", true},
-    {APISample::GetNumberAttr(),  "",     2, "0",   false},
-    {APISample::GetNumberAttr(),  "1",    7, "1",   false},
-    {APISample::GetNumberAttr(),  "1",    0, "1",   false},
-    {APISample::GetNumberAttr(),  "1",    9, "1",   false},
-    {APISample::GetTextAttr(),    "a-B",  2, "A&hy&b", true},
-    {APISample::GetTextAttr(),    "b",    3, "A",   true},
-    {APISample::GetTextAttr(),    "10",   3, "9",   false},
-    {APISample::GetTextAttr(),    "",     2, "",    false},
-    {APISample::GetTextAttr(),    "My Server", 7, "sERV", true},
-    {APISample::GetTextAttr(),    "My Server", 8, "sERV", false},
-    {APISample::GetTextAttr(),    "My Server", 8, "mY",   true},
-    {APISample::GetInstanceNameAttr(), "n", 2, "N", true},
-    {APISample::GetInstanceIdAttr(), "101.5", 2, "101.5", true},
-    {APISample::GetTruthAttr(),   "1",    2, "TRUE", true},
-    {APISample::GetTruthAttr(),   "no",   5, "true", true},
-    {APISample::GetTruthAttr(),   "",     2, "false", false},
-    {APISample::GetEnumAttr(),    " LastDay ", 2, "lastday", true},
-    {APISample::GetMaskAttr(),    "LastDay LastWeek", 2, "LastWeek", true},
-    {APISample::GetMaskAttr(),    "LastDay LastWeek", 2, "LastDay LastWeek", false},
-    {APISample::GetMaskAttr(),    "",     2, "",    false},
-    {APISample::GetTextsAttr(),   "x:a-co-b", 2, "A:B", true},
-    {APISample::GetTextsAttr(),   "x:y",  2, "z",   false},
-    {APISample::GetIpAttr(),      "10.0.0.9", 5, "10.0.0.10", true},
-    {APISample::GetIpAttr(),      "200.0.0.1", 3, "10.0.0.1", true},
-    {APISample::GetIpAttr(),      "junk", 2, "0.0.0.0", false},
-    {APISample::GetIpAttr(),      "0.0.0.0", 2, "junk", false},
-    {APISample::GetParentAttr(),  "1 T My Server", 2, "my server", true},
-    {APISample::GetParentAttr(),  "1 T My Server", 2, "1", true},
-    {APISample::GetParentAttr(),  "1 T My Server", 2, "T", false},
-    {APISample::GetParentAttr(),  "",     2, "",    false},
-    {APISample::GetParentsAttr(), "1 T a:2 T b", 2, "b", true},
-    {APISample::GetParentsAttr(), "1 T a:2 T b", 2, "c", false},
-    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", 2, "11/14/2026&hy&15:04:05", true},
-    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", 3, "12/01/2025-00:00:00", true},
-    {APISample::GetTimeAttr(),    "",     2, "never", false},
-    {APISample::GetRecordAttr(),  "<R/>", 2, "<r/>", true},
-    {APISample::GetRecordsAttr(), "<R/>", 2, "<S/>", false},
-    {APISample::GetFilterAttr(),  "and A = 1-", 2, "and A = 1&hy&", true},
+    {APISample::GetNumberAttr(),  "10",   ">", "9",   true},   // not as texts
+    {APISample::GetNumberAttr(),  "10",   ">=", "10",  true},
+    {APISample::GetNumberAttr(),  "-10",  "<", "-9",  true},
+    {APISample::GetNumberAttr(),  "10",   "<=", "9",   false},
+    {APISample::GetNumberAttr(),  "10",   "=", "010", true},
+    {APISample::GetNumberAttr(),  "",     "=", "0",   false},
+    {APISample::GetNumberAttr(),  "1",    "iqin", "1",   false},
+    {APISample::GetNumberAttr(),  "1",    "!=", "1",   false},
+    {APISample::GetTextAttr(),    "a-B",  "=", "A&hy&b", true},
+    {APISample::GetTextAttr(),    "b",    ">", "A",   true},
+    {APISample::GetTextAttr(),    "10",   ">", "9",   false},
+    {APISample::GetTextAttr(),    "",     "=", "",    false},
+    {APISample::GetTextAttr(),    "My Server", "iqin", "sERV", true},
+    {APISample::GetTextAttr(),    "My Server", "iqs", "sERV", false},
+    {APISample::GetTextAttr(),    "My Server", "iqs", "mY",   true},
+    {APISample::GetInstanceNameAttr(), "n", "=", "N", true},
+    {APISample::GetInstanceIdAttr(), "101.5", "=", "101.5", true},
+    {APISample::GetTruthAttr(),   "1",    "=", "TRUE", true},
+    {APISample::GetTruthAttr(),   "no",   "<", "true", true},
+    {APISample::GetTruthAttr(),   "",     "=", "false", false},
+    {APISample::GetEnumAttr(),    " LastDay ", "=", "lastday", true},
+    {APISample::GetMaskAttr(),    "LastDay LastWeek", "=", "LastWeek", true},
+    {APISample::GetMaskAttr(),    "LastDay LastWeek", "=", "LastDay LastWeek", false},
+    {APISample::GetMaskAttr(),    "",     "=", "",    false},
+    {APISample::GetTextsAttr(),   "x:a-co-b", "=", "A:B", true},
+    {APISample::GetTextsAttr(),   "x:y",  "=", "z",   false},
+    {APISample::GetIpAttr(),      "10.0.0.9", "<", "10.0.0.10", true},
+    {APISample::GetIpAttr(),      "200.0.0.1", ">", "10.0.0.1", true},
+    {APISample::GetIpAttr(),      "junk", "=", "0.0.0.0", false},
+    {APISample::GetIpAttr(),      "0.0.0.0", "=", "junk", false},
+    {APISample::GetParentAttr(),  "1 T My Server", "=", "my server", true},
+    {APISample::GetParentAttr(),  "1 T My Server", "=", "1", true},
+    {APISample::GetParentAttr(),  "1 T My Server", "=", "T", false},
+    {APISample::GetParentAttr(),  "",     "=", "",    false},
+    {APISample::GetParentsAttr(), "1 T a:2 T b", "=", "b", true},
+    {APISample::GetParentsAttr(), "1 T a:2 T b", "=", "c", false},
+    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", "=", "11/14/2026&hy&15:04:05", true},
+    {APISample::GetTimeAttr(),    "11/14/2026 03:04:05 PM", ">", "12/01/2025-00:00:00", true},
+    {APISample::GetTimeAttr(),    "",     "=", "never", false},
+    {APISample::GetRecordAttr(),  "<R/>", "=", "<r/>", true},
+    {APISample::GetRecordsAttr(), "<R/>", "=", "<S/>", false},
+    {APISample::GetFilterAttr(),  "and A = 1-", "=", "and A = 1&hy&", true},
 };
 // clang-format on
 
 TEST(AttributeFilter, EachKindComparesInItsOwnWay) {
     for (const Condition& row : conditions)
-        EXPECT_EQ(row.attribute->ApplyFilter({"X", FILTERType{row.type}, row.operand}, row.value),
+        EXPECT_EQ(row.attribute->ApplyFilter(
+                      {"X", APIAttributeFilter::GetFilterTypeFromString(row.type), row.operand},
+                      row.value),
                   row.matches)
             << row.attribute->GetXmlName() << ' ' << row.value << ' ' << row.type << ' '
             << row.operand;
@@ -171,6 +172,7 @@ TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
     constexpr std::size_t count = 8;
     std::vector<const APIAttributeList*> lists(count);
     std::vector<std::thread> threads;
+    threads.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         threads.emplace_back([&lists, i] {
             Fresh record;
