@@ -15,7 +15,7 @@ using namespace std::string_literals;
 [[gnu::format(printf, 1, 2)]] std::string FormatList(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    const std::string first = STRINGUtil::FormatStr(format, args);
+    std::string first = STRINGUtil::FormatStr(format, args);
     const std::string second = STRINGUtil::FormatStr(format, args);
     va_end(args);
     EXPECT_EQ(first, second) << "the list was used up";

@@ -11,7 +11,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 using Values = BASEApiMethod::ValueMap;
 
 /// The message id and text of the check of one value; id 0 when it passes.
