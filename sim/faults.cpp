@@ -66,7 +66,9 @@ std::string badXml(Text methodReturn, Rule /*rule*/) {
     return document.substr(0, document.size() / 2);
 }
 
-std::string otherDocument(Text /*methodReturn*/, Rule rule) { return rule.document; }
+std::string otherDocument(Text /*methodReturn*/, Rule rule) {
+    return rule.document;
+}
 
 std::string emptyDocument(Text /*methodReturn*/, Rule /*rule*/) {
     return "";
