@@ -25,19 +25,21 @@ import os
 import pathlib
 import re
 import shutil
+import socket
 import statistics
 import subprocess
 import sys
+import threading
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
 sys.path.insert(0, str(ROOT / "tests" / "service"))
 
-import apiManager  # noqa: E402
+from arraySimulator import ArraySimulator  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
-from operations import PLAIN, SCSI, address  # noqa: E402
+from operations import address  # noqa: E402
 
 PEER = webServer.BUILD / "bench" / "exchangePeer"
 EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
@@ -79,26 +81,48 @@ ATTACH = soap.envelope(
     "<sanId>64015</sanId><sanVolumeId>64015.7</sanVolumeId></ns1:HccAttachVolume>",
     soap.header(user="admin:secret"))
 
-# name: (the client's request, what the array answers with)
+# name: the client's request
 OPERATIONS = {
-    "Ping": (soap.PING, PLAIN),
-    "AddHccToSan": (join_request(4), PLAIN),
-    "HccAttachVolume": (ATTACH, SCSI),
+    "Ping": soap.PING,
+    "AddHccToSan": join_request(4),
+    "HccAttachVolume": ATTACH,
 }
 
 
-def exchange_of(request, value):
-    """(bytes of the request frame, the reply frame) of one operation."""
-    with apiManager.ApiManager() as recorder:
-        server = webServer.WebServer(api_manager_port=recorder.port)
+def receive_frame(connection):
+    data = b""
+    while len(data) < 4 or len(data) < 4 + int.from_bytes(data[:4], "big"):
+        part = connection.recv(65536)
+        if not part:
+            raise EOFError("closed in the middle of a frame")
+        data += part
+    return data
+
+
+def exchange_of(request):
+    """(bytes of the request frame, the simulator's reply frame) of one operation, seen on its
+    way."""
+    seen = []
+
+    def pass_on(listener, port):
+        with listener.accept()[0] as service, \
+                socket.create_connection(("127.0.0.1", port)) as array:
+            seen.append(receive_frame(service))
+            array.sendall(seen[0])
+            seen.append(receive_frame(array))
+            service.sendall(seen[1])
+
+    with ArraySimulator("--lenient") as array, socket.create_server(("127.0.0.1", 0)) as listener:
+        passing = threading.Thread(target=pass_on, args=(listener, array.port))
+        passing.start()
+        server = webServer.WebServer(api_manager_port=listener.getsockname()[1])
         server.start()
         try:
             server.post(request)
         finally:
             server.stop()
-        frame = apiManager.frame(recorder.requests[0].message)
-    return len(frame), apiManager.reply_frame(apiManager.method_return(
-        f"<Successful>True</Successful>{value}"))
+        passing.join()
+    return len(seen[0]), seen[1]
 
 
 @contextlib.contextmanager
@@ -130,9 +154,9 @@ def log_daemon(directory):
 
 
 @contextlib.contextmanager
-def serving(arguments, request, value):
+def serving(arguments, request):
     """The server with all four, and the process ids whose time is nobody's neighbour."""
-    request_bytes, reply = exchange_of(request, value)
+    request_bytes, reply = exchange_of(request)
     server = webServer.WebServer(
         mpm=arguments.mpm, threads=16, collect_syslog=False,
         extra=LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
@@ -261,8 +285,8 @@ def main():
         sys.exit("wrk is missing: apt-get install wrk")
     rates, costs = ({name: [] for name, _, _ in TARGETS} for _ in range(2))
     foreign = []
-    request, value = OPERATIONS[arguments.operation]
-    with serving(arguments, request, value) as server:
+    request = OPERATIONS[arguments.operation]
+    with serving(arguments, request) as server:
         load = Load(server, arguments)
         for path, message in (("/bare", soap.PING), ("/exchange", soap.PING),
                               (webServer.PATH, request)):

@@ -40,7 +40,7 @@ case "$mpm" in event|prefork) ;; *) die "--mpm is event or prefork" ;; esac
     die "--port is a number from 1 to 65535"
 
 install_packages build run
-build release mod_gsoap sanService sanSim sanctl
+build release mod_gsoap sanService sanSim simctl sanctl
 [ "$run" = yes ] || exit 0
 
 release="$root/build/release"
@@ -104,8 +104,14 @@ start_log_collector() {
 start_simulator() {
     is_taken "$api_port" && die "port $api_port is taken: is an API manager there already? \
 Then run with --no-simulator"
-    start simulator "$release/sim/sanSim" --port "$api_port"
+    # Its page stands next to the service; when that port is taken, on any free one.
+    local page_port=$((port + 1))
+    { [ "$page_port" -le 65535 ] && ! is_taken "$page_port"; } || page_port=0
+    start simulator "$release/sim/sanSim" --port "$api_port" --web "$page_port"
 }
+
+# The address of the simulator's page, as it printed it.
+page_url() { sed -n 's/^page at //p' "$state/simulator.log"; }
 
 write_configuration() {
     local identity=''
@@ -183,6 +189,14 @@ wait_for_ping() {
     fail_with_logs "no answer to a Ping within a minute"
 }
 
+third_command() {
+    if [ "$simulate" = yes ]; then
+        echo "$release/sim/simctl --port $api_port log -n 3"
+    else
+        echo "curl -s '$url?wsdl'"
+    fi
+}
+
 print_places() {
     [ -z "${unanswered:-}" ] ||
         say "The service runs, and no API manager answers at 127.0.0.1:$api_port yet"
@@ -192,10 +206,14 @@ print_places() {
   WSDL            $url?wsdl
   log lines       $log_place
   other output    $state/*.log
+TEXT
+    [ "$simulate" = no ] || echo "  simulated array $(page_url)"
+    cat <<TEXT
 
   try             curl -s -H 'Content-Type: text/xml' \\
                        --data-binary @$state/ping.xml $url
-                  $release/client/sanctl --url $url ping
+                  SANCTL_TOKEN=any $release/client/sanctl --url $url lifecycle
+                  $(third_command)
 
 Ctrl-C ends it.
 TEXT

@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "sim/faults.h"
+#include "sim/xmlText.h"
 
 namespace sim {
 
@@ -54,6 +55,14 @@ std::string textIn(const Json& json, const TextMember& row, const std::string& o
     return json.value(row.name, otherwise);
 }
 
+constexpr std::string_view callerMark = "{hccId}";
+
+void replaceAll(std::string& text, std::string_view mark, const std::string& by) {
+    for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + by.size())) {
+        text.replace(at, mark.size(), by);
+    }
+}
+
 bool fits(const FaultRule& rule, const std::string& object, const std::string& command) {
     return rule.command == "*" || rule.command == command ||
            rule.command == object + "::" + command;
@@ -88,6 +97,11 @@ Json toJson(const FaultRule& rule) {
         out[row.name] = rule.*row.member;
     }
     return out;
+}
+
+void nameCaller(FaultRule& rule, const std::string& hccId) {
+    replaceAll(rule.error, callerMark, hccId);
+    replaceAll(rule.document, callerMark, escapeXml(hccId));
 }
 
 void FaultPlan::add(FaultRule rule) {

@@ -55,6 +55,9 @@ const FaultKind& faultNamed(std::string_view name);
 FaultRule ruleFromJson(const Json& json);
 Json toJson(const FaultRule& rule);
 
+/// Puts the cluster that calls where the rule's error and document say "{hccId}".
+void nameCaller(FaultRule& rule, const std::string& hccId);
+
 /// The faults that wait for their calls.
 class FaultPlan {
 public:

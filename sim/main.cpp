@@ -1,8 +1,10 @@
 // The array simulator: stands in for an array's API manager.
+#include <poll.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 
@@ -15,6 +17,8 @@
 namespace {
 
 constexpr int wrongUsage = 64;  // exit status
+/// A pipe with room takes PIPE_BUF bytes without waiting.
+constexpr std::size_t longestLine = PIPE_BUF - 64;
 
 struct Arguments {
     int port = getApiMgrPort();
@@ -79,9 +83,18 @@ int endSignals() {
     return ::signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
+/// Prints a line unless that would have to wait: nobody who looks at the simulator, or stops
+/// looking, holds it up. What was left out is said as soon as there is room again.
 void printLine(const std::string& line) {
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
+    static std::size_t leftOut = 0;
+    std::string text = leftOut == 0 ? "" : "(" + std::to_string(leftOut) + " lines left out)\n";
+    text += line.substr(0, longestLine) + "\n";
+    pollfd out{STDOUT_FILENO, POLLOUT, 0};
+    if (::poll(&out, 1, 0) != 1 || ::write(STDOUT_FILENO, text.data(), text.size()) < 0) {
+        ++leftOut;
+    } else {
+        leftOut = 0;
+    }
 }
 
 /// Without a path of its own a simulator goes on when its socket cannot be: in another network

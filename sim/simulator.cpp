@@ -88,6 +88,7 @@ ReplyPlan Simulator::handle(std::string_view message) {
     exchange.id = ++m_lastId;
     FaultRule rule;
     const bool struck = m_faults.take(request.object, request.command, rule);
+    nameCaller(rule, request.hccId);
     std::string methodReturn;
     if (struck && !faultNamed(rule.fault).runsCommand) {
         exchange.outcome = "not run";

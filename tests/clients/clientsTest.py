@@ -24,7 +24,7 @@ import sys
 import unittest
 from xml.etree import ElementTree
 
-import harness
+from arraySimulator import ArraySimulator
 import soap
 import webServer
 
@@ -151,7 +151,7 @@ class ClientsTest(unittest.TestCase):
     def setUpClass(cls):
         running = contextlib.ExitStack()
         cls.addClassCleanup(running.close)
-        _, port = running.enter_context(harness.simulator())
+        port = running.enter_context(ArraySimulator()).port
         cls.server = webServer.WebServer(api_manager_port=port).start()
         cls.addClassCleanup(cls.server.stop)
 

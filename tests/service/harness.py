@@ -1,34 +1,36 @@
-"""What a service test starts from: a web server with the plug-in and a scripted API manager.
+"""What a service test starts from: a web server with the plug-in, and the array simulator
+as its API manager.
 
     class PingTest(harness.ServiceCase):
         def test_answers(self):
             reply = self.server.post(soap.PING)
             self.assertTrue(soap.answered(reply, "Ping"))
-            (request,) = self.manager.take_requests()
+            (request,) = self.array.take_requests()
 
-Server and API manager live for one class. When the class ends, any report of a sanitizer, any
+Server and simulator live for one class. When the class ends, any report of a sanitizer, any
 leak and any crash of a child process fails it.
 """
 
-import contextlib
-import subprocess
 import threading
 import unittest
 
-from apiManager import ApiManager
-from webServer import SIMULATOR, WebServer
+from arraySimulator import ArraySimulator
+from webServer import WebServer
 
 
 class ServiceCase(unittest.TestCase):
-    """Class attributes say what is started; `server_options` go to WebServer."""
+    """Class attributes say what is started; `server_options` go to WebServer, the others to the
+    simulator. It is lenient, so that each operation can be called by itself."""
     mpm = "event"
     server_options = {}
+    simulator_arguments = ["--lenient", "--show-keys"]
+    simulator_files = {}
 
     @classmethod
     def setUpClass(cls):
-        cls.manager = ApiManager()
-        cls.addClassCleanup(lambda: cls.manager.stop())
-        cls.server = WebServer(mpm=cls.mpm, api_manager_port=cls.manager.port,
+        cls.array = ArraySimulator(*cls.simulator_arguments, **cls.simulator_files)
+        cls.addClassCleanup(cls.array.stop)
+        cls.server = WebServer(mpm=cls.mpm, api_manager_port=cls.array.port,
                                **cls.server_options)
         cls.addClassCleanup(cls.server.stop)
         cls.server.start()
@@ -37,21 +39,3 @@ class ServiceCase(unittest.TestCase):
         """A function that gives the texts that went to the system log since this call."""
         before = len(self.server.syslog())
         return lambda: [text for _, _, text in self.server.syslog()[before:]]
-
-
-@contextlib.contextmanager
-def simulator(*arguments):
-    """Runs the array simulator on a free port; gives (process, port)."""
-    process = subprocess.Popen([SIMULATOR, "--port", "0", *arguments], text=True,
-                               stdout=subprocess.PIPE)
-    port = int(process.stdout.readline().rpartition(":")[2])
-    # It prints a line for each call, and would stop at a full pipe.
-    reader = threading.Thread(target=process.stdout.read)
-    reader.start()
-    try:
-        yield process, port
-    finally:
-        process.terminate()
-        process.wait(timeout=30)
-        reader.join()
-        process.stdout.close()

@@ -6,7 +6,7 @@ import os
 import subprocess
 import unittest
 
-import harness
+from arraySimulator import ArraySimulator
 from webServer import BUILD, WebServer
 
 SANCTL = BUILD / "client" / "sanctl"
@@ -20,8 +20,7 @@ class LifecycleTest(unittest.TestCase):
                               capture_output=True, check=False)
 
     def setUp(self):
-        _, port = self.enterContext(harness.simulator())
-        server = WebServer(api_manager_port=port)
+        server = WebServer(api_manager_port=self.enterContext(ArraySimulator()).port)
         self.addCleanup(server.stop)
         server.start()
         self.url = f"http://127.0.0.1:{server.port}/sanService"

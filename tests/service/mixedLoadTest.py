@@ -8,7 +8,7 @@ import contextlib
 import re
 import unittest
 
-import apiManager
+import arraySimulator
 import harness
 import soap
 from operations import OPERATIONS, SCSI
@@ -17,12 +17,9 @@ CONNECTIONS = 32
 REQUESTS = 5000
 
 
-def answer_with_own_id(request):
-    """Success whose SCSI identity, or refusal whose text, names the cluster that asked."""
-    hcc_id = request.header["hccId"]
-    if "<Command>HccAttachVolume<" in request.document:
-        return apiManager.success(SCSI.replace("o-dev", hcc_id))
-    return apiManager.failure(f"refused {hcc_id}")
+# A success whose SCSI identity, or a refusal whose text, names the cluster that asked.
+ATTACHED = arraySimulator.success(SCSI.replace("o-dev", "{hccId}"))
+REFUSED = "refused {hccId}"
 
 
 class MixedLoadTest(harness.ServiceCase):
@@ -31,7 +28,8 @@ class MixedLoadTest(harness.ServiceCase):
     server_options = {"threads": 2 * CONNECTIONS}
 
     def test_replies_belong_to_their_requests(self):
-        self.manager.answer = apiManager.choose(answer_with_own_id)
+        self.array.answer(ATTACHED, command="HccAttachVolume", count=0)
+        self.array.fail("refuse", error=REFUSED, count=0)
         rows = [row for row in OPERATIONS if row.name != "Ping"]
 
         def run(worker):
@@ -50,8 +48,7 @@ class MixedLoadTest(harness.ServiceCase):
         with concurrent.futures.ThreadPoolExecutor(CONNECTIONS) as pool:
             wrong = [row for part in pool.map(run, range(CONNECTIONS)) for row in part]
         self.assertEqual(wrong[:3], [])
-        arrived = collections.Counter(request.header["hccId"]
-                                      for request in self.manager.take_requests())
+        arrived = collections.Counter(request.hcc_id for request in self.array.take_requests())
         self.assertEqual(arrived, {f"id-{number}-": 1 for number in range(REQUESTS)})
 
 

@@ -12,7 +12,9 @@ SCSI = ("<ReturnMethodObject><NorvaneScsiInformation>"
         "<OriginalScsiDeviceId>o-dev</OriginalScsiDeviceId>"
         "<OriginalScsiSerialNumber>o-ser</OriginalScsiSerialNumber>"
         "</NorvaneScsiInformation></ReturnMethodObject>")
-PLAIN = "<ReturnBool>True</ReturnBool>"
+# The volume of the rows below, with these identities, for the simulator's seed.
+VOLUME = {"id": "B", "original": {"deviceId": "o-dev", "serialNumber": "o-ser"},
+          "alias": {"deviceId": "a-dev", "serialNumber": "a-ser"}}
 
 
 @dataclasses.dataclass
@@ -22,7 +24,6 @@ class Operation:
     attributes: str             # what stands in the request document's Attributes
     reply: str = RESULT         # what stands in the response's wrapper
     command: str = ""           # the API method, where it has another name
-    value: str = PLAIN          # what the API manager returns
     hcc_id: str = "c1"
 
     @property
@@ -94,7 +95,7 @@ OPERATIONS = [
         "<HccId>c1</HccId><VolumeId>B</VolumeId>",
         "<origScsiInfo><deviceId>o-dev</deviceId><serialNumber>o-ser</serialNumber>"
         "</origScsiInfo><aliasScsiInfo><deviceId>a-dev</deviceId>"
-        "<serialNumber>a-ser</serialNumber></aliasScsiInfo>", value=SCSI),
+        "<serialNumber>a-ser</serialNumber></aliasScsiInfo>"),
     Operation("HccDetachVolume",
               "<hccId>c1</hccId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>",
               "<HccId>c1</HccId><VolumeId>B</VolumeId>"),

@@ -4,17 +4,18 @@ that fails."""
 
 import re
 import socket
-import struct
 import unittest
 from xml.sax.saxutils import escape
 
-import apiManager
 import harness
 import soap
-from operations import ADDRESS, OPERATIONS, PLAIN, SCSI, address
+from arraySimulator import reply_document, success
+from operations import ADDRESS, OPERATIONS, SCSI, VOLUME, address
 
 USER, TOKEN = "marker-user:marker-pass", "marker-token"
 HEAD = soap.header(user=USER, token=TOKEN)
+# The only ones that the array accepts.
+ACCEPTED = {"users": [{"user": "marker-user", "password": "marker-pass"}], "tokens": [TOKEN]}
 NO_RETURN = ("Server", "Received Invalid/NULL response from tarn")
 SKIPPED = "AddSan request: IpAddress information not specified"
 
@@ -33,32 +34,49 @@ def wrapper_of(reply):
 
 
 class OperationsTest(harness.ServiceCase):
+    simulator_files = {"credentials": ACCEPTED, "seed": {"volumes": [VOLUME]}}
+
     def tearDown(self):
-        self.manager.answer = apiManager.success()
-        self.manager.take_requests()
+        self.array.reset("faults")
+        self.array.take_requests()
 
     def call(self, body, head=HEAD):
         lines = self.new_log_lines()
         reply = self.server.post(soap.envelope(body, head))
-        return reply, self.manager.take_requests(), [text.rstrip("\n") for text in lines()]
+        return reply, self.array.take_requests(), [text.rstrip("\n") for text in lines()]
 
     def test_each_operation_sends_answers_and_logs(self):
         for row in OPERATIONS:
             with self.subTest(row.name, fields=row.fields):
-                self.manager.answer = apiManager.success(row.value)
                 reply, requests, lines = self.call(row.body)
                 self.assertTrue(soap.answered(reply, row.name), reply.text)
                 self.assertEqual(wrapper_of(reply), row.reply)
                 (request,) = requests
                 self.assertEqual(request.document, row.document)
-                self.assertEqual((request.message_type, request.command_type), (2, 1))
-                self.assertEqual(request.client_address, "127.0.0.1")
-                self.assertEqual(request.header, {
-                    "schemaVersion": "2.3", "credentials": USER.encode(), "authToken": TOKEN,
-                    "hccId": row.hcc_id})
+                self.assertEqual((request.client_address, request.schema_version),
+                                 ("127.0.0.1", "2.3"))
+                self.assertEqual(request.hcc_id, row.hcc_id)
                 self.assertEqual(request.blobs, [])
                 self.assertEqual(lines, [line("Validating soap header"),
                                          line(f"Serving {row.name} request")])
+
+    def test_credentials_and_token_arrive_as_they_are(self):
+        seen, refused = "***", ("Server", "Access denied")
+        rows = [  # credentials, token, what the simulator shows of them, the fault if any
+            (USER, None, (seen, ""), None),
+            (None, TOKEN, ("", seen), None),
+            (USER, TOKEN, (seen, seen), None),
+            (USER + "x", None, (seen, ""), refused),
+            (USER[:-1], TOKEN[:-1], (seen, seen), refused),
+        ]
+        for user, token, shown, fault in rows:
+            with self.subTest(user=user, token=token):
+                reply, (request,), _ = self.call(operation("RemoveServer").body,
+                                                 soap.header(user=user, token=token))
+                self.assertEqual((request.credentials, request.auth_token), shown)
+                self.assertEqual(reply.status, 500 if fault else 200)
+                if fault:
+                    self.assertEqual(soap.fault_of(reply), fault)
 
     def test_the_reply_carries_our_version_and_no_secret(self):
         reply, _, _ = self.call("<ns1:Ping/>", soap.header(version="2.9", user=USER))
@@ -98,64 +116,72 @@ class OperationsTest(harness.ServiceCase):
         self.assertEqual(lines.count(line(SKIPPED)), 1)
 
     def test_text_of_the_api_manager_reaches_the_client(self):
-        for text in ["No such cluster", "tom & <jerry> \"q\" 'a'", "集群 é %s%n", "a&#10;b", ""]:
+        for text in ["No such cluster", "tom & <jerry> \"q\" 'a'", "集群 é %s%n", "a\nb", ""]:
             with self.subTest(text):
-                xml = text if "&#10;" in text else escape(text)
-                self.manager.answer = apiManager.failure(xml)
+                self.array.fail("refuse", command="RemoveServer", error=text)
                 reply, _, lines = self.call(operation("RemoveServer").body)
-                self.assertEqual(soap.fault_of(reply), ("Server", text.replace("&#10;", "\n")))
+                self.assertEqual(soap.fault_of(reply), ("Server", text))
                 self.assertNotIn("<detail>", reply.text)
                 self.assertEqual(len(lines), 2)  # the array's refusals leave no line
 
-    def test_every_way_to_fail_is_answered_and_the_next_request_works(self):
+    def fails_once(self, name, expected):
+        """The attach that the simulator was told to fail, and the one after it."""
+        attach = operation("HccAttachVolume")
+        reply, requests, lines = self.call(attach.body)
+        self.assertEqual((reply.status, soap.fault_of(reply)), (500, expected), name)
+        self.assertEqual(len(requests), 1)
+        if expected == NO_RETURN:
+            self.assertRegex(lines[2], r"^level\(4\) category\(SANService\) message\("
+                             r"Connection error serving san service request\. msg\(.+\)\)$")
+            self.assertEqual(lines[3:], [line("Received NULL response")])
+        else:
+            self.assertEqual(len(lines), 2)
+        again, _, _ = self.call(attach.body)
+        self.assertEqual(wrapper_of(again), attach.reply)
+
+    def test_every_fault_of_the_array_is_answered_and_the_next_request_works(self):
+        # What the simulator promises that the client sees; those that end well, or need a
+        # document of one's own, have rows of their own.
+        for kind in self.array.fault_kinds():
+            promised = re.search(r'receiver fault (?:"([^"]+)"$|"(Failed[^"]+)"|with an empty)',
+                                 kind["clientSees"])
+            if promised is None:
+                self.assertIn(kind["name"], ("refuse", "answer", "delay", "drip"))
+                continue
+            with self.subTest(kind["name"]):
+                self.array.fail(kind["name"], command="HccAttachVolume")
+                self.fails_once(kind["name"],
+                                ("Server", promised.group(1) or promised.group(2) or ""))
+
+    def test_replies_that_are_not_as_they_should_be(self):
         invalid = ("Server", "Invalid content in response message")
         wrong = ("Server", "Invalid response in return XML")
-        good = apiManager.reply_frame(apiManager.method_return(
-            f"<Successful>True</Successful>{PLAIN}"))
-        ret = "<ApiMethodReturn><Successful>True</Successful></ApiMethodReturn>"
-        rows = [
-            *(("closed early", apiManager.close_after(good, count), NO_RETURN)
-              for count in (0, 3, 4, 20)),
-            *(("bad length", apiManager.raw(struct.pack("!I", length) + b"x" * 64), NO_RETURN)
-              for length in (0, 64 * 1024 * 1024 + 1, 0xFFFFFFFF)),
-            ("garbage", apiManager.raw(apiManager.frame(b"\xff" * 40)), NO_RETURN),
-            ("empty message", apiManager.raw(apiManager.frame(b"\x08\x03")), invalid),
-            ("message type", apiManager.document("<compapi/>", message_type=2), invalid),
-            ("command type", apiManager.document("<compapi/>", command_type=2), invalid),
-            ("bad XML", apiManager.document("<compapi><a></compapi>"), invalid),
-            ("document type", apiManager.document("<!DOCTYPE a><compapi/>"), invalid),
-            ("other root", apiManager.document(f"<other>{ret}</other>"), wrong),
-            ("no return", apiManager.document("<compapi/>"), wrong),
-            ("two returns", apiManager.document(f"<compapi>{ret}{ret}</compapi>"), wrong),
-            ("no value", apiManager.document(f"<compapi>{ret}</compapi>"), wrong),
-            ("no texts", apiManager.document(apiManager.method_return(
-                "<Successful>False</Successful>")), ("Server", "")),
-            ("texts", apiManager.failure("E", "ParsingError", "D", "L"), ("Server", "E")),
-            ("no object", apiManager.success(PLAIN), ("Server", "Failed to attach volume")),
-            ("other object", apiManager.success(
-                f"<ReturnMethodObject>{ADDRESS.format('10.0.0.1', 1)}</ReturnMethodObject>"),
-             ("Server", "Failed to attach volume")),
-            ("unknown object", apiManager.success(
-                "<ReturnMethodObject><Unheard/></ReturnMethodObject>"),
-             ("Server", "Failed to attach volume")),
-            ("array", apiManager.success(SCSI.replace("MethodObject>", "MethodObjectArray>")),
-             ("Server", "Failed to attach volume")),
+        failed = ("Server", "Failed to attach volume")
+        rows = [  # fault, its members, what the client gets
+            *(("closeEarly", {"bytes": count}, NO_RETURN) for count in (3, 4, 20)),
+            ("refuse", {"error": "E", "code": "ParsingError", "detail": "D"}, ("Server", "E")),
+            *(("answer", {"document": document}, expected) for document, expected in [
+                ("<compapi><a></compapi>", invalid),
+                ("<!DOCTYPE a><compapi/>", invalid),
+                ("<compapi/>", wrong),
+                (success("<ReturnMethodObject><Unheard/></ReturnMethodObject>"), failed),
+                (success(SCSI.replace("MethodObject>", "MethodObjectArray>")), failed),
+                (reply_document("<Successful>no</Successful><ErrorCode>8</ErrorCode>"),
+                 ("Server", "")),
+            ]),
         ]
+        for fault, members, expected in rows:
+            with self.subTest(fault, **members):
+                self.array.fail(fault, command="HccAttachVolume", **members)
+                self.fails_once(fault, expected)
+
+    def test_a_late_or_slow_answer_is_the_answer(self):
         attach = operation("HccAttachVolume")
-        for name, answer, fault in rows:
-            with self.subTest(name):
-                self.manager.answer = [answer, apiManager.success(SCSI)]
-                reply, requests, lines = self.call(attach.body)
-                self.assertEqual((reply.status, soap.fault_of(reply)), (500, fault))
-                self.assertEqual(len(requests), 1)
-                if fault == NO_RETURN:
-                    self.assertRegex(lines[2], r"^level\(4\) category\(SANService\) message\("
-                                     r"Connection error serving san service request\. msg\(.+\)\)$")
-                    self.assertEqual(lines[3:], [line("Received NULL response")])
-                else:
-                    self.assertEqual(len(lines), 2)
-                again, _, _ = self.call(attach.body)
-                self.assertEqual(wrapper_of(again), attach.reply)
+        for fault, members in (("delay", {"delayMs": 300}), ("drip", {"intervalMs": 1})):
+            with self.subTest(fault):
+                self.array.fail(fault, command="HccAttachVolume", **members)
+                reply, _, _ = self.call(attach.body)
+                self.assertEqual(wrapper_of(reply), attach.reply)
 
     def test_client_text_stays_inside_its_element_and_its_line(self):
         escaped = {"markup": "</HccId><SanId>x</SanId>", "per cent": "%s%n%d", "quotes": "\"'&",
@@ -176,7 +202,7 @@ class OperationsTest(harness.ServiceCase):
                 if arrives is not None:
                     expected = escape(arrives, {'"': "&quot;", "'": "&apos;"})
                     self.assertEqual(value, expected)
-                    self.assertEqual(request.header["hccId"], arrives)
+                    self.assertEqual(request.hcc_id, arrives)
                 self.assertEqual(len(lines), 2)
 
     def test_odd_bodies_are_answered(self):
@@ -188,7 +214,7 @@ class OperationsTest(harness.ServiceCase):
                 body = soap.envelope(remove, HEAD).encode().replace(b"{}", text)
                 reply = self.server.post(body)
                 self.assertIn(reply.status, (200, 500))
-                for request in self.manager.take_requests():
+                for request in self.array.take_requests():
                     self.assertEqual(request.document.count("<HccId>"), 1)
         for version in ("3%s%n", "3&#10;level(0) forged"):
             _, _, lines = self.call("<ns1:Ping/>", soap.header(version=version))

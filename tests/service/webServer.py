@@ -1,6 +1,6 @@
 """A private Apache httpd for one test: loopback, a free port, its own directory, no privileges.
 
-    server = WebServer(mpm="prefork", api_manager_port=manager.port)
+    server = WebServer(mpm="prefork", api_manager_port=array.port)
     server.start()
     reply = server.post(soap.envelope("<ns1:Ping/>"))
     server.stop()          # raises when a sanitizer reported something or a child crashed
