@@ -23,7 +23,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
 sys.path.insert(0, str(ROOT / "tests" / "service"))
 
-import apiManager  # noqa: E402
+from arraySimulator import ArraySimulator  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
 
@@ -65,9 +65,9 @@ def main():
     arguments = parser.parse_args()
     # With no thread idle the server closes kept-alive connections; a process has but one.
     threads = CONNECTIONS if arguments.mpm == "prefork" else 2 * CONNECTIONS
-    with apiManager.ApiManager() as manager:
+    with ArraySimulator() as array:
         server = webServer.WebServer(mpm=arguments.mpm, threads=threads,
-                                     api_manager_port=manager.port)
+                                     api_manager_port=array.port)
         server.start()
         sizes = [measure(server, 0)]
         try:

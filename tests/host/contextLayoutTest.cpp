@@ -1,0 +1,37 @@
+// A context crosses from the module's C into the engine's library and the plug-in's C++.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "host/include/soapInterface.h"
+#include "tests/host/contextInC.h"
+#include "tests/host/contextMembers.h"
+
+TEST(ContextLayout, IsTheSameInBothLanguages) {
+    const contextMember* inC = contextMembersInC();
+    for (const contextMember& member : contextMembers) {
+        ASSERT_STREQ(inC->name, member.name);
+        EXPECT_EQ(inC->offset, member.offset) << (member.name ? member.name : "size");
+        ++inC;
+    }
+}
+
+// The library was built elsewhere: what it sets must lie where the headers say, from the first
+// member to the last that it sets, and nothing behind the whole.
+TEST(ContextLayout, IsTheLibrarysOwn) {
+    constexpr size_t guardSize = 4096;
+    constexpr unsigned char filler = 0xA5;
+    const auto room = std::make_unique<unsigned char[]>(sizeof(struct soap) + guardSize);
+    std::memset(room.get(), filler, sizeof(struct soap) + guardSize);
+    auto* context = reinterpret_cast<struct soap*>(room.get());
+    soap_init(context);
+    EXPECT_EQ(context->state, SOAP_INIT);
+    EXPECT_EQ(context->socket, SOAP_INVALID_SOCKET);
+    constexpr int usualCompression = 6;
+    EXPECT_EQ(context->z_level, usualCompression);
+    for (size_t at = 0; at < guardSize; ++at)
+        ASSERT_EQ(room[sizeof(struct soap) + at], filler);
+    soap_done(context);
+}
