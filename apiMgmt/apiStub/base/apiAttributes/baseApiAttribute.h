@@ -41,7 +41,8 @@ public:
         bool m_firstFlag;
         bool m_secondFlag;
         std::string m_displayName;
-        [[maybe_unused]] const void* m_reserved = nullptr;  // a slot of the record's form; never used
+        // A slot of the record's form; never used.
+        [[maybe_unused]] const void* m_reserved = nullptr;
     };
 
     /// Owns `properties`. Throws APIMethodError when they are null.
