@@ -91,7 +91,7 @@ ReplyPlan Simulator::handle(std::string_view message) {
     nameCaller(rule, request.hccId);
     std::string methodReturn;
     if (struck && !faultNamed(rule.fault).runsCommand) {
-        exchange.outcome = "not run";
+        exchange.outcome = rule.fault == "refuse" ? "refused: " + rule.error : "not run";
     } else if (!unreadable.empty()) {
         exchange.outcome = "refused: " + unreadable;
         methodReturn = failureReturn(

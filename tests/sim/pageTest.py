@@ -79,7 +79,7 @@ class PageTest(unittest.TestCase):
         self.assertEqual([button.text for button in buttons],
                          [tag.text for tag in self.page.find_elements(By.CSS_SELECTOR, "#rules .tag")])
         self.assertEqual(wire.call(self.port, "Ping").error, "Not today")
-        self.wait("#exchanges li:first-child", "not run")
+        self.wait("#exchanges li:first-child", "Not today")
         self.wait("#ruleCount", str(len(buttons) - 1))
         self.find("#rules li:last-child button").click()
         self.wait("#ruleCount", str(len(buttons) - 2))
