@@ -5,6 +5,9 @@
 // gives it every file as it is, then N inputs made by mutating them. The same seed (default 1)
 // makes the same inputs, so that a failing run can be repeated. What fails is in the file
 // crash-TARGET of the current directory afterwards.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -105,8 +108,35 @@ void collect(const std::filesystem::path& path, std::vector<std::string>& seeds)
     }
 }
 
-void run(const std::string& crashFile, const std::string& input) {
-    std::ofstream(crashFile, std::ios::binary | std::ios::trunc) << input;
+/// Holds the input that runs, so that it is there when the process dies of it. Kept open, since
+/// opening a file for every input would take longer than most inputs do.
+class CrashFile {
+public:
+    explicit CrashFile(std::string path)
+        : m_path(std::move(path)),
+          m_fd(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644)) {}
+    CrashFile(const CrashFile&) = delete;
+    CrashFile& operator=(const CrashFile&) = delete;
+    ~CrashFile() {
+        ::close(m_fd);
+        std::filesystem::remove(m_path);
+    }
+
+    void hold(const std::string& input) const {
+        const auto size = static_cast<ssize_t>(input.size());
+        if (::ftruncate(m_fd, 0) != 0 || ::pwrite(m_fd, input.data(), input.size(), 0) != size) {
+            std::cerr << "cannot keep the input in " << m_path << '\n';
+            std::exit(1);
+        }
+    }
+
+private:
+    std::string m_path;
+    int m_fd;
+};
+
+void run(const CrashFile& crashFile, const std::string& input) {
+    crashFile.hold(input);
     // A copy of the exact size on the heap, so that a read beyond it is seen.
     const std::vector<std::uint8_t> bytes(input.begin(), input.end());
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
@@ -130,7 +160,7 @@ int main(int argc, char** argv) {
         std::cerr << "no input files\n";
         return 64;
     }
-    const std::string crashFile = "crash-" + std::filesystem::path(argv[0]).filename().string();
+    const CrashFile crashFile("crash-" + std::filesystem::path(argv[0]).filename().string());
     for (const std::string& input : seeds) {
         run(crashFile, input);
     }
@@ -138,7 +168,6 @@ int main(int argc, char** argv) {
     for (std::uint64_t i = 0; i < runs; ++i) {
         run(crashFile, mutate(random, seeds));
     }
-    std::filesystem::remove(crashFile);
     std::cout << seeds.size() << " files, " << runs << " mutated inputs\n";
     return 0;
 }
