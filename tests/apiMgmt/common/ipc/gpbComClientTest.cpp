@@ -14,8 +14,8 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/generalUtils.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
-#include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "tests/support/fakeServiceDatabase.h"
+#include "tests/support/replyMessage.h"
 #include "tests/support/scriptedPeer.h"
 
 namespace {
@@ -29,33 +29,17 @@ GPBIPCMsg makeRequest(const std::string& document = "<compapi></compapi>") {
     return request;
 }
 
-GPBIPCMsg makeReply(const std::string& document) {
-    GPBIPCMsg reply;
-    reply.set_msgtype(protoIPCMsg::IPC_API_RESPONSE);
-    reply.mutable_apirespmsg()->mutable_cmdrespmsg()->set_responsedocument(document);
-    return reply;
-}
-
-std::string documentOfSize(std::size_t size) {
-    std::string document = "d";
-    document.resize(size, 'x');
-    return document;
-}
-
-std::string frameOf(const GPBIPCMsg& message) {
+std::string replyFrame(const std::string& document) {
     std::string frame;
-    EXPECT_TRUE(ipcFraming::encodeFrame(message, frame));
+    EXPECT_TRUE(ipcFraming::encodeFrame(replyWith(document), frame));
     return frame;
 }
 
-const std::string& documentOf(const GPBIPCMsg& reply) {
-    return reply.apirespmsg().cmdrespmsg().responsedocument();
-}
-
-GPBIPCMsg exchange(int port, const GPBIPCMsg& request) {
+/// The reply's document.
+std::string exchange(int port, const GPBIPCMsg& request = makeRequest()) {
     GPBIPCMsg reply;
     GPBComClient(GPBComEndpoint("127.0.0.1", port)).SendReceiveMessage(request, reply);
-    return reply;
+    return reply.apirespmsg().cmdrespmsg().responsedocument();
 }
 
 /// The failure's text; empty when the exchange succeeds.
@@ -77,27 +61,17 @@ TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
         GPBIPCMsg request;
         ipcFraming::parseMessage(ScriptedPeer::receive(fd), request);
         const auto& document = request.apireqmsg().cmdreqmsg().requestdocument();
-        ScriptedPeer::send(fd, frameOf(makeReply(document)));
+        ScriptedPeer::send(fd, replyFrame(document));
     });
     // Around the sizes of the reader's first buffer and of the socket's.
     for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
-        const std::string document = documentOfSize(size);
-        EXPECT_TRUE(documentOf(exchange(peer.port(), makeRequest(document))) == document) << size;
+        const std::string document = std::string(size, 'x');
+        EXPECT_TRUE(exchange(peer.port(), makeRequest(document)) == document) << size;
     }
 }
 
-TEST(GpbComClientTest, TakesReplyInSingleBytes) {
-    ScriptedPeer peer([](int fd) {
-        ScriptedPeer::receive(fd);
-        for (const char byte : frameOf(makeReply("piece by piece"))) {
-            ScriptedPeer::send(fd, std::string(1, byte));
-        }
-    });
-    EXPECT_EQ(documentOf(exchange(peer.port(), makeRequest())), "piece by piece");
-}
-
 TEST(GpbComClientTest, FailsWhenPeerClosesBeforeAWholeReply) {
-    const std::string frame = frameOf(makeReply("cut"));
+    const std::string frame = replyFrame("cut");
     std::atomic<std::size_t> offset = 0;
     ScriptedPeer peer([&](int fd) {
         ScriptedPeer::receive(fd);
@@ -112,34 +86,29 @@ TEST(GpbComClientTest, FailsWhenPeerClosesBeforeAWholeReply) {
     EXPECT_LE(openDescriptors(), before + 1);
 }
 
-struct BadReply {
-    std::string bytes;
-    const char* failure;
-};
-
-class BadReplyTest : public testing::TestWithParam<BadReply> {};
-
-TEST_P(BadReplyTest, RaisesSocketError) {
-    ScriptedPeer peer([](int fd) {
-        ScriptedPeer::receive(fd);
-        ScriptedPeer::send(fd, GetParam().bytes);
-    });
-    const std::string expected =
-        "127.0.0.1:" + std::to_string(peer.port()) + ": " + GetParam().failure;
-    EXPECT_EQ(failureOf(peer.port()), expected);
+TEST(GpbComClientTest, RaisesBadReplies) {
+    const struct {
+        std::string bytes, failure;
+    } cases[] = {
+        // clang-format off
+        {std::string("\0\0\0\0", 4),                "Reply of a bad length"},
+        {std::string("\x04\0\0\x01", 4),            "Reply of a bad length"},
+        {"\xff\xff\xff\xff",                        "Reply of a bad length"},
+        {"HTTP/1.1 400 Bad Request\r\n\r\n",        "Reply of a bad length"},
+        {std::string("\x04\0\0\0", 4),              "Connection closed before a whole reply"},
+        {std::string("\0\0\0\x05\xff\xff\xff\xff\xff", 9), "Reply is not a message"},
+        {std::string("\0\0\0\x02\x1a\x7f", 6),      "Reply is not a message"},
+        // clang-format on
+    };
+    for (const auto& test : cases) {
+        ScriptedPeer peer([&](int fd) {
+            ScriptedPeer::receive(fd);
+            ScriptedPeer::send(fd, test.bytes);
+        });
+        EXPECT_EQ(failureOf(peer.port()),
+                  "127.0.0.1:" + std::to_string(peer.port()) + ": " + test.failure);
+    }
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Replies, BadReplyTest, testing::Values(
-    BadReply{std::string("\0\0\0\0", 4),                "Reply of a bad length"},
-    BadReply{std::string("\x04\0\0\x01", 4),            "Reply of a bad length"},
-    BadReply{"\xff\xff\xff\xff",                        "Reply of a bad length"},
-    BadReply{"HTTP/1.1 400 Bad Request\r\n\r\n",        "Reply of a bad length"},
-    BadReply{std::string("\x04\0\0\0", 4),              "Connection closed before a whole reply"},
-    BadReply{std::string("\0\0\0\x05\xff\xff\xff\xff\xff", 9), "Reply is not a message"},
-    BadReply{std::string("\0\0\0\x02\x1a\x7f", 6),      "Reply is not a message"}
-));
-// clang-format on
 
 TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
     const ClosedPort nobody;
@@ -147,7 +116,7 @@ TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });
-    const GPBIPCMsg longRequest = makeRequest(documentOfSize(32'000'000));
+    const GPBIPCMsg longRequest = makeRequest(std::string(32'000'000, 'x'));
     EXPECT_NE(failureOf(peer.port(), longRequest), "");
 }
 
@@ -155,20 +124,20 @@ TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
     std::atomic<int> connections = 0;
     ScriptedPeer peer([&](int) { ++connections; });
     EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
-    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::maxBodySize))), "");
+    EXPECT_NE(failureOf(peer.port(), makeRequest(std::string(ipcFraming::maxBodySize, 'x'))), "");
     EXPECT_NE(failureOf(0), "");
     EXPECT_NE(failureOf(65536), "");
     EXPECT_EQ(connections, 0);
 }
 
-TEST(GpbComClientTest, WaitsOnThroughSignals) {
+TEST(GpbComClientTest, TakesReplyInSingleBytesThroughSignals) {
     struct sigaction interrupting {};
     interrupting.sa_handler = [](int) {};  // without SA_RESTART
     struct sigaction before {};
     ASSERT_EQ(sigaction(SIGUSR1, &interrupting, &before), 0);
 
     const pthread_t waiting = pthread_self();
-    const std::string frame = frameOf(makeReply("at last"));
+    const std::string frame = replyFrame("at last");
     ScriptedPeer peer([&](int fd) {
         ScriptedPeer::receive(fd);
         for (const char byte : frame) {
@@ -177,7 +146,7 @@ TEST(GpbComClientTest, WaitsOnThroughSignals) {
             ScriptedPeer::send(fd, std::string(1, byte));
         }
     });
-    EXPECT_EQ(documentOf(exchange(peer.port(), makeRequest())), "at last");
+    EXPECT_EQ(exchange(peer.port()), "at last");
     sigaction(SIGUSR1, &before, nullptr);
 }
 

@@ -37,164 +37,119 @@ TEST(StringUtilFormat, ConversionThatFailsIsNamed) {
               "Error in format string: \"a %ls b\"");
 }
 
-TEST(StringUtilSplit, ByText) {
+TEST(StringUtilSplit, ByTextAndByCharacter) {
+    constexpr int kByCharacter = -1;  // which drops the empty end
     const struct {
         std::string text, delimiter;
-        unsigned long maxParts;
+        int maxParts;
         Strings expected;
     } cases[] = {
-        {"", ",", 0, {}},
-        {"a", ",", 0, {"a"}},
-        {"a,b,", ",", 0, {"a", "b", ""}},
-        {",,a", ",", 0, {"", "", "a"}},
-        {"a--b---c", "--", 0, {"a", "b", "-c"}},
-        {"a:b:c:d", ":", 1, {"a:b:c:d"}},
-        {"a:b:c:d", ":", 2, {"a", "b:c:d"}},
-        {"a:b", ":", 2, {"a", "b"}},
-        {"a:", ":", 2, {"a", ""}},
-        {"a:b:", ":", 2, {"a", "b:"}},
-        {"a:b", ":", 9, {"a", "b"}},
+        // clang-format off
+        {"",         ",",  0, {}},                {"a",       ",", 0, {"a"}},
+        {"a,b,",     ",",  0, {"a", "b", ""}},    {",,a",     ",", 0, {"", "", "a"}},
+        {"a--b---c", "--", 0, {"a", "b", "-c"}},  {"a:b:c:d", ":", 1, {"a:b:c:d"}},
+        {"a:b:c:d",  ":",  2, {"a", "b:c:d"}},    {"a:b",     ":", 2, {"a", "b"}},
+        {"a:",       ":",  2, {"a", ""}},         {"a:b:",    ":", 2, {"a", "b:"}},
+        {"a:b",      ":",  9, {"a", "b"}},
+        {"",         ",",  kByCharacter, {}},     {"a,b,",    ",", kByCharacter, {"a", "b"}},
+        {",",        ",",  kByCharacter, {""}},   {"a,,b,,",  ",", kByCharacter, {"a", "", "b", ""}},
+        // clang-format on
     };
     for (const auto& test : cases) {
         Strings out = {"old"};
-        STRINGUtil::SplitString(test.text, test.delimiter, out, test.maxParts);
+        if (test.maxParts == kByCharacter)
+            STRINGUtil::SplitString(test.text, ',', out);
+        else
+            STRINGUtil::SplitString(test.text, test.delimiter, out,
+                                    static_cast<unsigned long>(test.maxParts));
         EXPECT_EQ(out, test.expected) << test.text << " limit " << test.maxParts;
     }
 }
 
-TEST(StringUtilSplit, ByCharacterDropsTheEmptyEnd) {
+TEST(StringUtil, TextsThatMeanTrueOrANumber) {
     const struct {
-        std::string text;
-        Strings expected;
-    } cases[] = {
-        {"", {}},
-        {"a,b,", {"a", "b"}},
-        {"a,,b,,", {"a", "", "b", ""}},
-        {",", {""}},
+        bool (*judge)(const std::string&);
+        Strings accepted, refused;
+    } rows[] = {
+        // clang-format off
+        {STRINGUtil::ConvertStringToBool, {"true", "TRUE", "1", "01", " 1", "1abc"},
+         {"", "2", "yes", "on", "truely", "-1", "11", "4294967297"}},
+        {STRINGUtil::IsNumeric, {"12", "-3.5", "+7", "1e5", " 4", "\n4", "5.", ".5", "007"},
+         {"", "-", "+", "1e", "1e+", " ", ".", "12 ", "1,5", "0x10", "inf", "nan", "1 2", "abc"}},
+        {[](const std::string& text) { return STRINGUtil::StartsWith(text, "2."); }, {"2.1", "2."},
+         {"2", "", "12."}},
+        // clang-format on
     };
-    for (const auto& test : cases) {
-        Strings out = {"old"};
-        STRINGUtil::SplitString(test.text, ',', out);
-        EXPECT_EQ(out, test.expected) << test.text;
+    for (const auto& row : rows) {
+        for (const std::string& text : row.accepted)
+            EXPECT_TRUE(row.judge(text)) << text;
+        for (const std::string& text : row.refused)
+            EXPECT_FALSE(row.judge(text)) << text;
     }
-}
-
-TEST(StringUtil, AddToList) {
-    EXPECT_EQ(STRINGUtil::AddToList("", "x"), "x");
-    EXPECT_EQ(STRINGUtil::AddToList("a", "b"), "a, b");
-    EXPECT_EQ(STRINGUtil::AddToList("a", ""), "a, ");
-}
-
-TEST(StringUtil, StartsWith) {
-    EXPECT_TRUE(STRINGUtil::StartsWith("2.1", "2."));
-    EXPECT_TRUE(STRINGUtil::StartsWith("2.", "2."));
-    for (const auto& [text, prefix] : std::vector<std::pair<std::string, std::string>>{
-             {"2", "2."}, {"", "2."}, {"2.1", ""}, {"12.", "2."}})
-        EXPECT_FALSE(STRINGUtil::StartsWith(text, prefix)) << text << " / " << prefix;
-}
-
-TEST(StringUtil, TextsThatMeanTrue) {
-    for (const char* text : {"true", "TRUE", "1", "01", " 1", "1abc"})
-        EXPECT_TRUE(STRINGUtil::ConvertStringToBool(text)) << text;
-    for (const char* text : {"", "2", "yes", "on", "truely", "-1", "11", "4294967297"})
-        EXPECT_FALSE(STRINGUtil::ConvertStringToBool(text)) << text;
-}
-
-TEST(StringUtil, NumericTexts) {
-    for (const char* text : {"12", "-3.5", "+7", "1e5", " 4", "\n4", "5.", ".5", "007"})
-        EXPECT_TRUE(STRINGUtil::IsNumeric(text)) << text;
-    for (const char* text :
-         {"", "-", "+", "1e", "1e+", " ", ".", "12 ", "1,5", "0x10", "inf", "nan", "1 2", "abc"})
-        EXPECT_FALSE(STRINGUtil::IsNumeric(text)) << text;
-}
-
-TEST(StringUtil, CaseIsIgnoredInOrder) {
+    EXPECT_FALSE(STRINGUtil::StartsWith("2.1", ""));
     EXPECT_EQ(STRINGUtil::Comparecase("AbC", "aBc"), 0);
     EXPECT_LT(STRINGUtil::Comparecase("A", "b"), 0);
     EXPECT_GT(STRINGUtil::Comparecase("b", "A"), 0);
-    EXPECT_EQ(STRINGUtil::ToUpperCase("a\xc3\xa4Z1"), "A\xc3\xa4Z1");
-    EXPECT_EQ(STRINGUtil::ToLowerCase("A\xc3\x84z1"), "a\xc3\x84z1");
 }
 
-TEST(StringUtil, ReplaceAllDoesNotSearchWhatItPutIn) {
-    const struct {
-        std::string text, from, to, expected;
-    } cases[] = {
-        {"a:b:c", ":", "-co-", "a-co-b-co-c"},
-        {"aaa", "a", "aa", "aaaaaa"},
-        {"aaa", "aa", "b", "ba"},
-        {"abc", "x", "y", "abc"},
-        {":", ":", "", ""},
-        {"", ":", "y", ""},
+using Change = std::string (*)(std::string);
+
+template <void (*InPlace)(std::string&)>
+std::string Changed(std::string text) {
+    InPlace(text);
+    return text;
+}
+std::string ToDashes(std::string text) {
+    STRINGUtil::ReplaceAll(text, ":", "-co-");
+    return text;
+}
+std::string ToDoubled(std::string text) {
+    STRINGUtil::ReplaceAll(text, "aa", "aaa");
+    return text;
+}
+
+TEST(StringUtil, TextsAreChanged) {
+    const Change left = Changed<STRINGUtil::TrimLeft>, right = Changed<STRINGUtil::TrimRight>,
+                 both = Changed<STRINGUtil::Trim>;
+    const Change markup = [](std::string text) { return STRINGUtil::EscapeString(text, true); };
+    const Change full = [](std::string text) { return STRINGUtil::EscapeString(text, false); };
+    const Change unMarkup = [](std::string text) { return STRINGUtil::UnEscapeString(text, true); };
+    const Change unFull = [](std::string text) { return STRINGUtil::UnEscapeString(text, false); };
+    const Change upper = [](std::string text) { return STRINGUtil::ToUpperCase(text); };
+    const Change lower = [](std::string text) { return STRINGUtil::ToLowerCase(text); };
+    const Change file = [](std::string text) { return STRINGUtil::ExtractFilenameFromPath(text); };
+    const Change listed = [](std::string text) { return STRINGUtil::AddToList("a", text); };
+    const Change first = [](std::string text) { return STRINGUtil::AddToList("", text); };
+    const Change base36 = [](std::string text) {
+        return STRINGUtil::FormatBase36String(text, '0', 7);
     };
-    for (const auto& test : cases) {
-        std::string text = test.text;
-        STRINGUtil::ReplaceAll(text, test.from, test.to);
-        EXPECT_EQ(text, test.expected) << test.text;
-    }
-}
-
-TEST(StringUtil, TrimmingTakesSixCharacters) {
     const struct {
-        std::string text, left, right, both;
+        Change change;
+        std::string text, expected;
     } cases[] = {
-        {" \f\n\r\t\vx y \f\n\r\t\v", "x y \f\n\r\t\v", " \f\n\r\t\vx y", "x y"},
-        {" \t ", "", "", ""},
-        {"", "", "", ""},
-        {"\xc2\xa0x\b", "\xc2\xa0x\b", "\xc2\xa0x\b", "\xc2\xa0x\b"},
+        // clang-format off
+        {first, "x", "x"},                  {listed, "b", "a, b"},             {listed, "", "a, "},
+        {upper, "a\xc3\xa4Z1", "A\xc3\xa4Z1"},                                {lower, "A\xc3\x84z1", "a\xc3\x84z1"},
+        {file, "/a/b.cpp", "b.cpp"},        {file, "a/", ""},                  {file, "plain", "plain"},
+        {ToDashes, "a:b:c", "a-co-b-co-c"}, {ToDashes, "abc", "abc"},          {ToDashes, "", ""},
+        {ToDoubled, "aaaaa", "aaaaaaa"},    {ToDoubled, "aa", "aaa"},
+        {left, " \f\n\r\t\vx y ", "x y "}, {right, " x y \f\n\r\t\v", " x y"}, {both, " \f\n\r\t\vx y \f\n\r\t\v", "x y"},
+        {left, " \t ", ""},                 {right, " \t ", ""},               {both, " \t ", ""},
+        {left, "\xc2\xa0x", "\xc2\xa0x"},   {right, "x\b", "x\b"},            {both, "", ""},
+        {markup, "a<b>c", "a&lt;b&gt;c"},   {full, "a<b>c", "a&lt;b&gt;c"},    {markup, "&'\"", "&'\""},
+        {full, "&'\"", "&amp;&apos;&quot;"}, {full, "&lt;", "&amp;lt;"},      {markup, "&lt;", "&lt;"},
+        {markup, "\t\r\n\x1f\0"s, "\t\r\n\x1f\0"s},                          {full, "", ""},
+        {full, "\t\r\n\x1f\0"s, "&#x0a;&#x0a;&#x0a;&#x0a;&#x0a;"},            {full, "\x20\x7f\x80\xff", "\x20\x7f\x80\xff"},
+        {unMarkup, "&lt;&gt;&amp;&quot;&apos;", "<>&amp;&quot;&apos;"},        {unFull, "&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},
+        {unMarkup, "&amp;lt;", "&amp;lt;"}, {unFull, "&amp;lt;", "&lt;"},      {unFull, "&#x0a;&nbsp;&LT;", "&#x0a;&nbsp;&LT;"},
+        {unMarkup, "a&lt", "a&lt"},         {unFull, "a&apos", "a&apos"},      {unMarkup, "&&lt;", "&<"},
+        {unFull, "&&lt;", "&<"},            {unFull, "&", "&"},                {unFull, "", ""},
+        {base36, "1a2", "00001A2"},         {base36, "zz345678", "ZZ345678"},  {base36, "", ""},
+        {base36, "a-b", ""},                {base36, "a b", ""},               {base36, "\xc3\xa4", ""},
+        // clang-format on
     };
-    for (const auto& test : cases) {
-        std::string left = test.text, right = test.text, both = test.text;
-        STRINGUtil::TrimLeft(left);
-        STRINGUtil::TrimRight(right);
-        STRINGUtil::Trim(both);
-        EXPECT_EQ(left, test.left);
-        EXPECT_EQ(right, test.right);
-        EXPECT_EQ(both, test.both);
-    }
-}
-
-TEST(StringUtilEscape, Escaped) {
-    const struct {
-        std::string text, markup, full;
-    } cases[] = {
-        {"", "", ""},
-        {"a<b>c", "a&lt;b&gt;c", "a&lt;b&gt;c"},
-        {"&'\"", "&'\"", "&amp;&apos;&quot;"},
-        {"\t", "\t", "&#x0a;"},
-        {"\r\n\x1f\0"s, "\r\n\x1f\0"s, "&#x0a;&#x0a;&#x0a;&#x0a;"},
-        {"\x20\x7f\x80\xff", "\x20\x7f\x80\xff", "\x20\x7f\x80\xff"},
-        {"&lt;", "&lt;", "&amp;lt;"},
-    };
-    for (const auto& test : cases) {
-        EXPECT_EQ(STRINGUtil::EscapeString(test.text, true), test.markup);
-        EXPECT_EQ(STRINGUtil::EscapeString(test.text, false), test.full);
-    }
-}
-
-TEST(StringUtilEscape, Unescaped) {
-    const struct {
-        std::string text, markup, full;
-    } cases[] = {
-        {"&lt;&gt;&amp;&quot;&apos;", "<>&amp;&quot;&apos;", "<>&\"'"},
-        {"&amp;lt;", "&amp;lt;", "&lt;"},
-        {"&#x0a;&nbsp;&LT;", "&#x0a;&nbsp;&LT;", "&#x0a;&nbsp;&LT;"},
-        {"a&lt", "a&lt", "a&lt"},
-        {"a&apos", "a&apos", "a&apos"},
-        {"&&lt;", "&<", "&<"},
-        {"&", "&", "&"},
-        {"", "", ""},
-    };
-    for (const auto& test : cases) {
-        EXPECT_EQ(STRINGUtil::UnEscapeString(test.text, true), test.markup) << test.text;
-        EXPECT_EQ(STRINGUtil::UnEscapeString(test.text, false), test.full) << test.text;
-    }
-}
-
-TEST(StringUtil, FileNameIsWhatFollowsTheLastSlash) {
-    EXPECT_EQ(STRINGUtil::ExtractFilenameFromPath("/a/b.cpp"), "b.cpp");
-    EXPECT_EQ(STRINGUtil::ExtractFilenameFromPath("a/"), "");
-    EXPECT_EQ(STRINGUtil::ExtractFilenameFromPath("plain"), "plain");
+    for (const auto& test : cases)
+        EXPECT_EQ(test.change(test.text), test.expected) << test.text;
 }
 
 TEST(StringUtilSafeStrncpy, EndsTheTextWithinTheSize) {
@@ -206,19 +161,16 @@ TEST(StringUtilSafeStrncpy, EndsTheTextWithinTheSize) {
         {"abc", 1, "\0xxxxxxx"s}, {nullptr, 5, "\0xxxxxxx"s}, {"abc", 3, "ab\0xxxxx"s},
         {"abc", 4, "abc\0xxxx"s}, {"abc", 6, "abc\0\0\0xx"s}, {"abcdefgh", 8, "abcdefg\0"s},
     };
+    std::string bytes(8, 'x');
+    const char* untouched = STRINGUtil::SafeStrncpy(bytes.data(), "abc", 0);
+    EXPECT_NE(untouched, bytes.data());
+    EXPECT_STREQ(untouched, "");
+    EXPECT_EQ(bytes, "xxxxxxxx");
     for (const auto& test : cases) {
-        std::string bytes(8, 'x');
+        bytes.assign(8, 'x');
         EXPECT_EQ(STRINGUtil::SafeStrncpy(bytes.data(), test.source, test.size), bytes.data());
         EXPECT_EQ(bytes, test.expected) << test.size;
     }
-}
-
-TEST(StringUtilSafeStrncpy, SizeZeroWritesNothing) {
-    char untouched = 'x';
-    const char* result = STRINGUtil::SafeStrncpy(&untouched, "abc", 0);
-    EXPECT_STREQ(result, "");
-    EXPECT_NE(result, &untouched);
-    EXPECT_EQ(untouched, 'x');
 }
 
 TEST(StringUtilSafeStrncpyDeathTest, NullDestinationStopsTheProcess) {
@@ -230,35 +182,24 @@ TEST(StringUtil, IpV6Addresses) {
     const struct {
         std::string text, address;
         int prefixLength;
-    } good[] = {
-        {"2001:DB8:0:0::1/64", "2001:db8::1", 64},
-        {"::", "::", 128},
-        {"fe80::1/0", "fe80::1", 0},
+    } cases[] = {
+        // clang-format off
+        {"2001:DB8:0:0::1/64", "2001:db8::1", 64}, {"::", "::", 128}, {"fe80::1/0", "fe80::1", 0},
         {"::ffff:10.0.0.5/128", "::ffff:10.0.0.5", 128},
+        {"", "", 0},       {"10.0.0.5", "", 0}, {"::1/129", "", 0},   {"::1/-1", "", 0},
+        {"::1/", "", 0},   {"::1/6x", "", 0},   {"::1/64/64", "", 0}, {"[::1]", "", 0},
+        {":::1", "", 0},   {"fe80::1%eth0", "", 0}, {"::1\0junk"s, "", 0}, {"::1/99999999999", "", 0},
+        // clang-format on
     };
-    for (const auto& test : good) {
-        std::string address;
-        int prefixLength = -1;
-        EXPECT_TRUE(STRINGUtil::ParseIpV6Address(test.text, address, prefixLength)) << test.text;
-        EXPECT_EQ(address, test.address);
-        EXPECT_EQ(prefixLength, test.prefixLength);
-    }
-    for (const std::string& text :
-         {""s, "10.0.0.5"s, "::1/129"s, "::1/-1"s, "::1/"s, "::1/6x"s, "::1/64/64"s, "[::1]"s,
-          "fe80::1%eth0"s, ":::1"s, "::1\0junk"s, "::1/99999999999"s}) {
+    for (const auto& test : cases) {
+        const bool good = !test.address.empty();
         std::string address = "kept";
-        int prefixLength = 7;
-        EXPECT_FALSE(STRINGUtil::ParseIpV6Address(text, address, prefixLength)) << text;
-        EXPECT_EQ(address, "kept");
-        EXPECT_EQ(prefixLength, 7);
+        int prefixLength = -7;
+        EXPECT_EQ(STRINGUtil::ParseIpV6Address(test.text, address, prefixLength), good)
+            << test.text;
+        EXPECT_EQ(address, good ? test.address : "kept");
+        EXPECT_EQ(prefixLength, good ? test.prefixLength : -7);
     }
-}
-
-TEST(StringUtil, Base36Texts) {
-    EXPECT_EQ(STRINGUtil::FormatBase36String("1a2", '0', 7), "00001A2");
-    EXPECT_EQ(STRINGUtil::FormatBase36String("zz9", ' ', 2), "ZZ9");
-    for (const char* text : {"", "a-b", "a b", "\xc3\xa4"})
-        EXPECT_EQ(STRINGUtil::FormatBase36String(text, '0', 4), "") << text;
 }
 
 }  // namespace

@@ -10,9 +10,8 @@ using parser::XMLParser;
 
 std::string repeated(const std::string& text, std::size_t count) {
     std::string all;
-    for (std::size_t i = 0; i < count; ++i) {
+    while (count-- > 0)
         all += text;
-    }
     return all;
 }
 
@@ -20,74 +19,60 @@ std::string nested(std::size_t depth) {
     return repeated("<a>", depth) + repeated("</a>", depth);
 }
 
-struct Content {
-    const char* text;
-    const char* content;
-};
-
-class ContentTest : public testing::TestWithParam<Content> {};
-
-TEST_P(ContentTest, OfTheDocumentElement) {
-    XMLParser reader(nullptr);
-    ASSERT_TRUE(reader.ParseXMLString(GetParam().text));
-    EXPECT_EQ(reader.GetDocumentElement()->GetElementName(), "a");
-    EXPECT_EQ(reader.GetDocumentElement()->GetElementContent(), GetParam().content);
-}
-
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(XmlParser, ContentTest, testing::Values(
-    Content{"<a/>",                                     ""},
-    Content{"<a></a>",                                  ""},
-    Content{"<a> t </a>",                               " t "},
-    Content{"<a>&lt;&amp;&#x0a;&#x4e2d;</a>",           "<&\n\xe4\xb8\xad"},
-    Content{"<a>x<![CDATA[<y>]]><!-- n -->z</a>",       "x<y>z"},
-    Content{"<a>1\r\n2</a>",                            "1\n2"},
-    Content{"<?xml version=\"1.0\"?>\n<a>t</a>\n",      "t"},
-    Content{"\xef\xbb\xbf<a>t</a>",                     "t"},
+const std::pair<std::string, std::string> contents[] = {
+    {"<a/>",                                     ""},
+    {"<a></a>",                                  ""},
+    {"<a> t </a>",                               " t "},
+    {"<a>&lt;&amp;&#x0a;&#x4e2d;</a>",           "<&\n\xe4\xb8\xad"},
+    {"<a>x<![CDATA[<y>]]><!-- n -->z</a>",       "x<y>z"},
+    {"<a>1\r\n2</a>",                            "1\n2"},
+    {"<?xml version=\"1.0\"?>\n<a>t</a>\n",      "t"},
+    {"\xef\xbb\xbf<a>t</a>",                     "t"},
     // With child elements: as written, references and white space included.
-    Content{"<a><b>1 &lt; 2</b><c/></a>",               "<b>1 &lt; 2</b><c/>"},
-    Content{"<a >\n <b>t</b>x\n</a >",                  "\n <b>t</b>x\n"},
-    Content{"\xef\xbb\xbf<a><b k='v'>t</b></a>",        "<b k='v'>t</b>"},
+    {"<a><b>1 &lt; 2</b><c/></a>",               "<b>1 &lt; 2</b><c/>"},
+    {"<a >\n <b>t</b>x\n</a >",                  "\n <b>t</b>x\n"},
+    {"\xef\xbb\xbf<a><b k='v'>t</b></a>",        "<b k='v'>t</b>"},
     // Prefixes, declared or not, and attributes do not show.
-    Content{"<p:a xmlns:p='urn:x'>t</p:a>",              "t"},
-    Content{"<p:a\tq='>'>t</p:a>",                    "t"}
-));
+    {"<p:a xmlns:p='urn:x'>t</p:a>",              "t"},
+    {"<p:a\tq='>'>t</p:a>",                    "t"},
+};
 // clang-format on
 
-struct Refused {
-    const char* why;
-    std::string text;
-};
-
-class RefusedTest : public testing::TestWithParam<Refused> {};
-
-TEST_P(RefusedTest, GivesFalseAndNoDocument) {
-    XMLParser reader("refused");
-    ASSERT_TRUE(reader.ParseXMLString("<before/>"));
-    EXPECT_FALSE(reader.ParseXMLString(GetParam().text)) << GetParam().why;
-    EXPECT_EQ(reader.GetDocumentElement(), nullptr);
-    EXPECT_TRUE(reader.ParseXMLString("<after/>"));
+TEST(XmlParserTest, GivesTheContentOfTheDocumentElement) {
+    for (const auto& [text, content] : contents) {
+        XMLParser reader(nullptr);
+        ASSERT_TRUE(reader.ParseXMLString(text)) << text;
+        EXPECT_EQ(reader.GetDocumentElement()->GetElementName(), "a") << text;
+        EXPECT_EQ(reader.GetDocumentElement()->GetElementContent(), content) << text;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    XmlParser, RefusedTest,
-    testing::Values(
-        Refused{"nothing", ""}, Refused{"blanks", " \n"}, Refused{"no markup", "text"},
-        Refused{"unfinished", "<a><b></b>"}, Refused{"crossed", "<a><b></a></b>"},
-        Refused{"two documents", "<a/><b/>"}, Refused{"text after the end", "<a/>t"},
-        Refused{"zero byte", std::string("<a>\0</a>", 8)}, Refused{"not UTF-8", "<a>\xff</a>"},
-        Refused{"UTF-8 for a surrogate", "<a>\xed\xa0\x80</a>"},
-        Refused{"bytes of a declared one-byte code",
-                "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>"},
-        Refused{"forbidden reference", "<a>&#1;</a>"}, Refused{"unknown entity", "<a>&b;</a>"},
-        Refused{"document type", "<!DOCTYPE a><a/>"},
-        Refused{"entities that grow",
-                "<!DOCTYPE a [<!ENTITY b 'bb'><!ENTITY c '&b;&b;'>]><a>&c;</a>"},
-        Refused{"external entity", "<!DOCTYPE a [<!ENTITY b SYSTEM '/etc/hostname'>]><a>&b;</a>"},
-        Refused{"prefix alone", "<a><p:/></a>"},
-        Refused{"too deep", nested(XMLParser::maxDepth + 1)},
-        Refused{"too many elements", "<a>" + repeated("<b/>", XMLParser::maxElements) + "</a>"},
-        Refused{"too long", "<a>" + std::string(XMLParser::maxSize, 'x') + "</a>"}));
+TEST(XmlParserTest, RefusesAndGoesOn) {
+    const std::pair<const char*, std::string> refused[] = {
+        // clang-format off
+        {"nothing", ""},                             {"blanks", " \n"},
+        {"no markup", "text"},                       {"unfinished", "<a><b></b>"},
+        {"crossed", "<a><b></a></b>"},               {"two documents", "<a/><b/>"},
+        {"text after the end", "<a/>t"},             {"zero byte", std::string("<a>\0</a>", 8)},
+        {"not UTF-8", "<a>\xff</a>"},                {"a surrogate", "<a>\xed\xa0\x80</a>"},
+        {"forbidden reference", "<a>&#1;</a>"},      {"unknown entity", "<a>&b;</a>"},
+        {"document type", "<!DOCTYPE a><a/>"},       {"prefix alone", "<a><p:/></a>"},
+        {"too deep", nested(XMLParser::maxDepth + 1)},
+        {"too many elements", "<a>" + repeated("<b/>", XMLParser::maxElements) + "</a>"},
+        {"too long", "<a>" + std::string(XMLParser::maxSize, 'x') + "</a>"},
+        {"bytes of a declared one-byte code", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>"},
+        {"entities that grow", "<!DOCTYPE a [<!ENTITY b 'bb'><!ENTITY c '&b;&b;'>]><a>&c;</a>"},
+        {"external entity", "<!DOCTYPE a [<!ENTITY b SYSTEM '/etc/hostname'>]><a>&b;</a>"},
+        // clang-format on
+    };
+    XMLParser reader("refused");
+    for (const auto& [why, text] : refused) {
+        ASSERT_TRUE(reader.ParseXMLString("<good/>"));
+        EXPECT_FALSE(reader.ParseXMLString(text)) << why;
+        EXPECT_EQ(reader.GetDocumentElement(), nullptr) << why;
+    }
+}
 
 TEST(XmlParserTest, ReadsUpToItsLimits) {
     XMLParser reader(nullptr);
