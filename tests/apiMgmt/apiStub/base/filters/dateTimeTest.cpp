@@ -21,24 +21,17 @@ protected:
 
 TEST_F(DateTime, ReadsBothForms) {
     const std::pair<const char*, std::int64_t> rows[] = {
-        {"11/14/2026 03:04:05 PM", 1794665045},  // 14:04:05 UTC
-        {"11/14/2026-15:04:05", 1794665045},
-        {"11/14/2026 12:00:00 AM", 1794610800},
-        {"11/14/2026 12:00:00 PM", 1794654000},
-        {"07/01/2026-14:00:00", 1782907200},  // 12:00 UTC in summer
-        {"03/29/2026-01:59:59", 1774745999},  // the second before the clock goes forward
-        {"03/29/2026-03:00:00", 1774746000},
-        {"10/25/2026-04:00:00", 1792897200},  // after it went back
-        {"12/31/1969-23:59:59", -3601},
-        {"01/01/1970-00:59:59", -1},  // also what mktime returns for a failure
-        {"01/01/1901-01:00:00", -2177452800},
-        {"01/19/2038-04:14:08", 2147483648},
-        {"12/31/9999-23:59:59", 253402297199},
-        {"2026-11-14", 0},
-        {"", 0},
-        {"13/01/2026-00:00:00", 0},
-        {"11/14/2026", 0},
-        {"never", 0},
+        // clang-format off
+        {"11/14/2026 03:04:05 PM", 1794665045},  {"11/14/2026-15:04:05", 1794665045},  // 14:04:05 UTC
+        {"11/14/2026 12:00:00 AM", 1794610800},  {"11/14/2026 12:00:00 PM", 1794654000},
+        {"07/01/2026-14:00:00", 1782907200},     // 12:00 UTC in summer
+        {"03/29/2026-01:59:59", 1774745999},     {"03/29/2026-03:00:00", 1774746000},  // clock goes forward
+        {"10/25/2026-04:00:00", 1792897200},     // after it went back
+        {"12/31/1969-23:59:59", -3601},          {"01/01/1970-00:59:59", -1},  // as mktime says failure
+        {"01/01/1901-01:00:00", -2177452800},    {"01/19/2038-04:14:08", 2147483648},
+        {"12/31/9999-23:59:59", 253402297199},   {"13/01/2026-00:00:00", 0},
+        {"2026-11-14", 0}, {"", 0}, {"11/14/2026", 0}, {"never", 0},
+        // clang-format on
     };
     for (const auto& [text, seconds] : rows)
         EXPECT_EQ(DATETimeObject(text).GetSeconds(), seconds) << text;
@@ -47,9 +40,9 @@ TEST_F(DateTime, ReadsBothForms) {
 }
 
 TEST_F(DateTime, WritesWhatItReads) {
-    for (const std::int64_t seconds :
-         {std::int64_t{0}, std::int64_t{-1}, std::int64_t{1774745999}, std::int64_t{1774746000},
-          std::int64_t{1794665045}, std::int64_t{-2177452800}, std::int64_t{253402297199}}) {
+    using Second = std::int64_t;
+    for (const Second seconds : {Second{0}, Second{-1}, Second{1774745999}, Second{1774746000},
+                                 Second{-2177452800}, Second{253402297199}}) {
         const DATETimeObject time(seconds);
         EXPECT_EQ(DATETimeObject(time.ToString()), time) << time.ToString();
     }
@@ -58,12 +51,9 @@ TEST_F(DateTime, WritesWhatItReads) {
 
 TEST_F(DateTime, FieldsAreLocalTime) {
     const DATETimeObject time("07/09/2026-14:05:06");
-    EXPECT_EQ(time.GetYear(), 2026);
-    EXPECT_EQ(time.GetMonth(), 7);
-    EXPECT_EQ(time.GetDay(), 9);
-    EXPECT_EQ(time.GetHour(), 14);
-    EXPECT_EQ(time.GetMinute(), 5);
-    EXPECT_EQ(time.GetSecond(), 6);
+    const std::vector<int> fields{time.GetYear(), time.GetMonth(),  time.GetDay(),
+                                  time.GetHour(), time.GetMinute(), time.GetSecond()};
+    EXPECT_EQ(fields, (std::vector{2026, 7, 9, 14, 5, 6}));
     EXPECT_EQ(time.GetMinutesElapsedOfTheDay(), 14 * 60 + 5);
     EXPECT_EQ(time.GetAsTMStruct().tm_isdst, 1);
 }

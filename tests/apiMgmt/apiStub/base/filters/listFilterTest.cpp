@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "apiMgmt/apiStub/base/filters/apiHistoricalFilter.h"
 #include "apiMgmt/apiStub/base/filters/getListFilter.h"
 
 namespace {
@@ -78,19 +77,6 @@ TEST(ListFilterItems, CarryTheArraysOperators) {
     EXPECT_EQ(types,
               "Unknown;Equals;Greater Than;Greater Than Or Equal;Less Than;Less Than Or Equal;"
               "Contains;Starts With;");
-}
-
-TEST(HistoricalFilter, WritesItsRangeInListOrder) {
-    APIHistoricalFilter filter;
-    filter.SetUseStartOfDay(true);
-    filter.SetFilterTime(FilterTimeEnum::LastMonth);
-    filter.SetMaxCountReturn(-5'000'000'000);
-    filter.SetEndTime(DATETimeObject("11/14/2026-15:04:05"));
-    EXPECT_EQ(filter.ToXMLString(true),
-              "<HistoricalFilter><EndTime>11/14/2026 03:04:05 PM</EndTime>"
-              "<FilterTime>LastMonth</FilterTime><MaxCountReturn>-5000000000</MaxCountReturn>"
-              "<UseStartOfDay>True</UseStartOfDay></HistoricalFilter>");
-    EXPECT_TRUE(APIHistoricalFilter::GetMaxCountReturnAttr()->Validate("-5000000000"));
 }
 
 }  // namespace

@@ -35,26 +35,26 @@ std::string returnText(const BASEApiMethodReturn& outcome) {
                outcome.GetError() + "|" + outcome.GetLocalizedError() + "|" +
                outcome.GetErrorDetail();
     }
-    if (const auto* made = dynamic_cast<const BOOLMethodReturn*>(&outcome)) {
+    if (const auto* made = dynamic_cast<const BOOLMethodReturn*>(&outcome))
         return made->GetValue() ? "bool True" : "bool False";
-    }
-    if (const auto* made = dynamic_cast<const INTMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const INTMethodReturn*>(&outcome))
         return "int " + std::to_string(made->GetValue());
-    }
-    if (const auto* made = dynamic_cast<const STRINGMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const STRINGMethodReturn*>(&outcome))
         return "string " + made->GetValue();
-    }
-    if (const auto* made = dynamic_cast<const ENUMMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const ENUMMethodReturn*>(&outcome))
         return "enum " + made->GetValue();
-    }
-    if (const auto* made = dynamic_cast<const ENUMMaskMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const ENUMMaskMethodReturn*>(&outcome))
         return "mask " + made->GetValue();
-    }
-    if (const auto* made = dynamic_cast<const COMPObjectMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const COMPObjectMethodReturn*>(&outcome))
         return listText("objects", *made);
-    }
-    if (const auto* made = dynamic_cast<const METHODObjectMethodReturn*>(&outcome)) {
+
+    if (const auto* made = dynamic_cast<const METHODObjectMethodReturn*>(&outcome))
         return listText("records", *made);
-    }
+
     return "nothing";
 }

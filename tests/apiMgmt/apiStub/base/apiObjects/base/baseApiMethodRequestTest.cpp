@@ -14,21 +14,15 @@
 #include "apiMgmt/common/ipc/ipcFraming.h"
 #include "apiMgmt/common/utils/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
-#include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "tests/apiMgmt/apiStub/base/testClasses.h"
 #include "tests/support/fakeServiceDatabase.h"
+#include "tests/support/replyMessage.h"
 #include "tests/support/scriptedPeer.h"
 
 namespace {
 
 using Values = std::map<std::string, std::string>;
 using protoIPCMsg::GPBIPCMsg;
-
-class AssociationMethod : public BASEApiMethod {
-public:
-    AssociationMethod() : BASEApiMethod(true) {}
-    API_METHOD_NAMES(Thing, PartList);
-};
 
 GPBIPCMsg build(const BASEApiMethod& method, const APIHccReqHeader* header,
                 const std::string& sessionKey, const Values* blobs, const std::string& locale) {
@@ -45,44 +39,18 @@ const std::string emptyMethod =
     "<ApiMethod><CommandType>Method</CommandType><Object>Thing</Object><Command>Set</Command>"
     "<Async>false</Async><ObjectEncodeType>xml</ObjectEncodeType></ApiMethod>";
 
-TEST(RequestDocumentTest, OfAMethodElement) {
-    APIThingSetMethod method;
-    EXPECT_EQ(method.GetXMLString(false, true), emptyMethod);
-
-    method.PutStringDirect("b", "<as>it is</as>");
-    method.PutStringDirect("B", "");
-    method.PutStringDirect("", "never written");
-    method.SetLiteObjectRequest();
-    method.SetName("a<b");
-    EXPECT_EQ(method.GetXMLString(true, false),
-              "<ApiMethod><CommandType>Method</CommandType><Object>Thing</Object>"
-              "<Command>Set</Command><Async>true</Async><ObjectEncodeType>csv</ObjectEncodeType>"
-              "<Attributes><B></B><LiteObj>1</LiteObj><Name>a&lt;b</Name><b><as>it is</as></b>"
-              "</Attributes></ApiMethod>");
-    EXPECT_EQ(AssociationMethod().GetXMLString(false, true),
-              "<ApiMethod><CommandType>Association</CommandType><Object>Thing</Object>"
-              "<Command>PartList</Command><Async>false</Async>"
-              "<ObjectEncodeType>xml</ObjectEncodeType></ApiMethod>");
-}
-
-struct Session {
-    const char* locale;
-    const char* connection;
-};
-
 TEST(RequestDocumentTest, NamesSessionOnlyWithoutHeader) {
-    const Session sessions[] = {
-        {"", "<sessionkey>k 1</sessionkey>"},
-        {"en", "<sessionkey>k 1</sessionkey>"},
-        {"en_US", "<sessionkey>k 1</sessionkey><locale>en_US</locale>"},
-        {"en_US.UTF-8", "<sessionkey>k 1</sessionkey>"},
+    const std::string key = "<sessionkey>k 1</sessionkey>";
+    const std::pair<const char*, std::string> sessions[] = {
+        // clang-format off
+        {"", key}, {"en", key}, {"en_US", key + "<locale>en_US</locale>"}, {"en_US.UTF-8", key},
+        // clang-format on
     };
-    for (const Session& session : sessions) {
-        const GPBIPCMsg request =
-            build(APIThingSetMethod(), nullptr, "k 1", nullptr, session.locale);
-        EXPECT_EQ(commandOf(request).requestdocument(),
-                  std::string("<compapi><ApiConnection>") + session.connection +
-                      "</ApiConnection>" + emptyMethod + "</compapi>");
+    for (const auto& [locale, connection] : sessions) {
+        const GPBIPCMsg request = build(APIThingSetMethod(), nullptr, "k 1", nullptr, locale);
+        EXPECT_EQ(commandOf(request).requestdocument(), "<compapi><ApiConnection>" + connection +
+                                                            "</ApiConnection>" + emptyMethod +
+                                                            "</compapi>");
         EXPECT_EQ(request.apireqmsg().clientaddress(), "127.0.0.1");
         EXPECT_FALSE(commandOf(request).has_hccheader());
     }
@@ -131,14 +99,11 @@ TEST(ExchangeTest, GoesToTheApiManager) {
     ScriptedPeer peer([&](int fd) {
         const std::lock_guard lock(guard);
         received = ScriptedPeer::receive(fd);
-        GPBIPCMsg reply;
-        reply.set_msgtype(protoIPCMsg::IPC_API_RESPONSE);
-        reply.mutable_apirespmsg()->set_cmdtype(protoIPCMsg::API_COMMAND);
-        reply.mutable_apirespmsg()->mutable_cmdrespmsg()->set_responsedocument(
-            "<compapi><ApiMethodReturn><Successful>True</Successful>"
-            "<ReturnString>done</ReturnString></ApiMethodReturn></compapi>");
         std::string frame;
-        ipcFraming::encodeFrame(reply, frame);
+        ipcFraming::encodeFrame(
+            replyWith("<compapi><ApiMethodReturn><Successful>True</Successful>"
+                      "<ReturnString>done</ReturnString></ApiMethodReturn></compapi>"),
+            frame);
         ScriptedPeer::send(fd, frame);
     });
     fakeServiceDatabase::setPort(peer.port());
@@ -158,29 +123,11 @@ TEST(ExchangeTest, GoesToTheApiManager) {
 
 /// Random bytes among pieces that are likely to hurt.
 std::string hostileText(std::mt19937& random) {
-    static const std::string pieces[] = {"<",
-                                         ">",
-                                         "&",
-                                         "'",
-                                         "\"",
-                                         "]]>",
-                                         "<![CDATA[",
-                                         "</Name>",
-                                         "&amp;",
-                                         "&lt",
-                                         "&#60;",
-                                         "%n",
-                                         "-co-",
-                                         ":",
-                                         "\n",
-                                         "\t",
-                                         "<!--",
-                                         "?>",
-                                         " ",
-                                         "\xc3\xa9",
-                                         "<Notes/>",
-                                         "\x7f",
-                                         "</Attributes></ApiMethod>"};
+    // clang-format off
+    static const std::string pieces[] = {
+        "<", ">", "&", "'", "\"", "]]>", "<![CDATA[", "</Name>", "&amp;", "&lt", "&#60;", "\n",
+        "\t", "<!--", "?>", " ", "\xc3\xa9", "<Notes/>", "\x7f", "</Attributes></ApiMethod>"};
+    // clang-format on
     std::string text;
     const bool anyByte = random() % 4 == 0;
     for (auto count = random() % 12; count > 0; --count) {
@@ -193,13 +140,8 @@ std::string hostileText(std::mt19937& random) {
 /// `text` with `substitute` for each control character.
 std::string withControls(const std::string& text, const std::string& substitute) {
     std::string changed;
-    for (const char character : text) {
-        if (static_cast<unsigned char>(character) < 0x20) {
-            changed += substitute;
-        } else {
-            changed += character;
-        }
-    }
+    for (const char each : text)
+        changed += static_cast<unsigned char>(each) < 0x20 ? substitute : std::string(1, each);
     return changed;
 }
 
@@ -210,40 +152,37 @@ TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
     std::mt19937 random(20251121);  // NOLINT(cert-msc51-cpp): to be repeatable
     int refused = 0;
     for (int run = 0; run < 4000; ++run) {
-        const std::string name = hostileText(random);
-        const std::string notes = hostileText(random);
-        const std::string label = hostileText(random);
+        std::string given[3], expected[3], all;
+        for (int i = 0; i < 3; ++i) {
+            given[i] = hostileText(random);
+            expected[i] = withControls(given[i], "\n");
+            all += expected[i];
+        }
         APIRecord record;
-        record.SetLabel(label);
+        record.SetLabel(given[2]);
         APIThingSetMethod method;
-        method.SetName(name);
-        method.SetNotes(notes);
+        method.SetName(given[0]);
+        method.SetNotes(given[1]);
         method.SetRecord(record);
-        EXPECT_EQ(method.GetName(), withControls(name, "&#x0a;"));
+        EXPECT_EQ(method.GetName(), withControls(given[0], "&#x0a;"));
 
-        std::string all = withControls(name, "\n");
-        all += withControls(notes, "\n") + withControls(label, "\n");
         parser::XMLParser reader(nullptr);
         if (!reader.ParseXMLString(method.GetXMLString(false, true))) {
             EXPECT_NE(legalXmlText(all), all);
             ++refused;
             continue;
         }
-        const parser::XMLElement* attributes =
-            reader.GetDocumentElement()->GetChildElemByTag("Attributes");
-        ASSERT_NE(attributes, nullptr);
         EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), 6U);
-        const auto found = attributes->GetChildTagVals();
-        ASSERT_EQ(found.size(), 3U);
-        const std::string expected[] = {withControls(name, "\n"), withControls(notes, "\n")};
-        EXPECT_EQ(found[0], parser::XMLElement::TagVal("Name", expected[0]));
-        EXPECT_EQ(found[1], parser::XMLElement::TagVal("Notes", expected[1]));
-        const parser::XMLElement* read =
-            attributes->GetChildElemByTag("Record")->GetChildElemByTag("Record");
+        const auto* attributes = reader.GetDocumentElement()->GetChildElemByTag("Attributes");
+        ASSERT_NE(attributes, nullptr);
+        ASSERT_EQ(attributes->GetChildTagVals().size(), 3U);
+        EXPECT_EQ(attributes->GetChildElemContentByTag("Name"), expected[0]);
+        EXPECT_EQ(attributes->GetChildElemContentByTag("Notes"), expected[1]);
+        const auto* read = attributes->GetChildElemByTag("Record")->GetChildElemByTag("Record");
         ASSERT_NE(read, nullptr);
         EXPECT_EQ(read->GetChildTagVals().size(), 1U);
-        EXPECT_EQ(read->GetChildElemContentByTag("Label"), withControls(label, "\n"));
-        EXPECT_EQ(method.GetRecord()->GetLabel(), withControls(label, "\n"));
+        EXPECT_EQ(read->GetChildElemContentByTag("Label"), expected[2]);
+        EXPECT_EQ(method.GetRecord()->GetLabel(), expected[2]);
     }
     EXPECT_GT(refused, 0);
     EXPECT_LT(refused, 2000);

@@ -2,40 +2,16 @@
 #include <gmock/gmock.h>
 
 #include "apiMgmt/apiStub/base/apiObjects/base/registerClass.h"
-#include "apiMgmt/apiStub/base/methodReturns/apiApiMethodReturn.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-std::vector<std::string> names(const APIAttributeList& attributes) {
-    std::vector<std::string> result;
-    for (const BASEApiAttribute* attribute : attributes)
-        result.push_back(attribute->GetXmlName());
-    return result;
-}
-
 /// An object whose name gives it a form of its own.
 class APITask : public BASEApiObject {
     API_OBJECT(asyncTASK);
 };
-
-TEST(AttributeLists, KeepTheirStatedOrder) {
-    EXPECT_THAT(names(BASEApiObject::GetAttributeListStatic()),
-                ElementsAre("InstanceId", "InstanceName", "ObjectType"));
-    EXPECT_THAT(names(TARNStatusBaseApiObject::GetAttributeListStatic()),
-                ElementsAre("Status", "ChildStatus", "StatusMessage", "TarnName",
-                            "TarnSerialNumber", "InstanceId", "InstanceName", "ObjectType"));
-    // The status of a reply is the one list that begins with its base's.
-    const APIApiMethodReturn status;
-    EXPECT_THAT(
-        names(status.GetAttributeList()),
-        ElementsAre("InstanceId", "InstanceName", "ObjectType", "Error", "ErrorCode", "ErrorDetail",
-                    "Locale", "LocalizedError", "ReturnObjectEncode", "Successful", "WarningList"));
-    EXPECT_EQ(status.GetAttributeByName("Locale"), APIApiMethodReturn::GetLocaleAttr());
-    EXPECT_EQ(status.GetAttributeByName("locale"), nullptr);
-}
 
 TEST(ObjectValues, TellEmptyFromUnset) {
     APISample sample;
@@ -67,9 +43,6 @@ TEST(ObjectText, XmlWritesSetAttributesInListOrder) {
     EXPECT_EQ(sample.ToString(ObjectReturnEncodeEnum::Xml),
               "<Sample><Truth>True</Truth><Text>a&lt;b&gt;&amp;&#x0a;</Text>"
               "<InstanceId>7</InstanceId></Sample>");
-}
-
-TEST(ObjectText, AnAsynchronousTaskShowsAllItsFields) {
     APITask task;
     task.SetInstanceName("copy");
     EXPECT_EQ(task.ToString(ObjectReturnEncodeEnum::Xml),
@@ -144,22 +117,12 @@ TEST(MethodObject, KeepsWhatItDoesNotKnow) {
     EXPECT_EQ(record.GetStringDirect("Later"), "1");
 }
 
-TEST(Registries, MakeAnObjectOfTheNamedClass) {
-    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("Sample")->GetObjectName(), "Sample");
-    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("ApiMethodReturn")->GetObjectName(),
-              "ApiMethodReturn");
-    EXPECT_EQ(APIMethodObjectRegistry::Instance().CreateObject("HistoricalFilter")->GetObjectName(),
-              "HistoricalFilter");
-    EXPECT_EQ(APIMethodRegistry::Instance().CreateObject("APISampleAddMethod")->GetMethodName(),
-              "Add");
-    EXPECT_EQ(APIMethodRegistry::Instance().Find("APISampleaddMethod"), nullptr);
-    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject(""), nullptr);
-}
-
 TEST(Registries, KeepTheFirstOfAKey) {
     using Task = REGISTERClass<BASEApiObject, APITask, std::string>;
     EXPECT_FALSE(Task::Enter("Sample"));
     EXPECT_EQ(APIObjectRegistry::Instance().CreateObject("Sample")->GetObjectName(), "Sample");
+    EXPECT_EQ(APIMethodRegistry::Instance().Find("APISampleaddMethod"), nullptr);
+    EXPECT_EQ(APIObjectRegistry::Instance().CreateObject(""), nullptr);
 }
 
 TEST(Registries, AnswerWhetherAMethodMayRunAsynchronously) {
@@ -167,30 +130,6 @@ TEST(Registries, AnswerWhetherAMethodMayRunAsynchronously) {
     EXPECT_TRUE(task.AsyncAllowed("Sample", "Add"));
     EXPECT_FALSE(task.AsyncAllowed("Sample", "GetList"));
     EXPECT_FALSE(task.AsyncAllowed("Sample", "Remove%s"));
-}
-
-TEST(MethodReturnObject, ReadsBackEachTypedValue) {
-    APIApiMethodReturn status;
-    status.SetErrorCode(ErrorStateEnum::InvalidArguments);
-    status.SetLocale(LanguageLocaleEnum::Japanese);
-    status.SetReturnObjectEncode(ObjectReturnEncodeEnum::Csv);
-    status.SetSuccessful(true);
-    status.SetWarningList({"a:b", "c"});
-    EXPECT_EQ(status.ToString(ObjectReturnEncodeEnum::Xml),
-              "<ApiMethodReturn><ErrorCode>InvalidArguments</ErrorCode><Locale>ja_JP</Locale>"
-              "<ReturnObjectEncode>Csv</ReturnObjectEncode><Successful>True</Successful>"
-              "<WarningList>a-co-b:c</WarningList></ApiMethodReturn>");
-    parser::XMLParser reader(nullptr);
-    ASSERT_TRUE(reader.ParseXMLString(status.ToString(ObjectReturnEncodeEnum::Xml)));
-    APIApiMethodReturn copy;
-    copy.ParseElemNode(reader.GetDocumentElement());
-    EXPECT_EQ(copy.GetErrorCode(), ErrorStateEnum::InvalidArguments);
-    EXPECT_EQ(copy.GetLocale(), LanguageLocaleEnum::Japanese);
-    EXPECT_EQ(copy.GetReturnObjectEncode(), ObjectReturnEncodeEnum::Csv);
-    EXPECT_TRUE(copy.GetSuccessful());
-    EXPECT_THAT(copy.GetWarningList(), ElementsAre("a:b", "c"));
-    copy.SetErrorCode(ErrorStateEnum{4711});
-    EXPECT_EQ(copy.GetErrorCode(), ErrorStateEnum{4711});
 }
 
 }  // namespace

@@ -68,32 +68,6 @@ std::vector<ClassFact> ReadFacts() {
     return facts;
 }
 
-// clang-format off
-std::string KindOf(const BASEApiAttribute& attribute) {
-    static const struct { const std::type_info& type; const char* kind; } kinds[] = {
-        {typeid(BOOLEANApiAttribute),           "BOOLEAN"},
-        {typeid(DATETIMEApiAttribute),          "DATETIME"},
-        {typeid(ENUMApiAttribute),              "ENUM"},
-        {typeid(ENUMMASKApiAttribute),          "ENUMMASK"},
-        {typeid(GETLISTFILTERApiAttribute),     "GETLISTFILTER"},
-        {typeid(INSTANCEIDApiAttribute),        "INSTANCEID"},
-        {typeid(INTApiAttribute),               "INT"},
-        {typeid(IPV4ADDRESSApiAttribute),       "IPV4ADDRESS"},
-        {typeid(METHODOBJECTApiAttribute),      "METHODOBJECT"},
-        {typeid(METHODOBJECTARRAYApiAttribute), "METHODOBJECTARRAY"},
-        {typeid(NAMEApiAttribute),              "NAME"},
-        {typeid(OBJECTApiAttribute),            "OBJECT"},
-        {typeid(OBJECTARRAYApiAttribute),       "OBJECTARRAY"},
-        {typeid(STRINGApiAttribute),            "STRING"},
-        {typeid(STRINGARRAYApiAttribute),       "STRINGARRAY"},
-    };
-    // clang-format on
-    for (const auto& known : kinds)
-        if (known.type == typeid(attribute))
-            return known.kind;
-    return "unknown kind";
-}
-
 std::string BoundsOf(const BASEApiAttribute& attribute) {
     const auto& properties = attribute.GetProperties();
     using Number = INTApiAttribute::INTAttributeProperties;
@@ -130,6 +104,32 @@ std::vector<std::string> ListedRows(const ClassFact& fact) {
     for (const std::string& row : RowsOf(fact.then))
         rows.push_back(row);
     return rows;
+}
+
+// clang-format off
+std::string KindOf(const BASEApiAttribute& attribute) {
+    static const struct { const std::type_info& type; const char* kind; } kinds[] = {
+        {typeid(BOOLEANApiAttribute),           "BOOLEAN"},
+        {typeid(DATETIMEApiAttribute),          "DATETIME"},
+        {typeid(ENUMApiAttribute),              "ENUM"},
+        {typeid(ENUMMASKApiAttribute),          "ENUMMASK"},
+        {typeid(GETLISTFILTERApiAttribute),     "GETLISTFILTER"},
+        {typeid(INSTANCEIDApiAttribute),        "INSTANCEID"},
+        {typeid(INTApiAttribute),               "INT"},
+        {typeid(IPV4ADDRESSApiAttribute),       "IPV4ADDRESS"},
+        {typeid(METHODOBJECTApiAttribute),      "METHODOBJECT"},
+        {typeid(METHODOBJECTARRAYApiAttribute), "METHODOBJECTARRAY"},
+        {typeid(NAMEApiAttribute),              "NAME"},
+        {typeid(OBJECTApiAttribute),            "OBJECT"},
+        {typeid(OBJECTARRAYApiAttribute),       "OBJECTARRAY"},
+        {typeid(STRINGApiAttribute),            "STRING"},
+        {typeid(STRINGARRAYApiAttribute),       "STRINGARRAY"},
+    };
+    // clang-format on
+    for (const auto& known : kinds)
+        if (known.type == typeid(attribute))
+            return known.kind;
+    return "unknown kind";
 }
 
 std::string DescribeAttribute(const BASEApiAttribute& attribute) {

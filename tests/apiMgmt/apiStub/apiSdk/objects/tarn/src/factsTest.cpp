@@ -90,6 +90,15 @@ TEST(SdkFacts, MethodsAreAsStated) {
             method.PutStringDirect(name, "");  // an empty text counts
         }
         EXPECT_EQ(RequiredError(method), "");
+        // Also what the class does not declare is written; only what it says unwritten is not.
+        method.PutStringDirect("Undeclared", "");
+        for (const AttributeFact& attribute : fact.attributes)
+            method.PutStringDirect(attribute.xmlName, "");
+        const std::string document = method.GetXMLString(false, true);
+        for (const AttributeFact& attribute : fact.attributes)
+            EXPECT_EQ(document.find("<" + attribute.xmlName + ">") != std::string::npos,
+                      attribute.listed);
+        EXPECT_NE(document.find("<Undeclared></Undeclared>"), std::string::npos);
     });
     EXPECT_FALSE(server->AsyncAllowed("TarnHostCache", "NoSuchMethod"));
 }
@@ -131,6 +140,24 @@ TEST(SdkFacts, AssociationsAreAsStated) {
             kChecks[checked++](fact);
         }
     EXPECT_EQ(checked, std::size(kChecks));
+}
+
+TEST(SdkEnumerations, TransportTypesAreBitsAndUnknownTextsAreUnknown) {
+    const struct {
+        const char *text, *display;
+        int value;
+    } cases[] = {
+        {"Unknown", "Unknown", 1}, {"FibreChannel", "Fibre Channel", 2},
+        {" iscsi ", "iSCSI", 4},   {"Sas", "SAS", 8},
+        {"Token", "Unknown", 1},   {"", "Unknown", 1},
+    };
+    for (const auto& test : cases) {
+        APINorvaneInterfaceInformation interface;
+        interface.PutStringDirect("InterfaceType", test.text);
+        const auto type = interface.GetInterfaceType();
+        EXPECT_EQ(static_cast<int>(type), test.value) << test.text;
+        EXPECT_EQ(gFrontEndTransportTypeEnumIdStrList.GetDisplayText(type), test.display);
+    }
 }
 
 }  // namespace
