@@ -83,6 +83,8 @@ std::string Version(const std::string& version) {
 
 constexpr char kRename[] =
     "<ns1:RenameHccInSan><hccId>c</hccId><sanId>s</sanId><name>n</name></ns1:RenameHccInSan>";
+constexpr char kNil[] =
+    "<ns1:RenameHccInSan xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'/>";
 constexpr char kPassed[] = "RenameHccInSan is not supported by SanApi interface.";
 constexpr char kNoCredentials[] = "SanService user credentials not specified";
 
@@ -119,18 +121,10 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     }
 }
 
-TEST(SanServiceHeader, UnknownOperationsFailBehindTheHeader) {
-    const std::string body = "<ns1:GetHcns/>";
-    EXPECT_THAT(FakeModule().Serve("", body), HasSubstr("Soap header not specified"));
-    EXPECT_THAT(FakeModule().Serve(Header(Version("2.3") + "<authToken>t</authToken>"), body),
-                HasSubstr("<faultcode>SOAP-ENV:Client</faultcode>"));
-}
-
-TEST(SanServiceHeader, ANilWrapperIsANullParameter) {
-    EXPECT_THAT(FakeModule().Serve(
-                    Header(Version("2.3") + "<authToken>t</authToken>"),
-                    "<ns1:RenameHccInSan xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
-                    "xsi:nil='true'/>"),
+TEST(SanServiceHeader, StandsBeforeOperationsThatAreNullOrUnknown) {
+    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
+    EXPECT_THAT(FakeModule().Serve("", "<ns1:GetHcns/>"), HasSubstr("Soap header not specified"));
+    EXPECT_THAT(FakeModule().Serve(header, kNil),
                 HasSubstr("<faultstring>Invalid request parameter, NULL</faultstring>"));
 }
 

@@ -23,22 +23,16 @@ public:
         called = #Name;                                                                     \
         return request ? SOAP_OK : soap_senderfault("no request for " #Name " <here>", ""); \
     }
-    OPERATION(AddHccToSan)
-    OPERATION(RemoveHccFromSan)
-    OPERATION(AddServer)
-    OPERATION(RemoveServer)
-    OPERATION(HccAttachVolume)
-    OPERATION(HccDetachVolume)
-    OPERATION(MakeDataAvailable)
-    OPERATION(MakeDataUnavailable)
-    OPERATION(FlushComplete)
-    OPERATION(NewPrimaryCfmAddresses)
-    OPERATION(SnapshotPrepareComplete)
-    OPERATION(Ping)
+    // clang-format off
+    OPERATION(AddHccToSan) OPERATION(RemoveHccFromSan) OPERATION(AddServer)
+    OPERATION(RemoveServer) OPERATION(HccAttachVolume) OPERATION(HccDetachVolume)
+    OPERATION(MakeDataAvailable) OPERATION(MakeDataUnavailable) OPERATION(FlushComplete)
+    OPERATION(NewPrimaryCfmAddresses) OPERATION(SnapshotPrepareComplete) OPERATION(Ping)
     OPERATION(RenameHccInSan)
+    // clang-format on
 #undef OPERATION
 
-    std::string called;
+                        std::string called;
 };
 
 struct Exchange {

@@ -21,60 +21,38 @@ long slotOf(Function function) {
     return (word - 1) / static_cast<long>(sizeof(void*));
 }
 
-template <typename... Arguments>
-using Fault = int (Skeleton::*)(Arguments...);
+#define SLOT(Name) \
+    { #Name, slotOf(&Skeleton::Name) }
+#define SLOT_WITH(Name, ...) \
+    { #Name, slotOf < int (Skeleton::*)(__VA_ARGS__)>(&Skeleton::Name) }
 
 TEST(Skeleton, hasItsVirtualFunctionsInTheAgreedOrder) {
     using Text = const char*;
     const std::vector<std::pair<std::string, long>> expected = {
         // The two destructors take the first two slots.
-        {"destroy", slotOf(&Skeleton::destroy)},
-        {"reset", slotOf(&Skeleton::reset)},
-        {"SanApiPortBindingService_init", slotOf(&Skeleton::SanApiPortBindingService_init)},
-        {"copy", slotOf(&Skeleton::copy)},
-        {"soap_close_socket", slotOf(&Skeleton::soap_close_socket)},
-        {"soap_force_close_socket", slotOf(&Skeleton::soap_force_close_socket)},
-        {"soap_senderfault", slotOf<Fault<Text, Text>>(&Skeleton::soap_senderfault)},
-        {"soap_senderfault 3", slotOf<Fault<Text, Text, Text>>(&Skeleton::soap_senderfault)},
-        {"soap_receiverfault", slotOf<Fault<Text, Text>>(&Skeleton::soap_receiverfault)},
-        {"soap_receiverfault 3", slotOf<Fault<Text, Text, Text>>(&Skeleton::soap_receiverfault)},
-        {"soap_print_fault", slotOf(&Skeleton::soap_print_fault)},
-        {"soap_stream_fault", slotOf(&Skeleton::soap_stream_fault)},
-        {"soap_sprint_fault", slotOf(&Skeleton::soap_sprint_fault)},
-        {"soap_noheader", slotOf(&Skeleton::soap_noheader)},
-        {"soap_header", slotOf(&Skeleton::soap_header)},
-        {"run", slotOf(&Skeleton::run)},
-        {"bind", slotOf(&Skeleton::bind)},
-        {"accept", slotOf(&Skeleton::accept)},
-        {"serve", slotOf(&Skeleton::serve)},
-        {"dispatch", slotOf<int (Skeleton::*)()>(&Skeleton::dispatch)},
-        {"AddHccToSan", slotOf(&Skeleton::AddHccToSan)},
-        {"RemoveHccFromSan", slotOf(&Skeleton::RemoveHccFromSan)},
-        {"AddServer", slotOf(&Skeleton::AddServer)},
-        {"RemoveServer", slotOf(&Skeleton::RemoveServer)},
-        {"HccAttachVolume", slotOf(&Skeleton::HccAttachVolume)},
-        {"HccDetachVolume", slotOf(&Skeleton::HccDetachVolume)},
-        {"MakeDataAvailable", slotOf(&Skeleton::MakeDataAvailable)},
-        {"MakeDataUnavailable", slotOf(&Skeleton::MakeDataUnavailable)},
-        {"FlushComplete", slotOf(&Skeleton::FlushComplete)},
-        {"NewPrimaryCfmAddresses", slotOf(&Skeleton::NewPrimaryCfmAddresses)},
-        {"SnapshotPrepareComplete", slotOf(&Skeleton::SnapshotPrepareComplete)},
-        {"Ping", slotOf(&Skeleton::Ping)},
-        {"RenameHccInSan", slotOf(&Skeleton::RenameHccInSan)},
+        // clang-format off
+        SLOT(destroy), SLOT(reset), SLOT(SanApiPortBindingService_init), SLOT(copy),
+        SLOT(soap_close_socket), SLOT(soap_force_close_socket),
+        SLOT_WITH(soap_senderfault, Text, Text), SLOT_WITH(soap_senderfault, Text, Text, Text),
+        SLOT_WITH(soap_receiverfault, Text, Text), SLOT_WITH(soap_receiverfault, Text, Text, Text),
+        SLOT(soap_print_fault), SLOT(soap_stream_fault), SLOT(soap_sprint_fault),
+        SLOT(soap_noheader), SLOT(soap_header), SLOT(run), SLOT(bind), SLOT(accept), SLOT(serve),
+        SLOT_WITH(dispatch),
+        SLOT(AddHccToSan), SLOT(RemoveHccFromSan), SLOT(AddServer), SLOT(RemoveServer),
+        SLOT(HccAttachVolume), SLOT(HccDetachVolume), SLOT(MakeDataAvailable),
+        SLOT(MakeDataUnavailable), SLOT(FlushComplete), SLOT(NewPrimaryCfmAddresses),
+        SLOT(SnapshotPrepareComplete), SLOT(Ping), SLOT(RenameHccInSan),
+        // clang-format on
     };
     long slot = 2;
-    for (const auto& [name, actual] : expected) {
+    for (const auto& [name, actual] : expected)
         EXPECT_EQ(actual, slot++) << name;
-    }
 }
 
 TEST(Skeleton, installsTheNamespaceTableInTheAgreedOrder) {
-    struct Row {
-        const char* prefix;
-        const char* uri;
-        const char* pattern;
-    };
-    const std::vector<Row> expected = {
+    const struct {
+        const char *prefix, *uri, *pattern;
+    } expected[] = {
         // clang-format off
         {"SOAP-ENV", "http://schemas.xmlsoap.org/soap/envelope/", "http://www.w3.org/*/soap-envelope"},
         {"SOAP-ENC", "http://schemas.xmlsoap.org/soap/encoding/", "http://www.w3.org/*/soap-encoding"},
@@ -88,7 +66,7 @@ TEST(Skeleton, installsTheNamespaceTableInTheAgreedOrder) {
         // clang-format on
     };
     const Namespace* row = namespaces;
-    for (const Row& wanted : expected) {
+    for (const auto& wanted : expected) {
         EXPECT_STREQ(row->id, wanted.prefix);
         EXPECT_STREQ(row->ns, wanted.uri);
         EXPECT_STREQ(row->in, wanted.pattern);

@@ -78,90 +78,12 @@ const Row VALUE_ROWS[] = {
 };
 // clang-format on
 
-class Value : public testing::TestWithParam<Row> {};
-
-TEST_P(Value, isReadAndWritten) {
-    const Row& row = GetParam();
-    const wire::Context context = wire::newContext(row.mode);
-    EXPECT_EQ(row.rewrite(context.get(), "e", row.read),
-              row.written.empty() ? row.read : row.written)
-        << row.what;
-}
-
-INSTANTIATE_TEST_SUITE_P(Contract, Value, testing::ValuesIn(VALUE_ROWS));
-
-// The converters of an enumeration, taken together whatever its type.
-struct Enumeration {
-    const char* name;
-    int (*parse)(soap*, const char*, int*);
-    const char* (*print)(soap*, int);
-    std::vector<std::string> texts;
-};
-
-template <typename Type, int (*Parse)(soap*, const char*, Type*)>
-int parse(soap* context, const char* text, int* number) {
-    Type value{};
-    const int error = Parse(context, text, &value);
-    *number = static_cast<int>(value);
-    return error;
-}
-
-template <typename Type, const char* (*Print)(soap*, Type)>
-const char* print(soap* context, int number) {
-    return Print(context, static_cast<Type>(number));
-}
-
-#define ENUMERATION(Name)                                                                         \
-#Name, parse < SanApi::ns1__##Name, SanApi::soap_s2ns1__##Name>, print < SanApi::ns1__##Name, \
-        SanApi::soap_ns1__##Name##2s>
-
-// clang-format off
-const Enumeration ENUMERATION_ROWS[] = {
-    {ENUMERATION(InetAddressType),       {"unknown", "ipv4", "ipv6", "dns"}},
-    {ENUMERATION(CfmStatus),             {"primary", "capable", "none"}},
-    {ENUMERATION(CacheDeviceStatus),     {"used", "available", "unavailable", "degraded", "prepare for removal", "removing",
-                                          "failed", "unknown"}},
-    {ENUMERATION(CacheDeviceMemoryType), {"nvm", "ram"}},
-    {ENUMERATION(HcnStatus),             {"used", "available", "unavailable", "degraded", "removing", "down"}},
-    {ENUMERATION(CacheMode),             {"writethrough", "passthrough", "unknown", "writeback"}},
-    {ENUMERATION(CachePolicy),           {"proportional", "clientaffinity"}},
-    {ENUMERATION(SanType),               {"OSL", "VQD"}},
-    {ENUMERATION(SanStatus),             {"up", "down", "degraded"}},
-    {ENUMERATION(HccStatus),             {"Initializing", "Active", "Preparing for Maintenance", "In Maintenance Mode",
-                                          "Exiting Maintenance Mode", "Invalid"}},
-    {ENUMERATION(LinkSpeed),             {"unknown", "1000", "10000", "40000", "100000"}},
-    {ENUMERATION(LinkState),             {"up", "down"}},
-    {ENUMERATION(InterfaceType),         {"unknown", "fc", "iscsi"}},
-    {ENUMERATION(eventSeverity),         {"ES-UNUSED", "ES-CRITICAL", "ES-WARNING", "ES-INFORMATIONAL"}},
-    {ENUMERATION(ConfigActionType),      {"SET", "UNSET"}},
-    {ENUMERATION(AttachType),            {"create", "addhcn", "primarycfmelection"}},
-    {ENUMERATION(eventArgType),          {"SIZE", "MODE", "HCC-ID", "CACHEDEVICE-ID", "CACHEDEVICE-PATH", "STORAGE-PATH-WWN",
-                                          "STORAGE-PATH-PATH", "SAN-VOLUME-WWN", "SAN-VOLUME-PATH", "JOURNAL-LOCATION",
-                                          "CACHED-LUN-NAME", "HCN-ID", "MGMT-IP", "CACHE-NET-IP", "SAN-ID", "SAN-NAME",
-                                          "SAN-TYPE", "HC-VOLUME-ID", "SAN-VOLUME-ID", "SNAPSHOT-ID", "END"}},
-};
-// clang-format on
-
-TEST(Enumerations, haveTheirTextsInOrderAndFallBackToNumbers) {
-    const wire::Context lax = wire::newContext();
-    const wire::Context strict = wire::newContext(STRICT);
-    for (const Enumeration& row : ENUMERATION_ROWS) {
-        int number = -1;
-        lax->error = SOAP_OK;  // an error stays until the next message
-        const int count = static_cast<int>(row.texts.size());
-        for (int index = 0; index < count; ++index) {
-            const std::string& text = row.texts[static_cast<std::size_t>(index)];
-            EXPECT_EQ(row.parse(lax.get(), text.c_str(), &number), SOAP_OK) << text;
-            EXPECT_EQ(number, index) << row.name << ' ' << text;
-            EXPECT_EQ(row.print(lax.get(), index), text) << row.name;
-        }
-        EXPECT_EQ(row.parse(lax.get(), "99", &number), SOAP_OK) << row.name;
-        EXPECT_EQ(number, 99) << row.name;
-        EXPECT_STREQ(row.print(lax.get(), 99), "99") << row.name;
-        EXPECT_EQ(row.parse(lax.get(), "nonsense", &number), SOAP_TYPE) << row.name;
-        strict->mode = STRICT;
-        EXPECT_EQ(row.parse(strict.get(), std::to_string(count).c_str(), &number), SOAP_TYPE)
-            << row.name;
+TEST(Value, isReadAndWritten) {
+    for (const Row& row : VALUE_ROWS) {
+        const wire::Context context = wire::newContext(row.mode);
+        EXPECT_EQ(row.rewrite(context.get(), "e", row.read),
+                  row.written.empty() ? row.read : row.written)
+            << row.what;
     }
 }
 
