@@ -36,9 +36,9 @@ void FieldOptions::text(const char* name, std::string& member, const char* help)
     m_command.add_option(name, member, help)->required();
 }
 
-void FieldOptions::text(const char* name, std::function<void(const std::string&)> set,
+void FieldOptions::text(const char* name, const std::function<void(const std::string&)>& set,
                         const char* help) {
-    m_command.add_option_function<std::string>(name, std::move(set), help);
+    m_command.add_option_function<std::string>(name, set, help);
 }
 
 void FieldOptions::optionalText(const char* name, std::string*& member, const char* help) {

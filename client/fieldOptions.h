@@ -20,7 +20,8 @@ public:
 
     void text(const char* name, std::string& member, const char* help);
     /// Calls `set` with the text when the option is given.
-    void text(const char* name, std::function<void(const std::string&)> set, const char* help);
+    void text(const char* name, const std::function<void(const std::string&)>& set,
+              const char* help);
     /// Stays absent from the message when the option is not given.
     void optionalText(const char* name, std::string*& member, const char* help);
     /// A secret: see addSecretOption.

@@ -27,61 +27,6 @@ const char* orNull(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
-std::string orEmpty(const char* text) {
-    return text == nullptr ? "" : text;
-}
-
-std::string localName(const std::string& code) {
-    return code.substr(code.find_last_of(":\"") + 1);
-}
-
-// The code of the fault that came from the server; empty when it sent none.
-std::string receivedFault(soap& context) {
-    const bool isFault = context.error == SOAP_FAULT || context.error == SOAP_CLI_FAULT ||
-                         context.error == SOAP_SVR_FAULT || context.error == SOAP_VERSIONMISMATCH ||
-                         context.error == SOAP_MUSTUNDERSTAND;
-    return isFault && context.fault != nullptr ? localName(orEmpty(*soap_faultcode(&context))) : "";
-}
-
-bool isHttpStatus(int error) {
-    return error >= 200 && error < 600;
-}
-
-bool isHttpRefusal(int error) {
-    return error >= 400 && error < 500;
-}
-
-ExitStatus statusOf(const std::string& faultCode, int error) {
-    if (faultCode.starts_with("Server") || faultCode == "Receiver") {
-        return ExitStatus::refusedByArray;
-    }
-    return !faultCode.empty() || isHttpRefusal(error) ? ExitStatus::refusedByService
-                                                      : ExitStatus::noAnswer;
-}
-
-std::string engineText(Proxy& proxy) {
-    soap_set_fault(&proxy);
-    const std::string text = orEmpty(proxy.soap_fault_string());
-    const std::string detail = orEmpty(proxy.soap_fault_detail());
-    return detail.empty() ? text : text + " (" + detail + ")";
-}
-
-// The engine has one error for a connection that ended and for one that stayed silent, and tells
-// an answer that is no SOAP by the HTTP status alone.
-std::string textOfFailure(Proxy& proxy, double seconds, int timeoutSeconds) {
-    const int error = proxy.error;
-    if (error == SOAP_EOF && seconds >= timeoutSeconds) {
-        return "no whole answer within " + std::to_string(timeoutSeconds) + " s";
-    }
-    if (error == SOAP_EOF) {
-        return "the connection ended before the answer did";
-    }
-    if (error >= 200 && error < 300) {
-        return "the answer is no SOAP message";
-    }
-    return isHttpStatus(error) ? "HTTP status " + std::to_string(error) : engineText(proxy);
-}
-
 void showMessage(const char* title, const std::string& captured) {
     const std::string message = maskSecrets(captured);
     const std::size_t head = message.find("\r\n\r\n");
@@ -125,9 +70,10 @@ void Session::fillHeader() {
     const Credentials& credentials = m_options.credentials;
     if (!credentials.user.empty()) {
         const std::string plain = credentials.user + ":" + credentials.password;
-        m_encodedUserPass =
-            orEmpty(soap_s2base64(&m_proxy, reinterpret_cast<const unsigned char*>(plain.data()),
-                                  nullptr, static_cast<int>(plain.size())));
+        const char* encoded =
+            soap_s2base64(&m_proxy, reinterpret_cast<const unsigned char*>(plain.data()), nullptr,
+                          static_cast<int>(plain.size()));
+        m_encodedUserPass = encoded == nullptr ? "" : encoded;
         m_userPass.__ptr = reinterpret_cast<unsigned char*>(m_encodedUserPass.data());
         m_userPass.__size = static_cast<int>(m_encodedUserPass.size());
         m_apiHeader.userPass = &m_userPass;
@@ -181,19 +127,11 @@ void Session::begin() {
 }
 
 Outcome Session::finish() {
-    Outcome outcome;
-    outcome.seconds = now() - m_began;
+    const double seconds = now() - m_began;
     if (m_options.dump) {
         showMessages();
     }
-    if (m_proxy.error != SOAP_OK) {
-        outcome.faultCode = receivedFault(m_proxy);
-        outcome.status = statusOf(outcome.faultCode, m_proxy.error);
-        outcome.text = outcome.faultCode.empty()
-                           ? textOfFailure(m_proxy, outcome.seconds, m_options.timeoutSeconds)
-                           : orEmpty(m_proxy.soap_fault_string());
-    }
-    return outcome;
+    return outcomeOf(m_proxy, seconds, m_options.timeoutSeconds);
 }
 
 void Session::showMessages() const {

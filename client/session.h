@@ -4,24 +4,10 @@
 
 #include "SanApiSanApiPortBindingProxy.h"
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
-#include "client/exitStatus.h"
+#include "client/outcome.h"
 #include "client/serviceOptions.h"
 
 namespace client {
-
-using Proxy = SanApi::SanApiPortBindingProxy;
-
-/// How one call went.
-struct Outcome {
-    ExitStatus status = ExitStatus::done;
-    /// Local name of the fault's code, such as "Server"; empty when no fault came.
-    std::string faultCode;
-    /// Why it failed, in the words of the fault or of the engine; empty when it is done.
-    std::string text;
-    double seconds = 0;
-
-    bool isDone() const { return status == ExitStatus::done; }
-};
 
 /// Calls to one service over one connection, which stays open between calls when the server
 /// lets it. For one thread; others have sessions of their own.
