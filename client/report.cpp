@@ -19,8 +19,9 @@ bool isWorthShowing(const Json& value) {
 // One line a value, with its path: "origScsiInfo.deviceId: 600a...".
 void printFields(const std::string& path, const Json& value) {
     if (value.is_object()) {
+        const std::string prefix = path.empty() ? "" : path + ".";
         for (const auto& [name, member] : value.items()) {
-            printFields(path.empty() ? name : path + "." + name, member);
+            printFields(std::string(prefix).append(name), member);
         }
     } else if (value.is_array()) {
         for (const auto& item : value) {
