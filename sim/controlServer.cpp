@@ -19,7 +19,7 @@ using httplib::Request;
 using httplib::Response;
 
 constexpr std::size_t threads = 16;
-constexpr std::size_t longestBody = 1024 * 1024;  // bytes; a scenario is far below
+constexpr std::size_t longestBody = std::size_t{1024} * 1024;  // bytes; a scenario is far below
 constexpr std::size_t mostExchanges = 1000;
 constexpr const char* jsonType = "application/json";
 

@@ -16,7 +16,7 @@ class ExchangeLog {
 public:
     static constexpr std::size_t kept = 1000;
     /// Longer documents are cut in memory; the file gets them whole.
-    static constexpr std::size_t longestDocument = 64 * 1024;
+    static constexpr std::size_t longestDocument = std::size_t{64} * 1024;
 
     /// An empty name keeps no file. Throws std::runtime_error when it cannot be written.
     explicit ExchangeLog(const std::string& file);

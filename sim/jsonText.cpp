@@ -29,7 +29,7 @@ void onlyMembers(const Json& value, const std::string& what,
     }
     for (const auto& [name, member] : value.items()) {
         if (std::find(names.begin(), names.end(), name) == names.end()) {
-            throw std::runtime_error(what + " has no member \"" + name + "\"");
+            throw std::runtime_error(std::string(what).append(" has no member \"") + name + "\"");
         }
     }
 }

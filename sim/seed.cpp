@@ -12,7 +12,7 @@ std::string text(const Json& object, const char* name) {
 }
 
 std::string requiredText(const Json& object, const char* name, const std::string& what) {
-    const std::string value = text(object, name);
+    std::string value = text(object, name);
     if (value.empty()) {
         throw std::runtime_error(what + " needs a \"" + name + "\"");
     }

@@ -56,7 +56,7 @@ private:
         if (!result) {
             throw std::runtime_error("no simulator answers at " + m_path);
         }
-        const Json json = Json::parse(result->body, nullptr, false);
+        Json json = Json::parse(result->body, nullptr, false);
         if (result->status != 200) {
             throw std::runtime_error(json.is_object() ? json.value("error", "refused")
                                                       : "unexpected answer");

@@ -66,17 +66,28 @@ class ConnectionTest(unittest.TestCase):
                 self.assertIn(words, reply.error)
         self.ping()
 
-    def test_every_one_of_many_callers_is_answered(self):
+    def test_every_one_of_many_callers_is_answered_while_others_look(self):
         failures = []
 
-        def caller():
+        def attempt(work):
             try:
-                for _ in range(50):
-                    self.ping()
+                work()
             except Exception as problem:  # whatever it is, the test has to see it
                 failures.append(problem)
 
-        callers = [threading.Thread(target=caller) for _ in range(16)]
+        def caller():
+            for _ in range(50):
+                self.ping()
+
+        def looker():
+            for _ in range(5):
+                self.simulator.control("log", "--json")
+                self.simulator.control("state")
+                self.simulator.control("fail", "TarnServer::Get", "refuse")
+                self.simulator.control("reset")
+
+        callers = [threading.Thread(target=attempt, args=(work,))
+                   for work in 16 * [caller] + 2 * [looker]]
         for thread in callers:
             thread.start()
         for thread in callers:
