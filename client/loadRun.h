@@ -10,7 +10,7 @@ namespace client {
 /// Many clusters' lives, several at a time.
 struct LoadPlan {
     int clusters = 1;
-    int parallel = 1;  ///< Lives at a time; each worker has a connection of its own.
+    int parallel = 1;  ///< Lives at a time, each run by a worker of its own.
     /// The plan of a cluster (from 0) that a worker (from 0) runs. Called from several threads.
     std::function<ClusterPlan(int cluster, int worker)> plan;
     /// Told after each life how many are over. Called by one thread at a time.

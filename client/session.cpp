@@ -15,8 +15,10 @@ namespace {
 
 constexpr ULONG64 longestReply = 16UL * 1024 * 1024;
 constexpr unsigned int deepestReply = 100;
-constexpr soap_mode inputMode = SOAP_C_UTFSTRING | SOAP_IO_KEEPALIVE | SOAP_XML_TREE;
-constexpr soap_mode outputMode = SOAP_C_UTFSTRING | SOAP_IO_KEEPALIVE;
+// A connection for each call: a busy server closes kept ones at the very moment when the next
+// request is on its way, and nobody can tell whether that request may be repeated.
+constexpr soap_mode inputMode = SOAP_C_UTFSTRING | SOAP_XML_TREE;
+constexpr soap_mode outputMode = SOAP_C_UTFSTRING;
 
 double now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();

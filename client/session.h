@@ -9,8 +9,8 @@
 
 namespace client {
 
-/// Calls to one service over one connection, which stays open between calls when the server
-/// lets it. For one thread; others have sessions of their own.
+/// Calls to one service, each over a connection of its own. For one thread; others have sessions
+/// of their own.
 ///
 ///     Session session(options);
 ///     SanApi::ns1__Ping request;
