@@ -7,17 +7,13 @@
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
 #include "apiMgmt/apiStub/base/methodReturns/baseApiMethodReturn.h"
-#include "apiMgmt/proto/apiMgrMsg.pb.h"
+#include "tests/support/replyMessage.h"
 
 namespace {
 
 std::unique_ptr<BASEApiMethodReturn> process(const std::string& document) {
-    protoIPCMsg::GPBIPCMsg reply;
-    reply.set_msgtype(protoIPCMsg::IPC_API_RESPONSE);
-    reply.mutable_apirespmsg()->set_cmdtype(protoIPCMsg::API_COMMAND);
-    reply.mutable_apirespmsg()->mutable_cmdrespmsg()->set_responsedocument(document);
     const APITarnHostCache::APITarnHostCachePingMethod method;
-    return std::unique_ptr<BASEApiMethodReturn>(method.ProcessResponse(reply));
+    return std::unique_ptr<BASEApiMethodReturn>(method.ProcessResponse(replyWith(document)));
 }
 
 }  // namespace

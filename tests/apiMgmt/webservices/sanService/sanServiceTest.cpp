@@ -13,20 +13,13 @@
 #include <vector>
 
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
+#include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 #include "tests/support/syslogCapture.h"
 
 using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-struct ContextDeleter {
-    void operator()(soap* context) const {
-        soap_destroy(context);
-        soap_end(context);
-        soap_free(context);
-    }
-};
 
 // What the web server's module gives the plug-in, without a web server.
 class FakeModule {
@@ -66,7 +59,7 @@ private:
         return SOAP_OK;
     }
 
-    std::unique_ptr<soap, ContextDeleter> m_context;
+    wire::Context m_context;
     conn_rec m_connection{};
     request_rec m_request{};
     soapRequestConf m_configuration{};

@@ -62,17 +62,6 @@ std::string envelope(const std::string& body,
            "</e:Body></e:Envelope>";
 }
 
-TEST(Dispatch, callsTheOperationThatTheBodyNames) {
-    for (const char* name :
-         {"AddHccToSan", "RemoveHccFromSan", "AddServer", "RemoveServer", "HccAttachVolume",
-          "HccDetachVolume", "MakeDataAvailable", "MakeDataUnavailable", "FlushComplete",
-          "NewPrimaryCfmAddresses", "SnapshotPrepareComplete", "Ping", "RenameHccInSan"}) {
-        const Exchange done = exchange(wire::sample(name));
-        EXPECT_EQ(done.called, name);
-        EXPECT_THAT(done.reply, HasSubstr("<ns1:" + std::string(name) + "Response>"));
-    }
-}
-
 struct Row {
     const char* what;
     std::string request;

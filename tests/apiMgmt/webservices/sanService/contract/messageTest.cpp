@@ -9,23 +9,14 @@
 
 namespace {
 
-template <typename Message>
-std::string again(const char* tag, const std::string& text) {
-    const wire::Context context = wire::newContext();
-    Message message;
-    const int error = wire::readEnvelope(context.get(), tag, text, message);
-    return error ? "error " + std::to_string(error)
-                 : wire::writeEnvelope(context.get(), tag, message);
-}
-
 struct Row {
     const char* name;
-    std::string (*again)(const char* tag, const std::string& text);
+    std::string (*rewrite)(soap*, const char* tag, const std::string& text);
 };
 
-#define MESSAGES(Name)                                           \
-    {#Name, again<SanApi::ns1__##Name>}, {                       \
-#Name "Response", again < SanApi::ns1__##Name##Response> \
+#define MESSAGES(Name)                                                           \
+    {#Name, wire::rewriteEnvelope<SanApi::ns1__##Name>}, {                       \
+#Name "Response", wire::rewriteEnvelope < SanApi::ns1__##Name##Response> \
     }
 
 // clang-format off
@@ -41,7 +32,9 @@ TEST(Message, isReadAndWrittenAsItsSample) {
     for (const Row& row : MESSAGE_ROWS) {
         const std::string bytes = wire::sample(row.name);
         ASSERT_FALSE(bytes.empty()) << row.name;
-        EXPECT_EQ(row.again((std::string("ns1:") + row.name).c_str(), bytes), bytes);
+        const wire::Context context = wire::newContext();
+        EXPECT_EQ(row.rewrite(context.get(), (std::string("ns1:") + row.name).c_str(), bytes),
+                  bytes);
     }
 }
 

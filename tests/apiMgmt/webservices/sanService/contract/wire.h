@@ -30,33 +30,27 @@ std::string joined(const std::string& text);
 // A message written without an envelope, without its declaration and namespaces.
 std::string bare(const std::string& text);
 
-// Reads one envelope whose body holds the given message. Gives SOAP_OK or the engine's error.
+// Reads one envelope whose body holds the given message and writes it again, with the header that
+// was read; gives what was written or "error N".
 template <typename Message>
-int readEnvelope(soap* context, const char* tag, const std::string& text, Message& message) {
-    std::istringstream in(text);
-    context->is = &in;
+std::string rewriteEnvelope(soap* context, const char* tag, const std::string& text) {
+    Message message;
     message.soap_default(context);
-    const bool failed = soap_begin_recv(context) || soap_envelope_begin_in(context) ||
-                        soap_recv_header(context) || soap_body_begin_in(context) ||
-                        !message.soap_get(context, tag, nullptr) || soap_body_end_in(context) ||
-                        soap_envelope_end_in(context) || soap_end_recv(context);
-    context->is = nullptr;
-    return failed ? context->error : SOAP_OK;
-}
-
-// Writes an envelope with the context's header and the given message.
-template <typename Message>
-std::string writeEnvelope(soap* context, const char* tag, const Message& message) {
+    std::istringstream in(text);
     std::ostringstream out;
+    context->is = &in;
     context->os = &out;
+    if (soap_begin_recv(context) || soap_envelope_begin_in(context) || soap_recv_header(context) ||
+        soap_body_begin_in(context) || !message.soap_get(context, tag, nullptr) ||
+        soap_body_end_in(context) || soap_envelope_end_in(context) || soap_end_recv(context))
+        return "error " + std::to_string(context->error);
     soap_serializeheader(context);
     message.soap_serialize(context);
-    const bool failed = soap_begin_send(context) || soap_envelope_begin_out(context) ||
-                        soap_putheader(context) || soap_body_begin_out(context) ||
-                        message.soap_put(context, tag, "") || soap_body_end_out(context) ||
-                        soap_envelope_end_out(context) || soap_end_send(context);
-    context->os = nullptr;
-    return failed ? "not written" : joined(out.str());
+    if (soap_begin_send(context) || soap_envelope_begin_out(context) || soap_putheader(context) ||
+        soap_body_begin_out(context) || message.soap_put(context, tag, "") ||
+        soap_body_end_out(context) || soap_envelope_end_out(context) || soap_end_send(context))
+        return "not written";
+    return joined(out.str());
 }
 
 // Reads and writes a message without an envelope; gives what was written or "error N".

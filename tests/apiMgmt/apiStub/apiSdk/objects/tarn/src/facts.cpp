@@ -3,7 +3,8 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <typeinfo>
+#include <typeindex>
+#include <unordered_map>
 
 #include "apiMgmt/apiStub/base/apiAttributes/attributeKinds.h"
 #include "apiMgmt/common/utils/stringUtil.h"
@@ -68,6 +69,20 @@ std::vector<ClassFact> ReadFacts() {
     return facts;
 }
 
+std::string KindOf(const BASEApiAttribute& attribute) {
+#define KIND(Name) \
+    { typeid(Name##ApiAttribute), #Name }
+    static const std::unordered_map<std::type_index, std::string> kinds = {
+        // clang-format off
+        KIND(BOOLEAN), KIND(DATETIME), KIND(ENUM), KIND(ENUMMASK), KIND(GETLISTFILTER),
+        KIND(INSTANCEID), KIND(INT), KIND(IPV4ADDRESS), KIND(METHODOBJECT),
+        KIND(METHODOBJECTARRAY), KIND(NAME), KIND(OBJECT), KIND(OBJECTARRAY), KIND(STRING),
+        KIND(STRINGARRAY),
+        // clang-format on
+    };
+    return kinds.at(typeid(attribute));
+}
+
 std::string BoundsOf(const BASEApiAttribute& attribute) {
     const auto& properties = attribute.GetProperties();
     using Number = INTApiAttribute::INTAttributeProperties;
@@ -104,32 +119,6 @@ std::vector<std::string> ListedRows(const ClassFact& fact) {
     for (const std::string& row : RowsOf(fact.then))
         rows.push_back(row);
     return rows;
-}
-
-// clang-format off
-std::string KindOf(const BASEApiAttribute& attribute) {
-    static const struct { const std::type_info& type; const char* kind; } kinds[] = {
-        {typeid(BOOLEANApiAttribute),           "BOOLEAN"},
-        {typeid(DATETIMEApiAttribute),          "DATETIME"},
-        {typeid(ENUMApiAttribute),              "ENUM"},
-        {typeid(ENUMMASKApiAttribute),          "ENUMMASK"},
-        {typeid(GETLISTFILTERApiAttribute),     "GETLISTFILTER"},
-        {typeid(INSTANCEIDApiAttribute),        "INSTANCEID"},
-        {typeid(INTApiAttribute),               "INT"},
-        {typeid(IPV4ADDRESSApiAttribute),       "IPV4ADDRESS"},
-        {typeid(METHODOBJECTApiAttribute),      "METHODOBJECT"},
-        {typeid(METHODOBJECTARRAYApiAttribute), "METHODOBJECTARRAY"},
-        {typeid(NAMEApiAttribute),              "NAME"},
-        {typeid(OBJECTApiAttribute),            "OBJECT"},
-        {typeid(OBJECTARRAYApiAttribute),       "OBJECTARRAY"},
-        {typeid(STRINGApiAttribute),            "STRING"},
-        {typeid(STRINGARRAYApiAttribute),       "STRINGARRAY"},
-    };
-    // clang-format on
-    for (const auto& known : kinds)
-        if (known.type == typeid(attribute))
-            return known.kind;
-    return "unknown kind";
 }
 
 std::string DescribeAttribute(const BASEApiAttribute& attribute) {

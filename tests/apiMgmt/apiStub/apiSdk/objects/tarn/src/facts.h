@@ -31,7 +31,5 @@ const std::vector<ClassFact>& AllFacts();
 std::vector<std::string> ListedRows(const ClassFact& fact);
 
 class BASEApiAttribute;
-/// The kind as the facts name it, such as "STRING".
-std::string KindOf(const BASEApiAttribute& attribute);
 /// An attribute as a row of the facts.
 std::string DescribeAttribute(const BASEApiAttribute& attribute);
