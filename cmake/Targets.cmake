@@ -34,9 +34,7 @@ add_library(san_warnings INTERFACE)
 target_compile_options(san_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wundef -Wcast-align -Werror
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
-  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>
-  # Accessors that attribute rows make cannot know that a base declares them.
-  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-inconsistent-missing-override>)
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>)
 
 # san_library(NAME SOURCES... DEPENDS...): one subsystem. Links only what it builds on.
 function(san_library name)

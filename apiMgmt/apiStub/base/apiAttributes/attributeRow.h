@@ -16,7 +16,12 @@
 /// SetName. Kinds are those of attributeKinds.h, bounds those of attributeBounds.h: NoBounds,
 /// AtLeast(min), Between(min, max), and for STRING .Forbidding("<>&") behind any of them. INT,
 /// STRING and NAME need bounds; on any other kind they do not compile.
-#define API_ATTRIBUTE(XmlName, DisplayName, Kind, Code, ...)                                    \
+#define API_ATTRIBUTE(...) API_ATTRIBUTE_AS(, __VA_ARGS__)
+
+/// The same, where a base declares the two accessors as pure (GETLISTApiMethod).
+#define API_ATTRIBUTE_OVERRIDE(...) API_ATTRIBUTE_AS(override, __VA_ARGS__)
+
+#define API_ATTRIBUTE_AS(Override, XmlName, DisplayName, Kind, Code, ...)                       \
 public:                                                                                         \
     static const apiKind::Kind::Attribute* Get##XmlName##Attr() {                               \
         using namespace apiKind; /* NOLINT(google-build-using-namespace): bounds of the row */  \
@@ -25,10 +30,10 @@ public:                                                                         
         });                                                                                     \
         return &attribute.Get();                                                                \
     }                                                                                           \
-    apiKind::Kind::Value Get##XmlName() const {                                                 \
+    apiKind::Kind::Value Get##XmlName() const Override {                                        \
         return apiKind::Load<apiKind::Kind>(*this, *Get##XmlName##Attr());                      \
     }                                                                                           \
-    void Set##XmlName(apiKind::Kind::Argument value) {                                          \
+    void Set##XmlName(apiKind::Kind::Argument value) Override {                                 \
         apiKind::Store<apiKind::Kind>(*this, *Get##XmlName##Attr(), value);                     \
     }                                                                                           \
     static_assert(true)

@@ -66,7 +66,7 @@ class APISample::APISampleAddMethod : public BASEApiMethod {
 
 class APISample::APISampleGetListMethod : public GETLISTApiMethod {
     API_GETLIST_METHOD(Sample, false, Reporter);
-    API_ATTRIBUTE(Filter, "Filter", GETLISTFILTER, 25);
+    API_ATTRIBUTE_OVERRIDE(Filter, "Filter", GETLISTFILTER, 25);
     API_ATTRIBUTE_LIST(Filter);
     API_REQUIRED(Filter);
 };

@@ -6,7 +6,7 @@
 ///
 ///     class APITarnServerGetListMethod : public GETLISTApiMethod {
 ///         API_GETLIST_METHOD(TarnServer, false, Reporter);
-///         API_ATTRIBUTE(Filter, "Filter", GETLISTFILTER, 25);   // implements the two accessors
+///         API_ATTRIBUTE_OVERRIDE(Filter, "Filter", GETLISTFILTER, 25);   // the two accessors
 ///         API_ATTRIBUTE_LIST(Filter);
 ///         API_REQUIRED(Filter);
 ///     };

@@ -60,7 +60,7 @@ class APITarnHostCache::APITarnHostCacheGetMethod : public BASEApiMethod {
 
 class APITarnHostCache::APITarnHostCacheGetListMethod : public GETLISTApiMethod {
     API_GETLIST_METHOD(TarnHostCache, false, Reporter);
-    API_ATTRIBUTE(Filter, "Filter", GETLISTFILTER, 25);
+    API_ATTRIBUTE_OVERRIDE(Filter, "Filter", GETLISTFILTER, 25);
     API_ATTRIBUTE_LIST(Filter);
     API_REQUIRED(Filter);
 };

@@ -86,7 +86,7 @@ class APITarnServer::APITarnServerGetMethod : public BASEApiMethod {
 
 class APITarnServer::APITarnServerGetListMethod : public GETLISTApiMethod {
     API_GETLIST_METHOD(TarnServer, false, Reporter);
-    API_ATTRIBUTE(Filter, "Filter", GETLISTFILTER, 25);
+    API_ATTRIBUTE_OVERRIDE(Filter, "Filter", GETLISTFILTER, 25);
     API_ATTRIBUTE_LIST(Filter);
     API_REQUIRED(Filter);
 };
