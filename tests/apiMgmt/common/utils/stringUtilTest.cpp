@@ -92,35 +92,45 @@ TEST(StringUtil, TextsThatMeanTrueOrANumber) {
     EXPECT_GT(STRINGUtil::Comparecase("b", "A"), 0);
 }
 
-using Change = std::string (*)(std::string);
+using Change = std::string (*)(const std::string&);
 
 template <void (*InPlace)(std::string&)>
-std::string Changed(std::string text) {
-    InPlace(text);
-    return text;
+std::string Changed(const std::string& text) {
+    std::string changed = text;
+    InPlace(changed);
+    return changed;
 }
-std::string ToDashes(std::string text) {
+void ToDashesInPlace(std::string& text) {
     STRINGUtil::ReplaceAll(text, ":", "-co-");
-    return text;
 }
-std::string ToDoubled(std::string text) {
+void ToDoubledInPlace(std::string& text) {
     STRINGUtil::ReplaceAll(text, "aa", "aaa");
-    return text;
 }
 
 TEST(StringUtil, TextsAreChanged) {
     const Change left = Changed<STRINGUtil::TrimLeft>, right = Changed<STRINGUtil::TrimRight>,
-                 both = Changed<STRINGUtil::Trim>;
-    const Change markup = [](std::string text) { return STRINGUtil::EscapeString(text, true); };
-    const Change full = [](std::string text) { return STRINGUtil::EscapeString(text, false); };
-    const Change unMarkup = [](std::string text) { return STRINGUtil::UnEscapeString(text, true); };
-    const Change unFull = [](std::string text) { return STRINGUtil::UnEscapeString(text, false); };
-    const Change upper = [](std::string text) { return STRINGUtil::ToUpperCase(text); };
-    const Change lower = [](std::string text) { return STRINGUtil::ToLowerCase(text); };
-    const Change file = [](std::string text) { return STRINGUtil::ExtractFilenameFromPath(text); };
-    const Change listed = [](std::string text) { return STRINGUtil::AddToList("a", text); };
-    const Change first = [](std::string text) { return STRINGUtil::AddToList("", text); };
-    const Change base36 = [](std::string text) {
+                 both = Changed<STRINGUtil::Trim>, dashed = Changed<ToDashesInPlace>,
+                 doubled = Changed<ToDoubledInPlace>;
+    const Change markup = [](const std::string& text) {
+        return STRINGUtil::EscapeString(text, true);
+    };
+    const Change full = [](const std::string& text) {
+        return STRINGUtil::EscapeString(text, false);
+    };
+    const Change unMarkup = [](const std::string& text) {
+        return STRINGUtil::UnEscapeString(text, true);
+    };
+    const Change unFull = [](const std::string& text) {
+        return STRINGUtil::UnEscapeString(text, false);
+    };
+    const Change upper = [](const std::string& text) { return STRINGUtil::ToUpperCase(text); };
+    const Change lower = [](const std::string& text) { return STRINGUtil::ToLowerCase(text); };
+    const Change file = [](const std::string& text) {
+        return STRINGUtil::ExtractFilenameFromPath(text);
+    };
+    const Change listed = [](const std::string& text) { return STRINGUtil::AddToList("a", text); };
+    const Change first = [](const std::string& text) { return STRINGUtil::AddToList("", text); };
+    const Change base36 = [](const std::string& text) {
         return STRINGUtil::FormatBase36String(text, '0', 7);
     };
     const struct {
@@ -131,8 +141,8 @@ TEST(StringUtil, TextsAreChanged) {
         {first, "x", "x"},                  {listed, "b", "a, b"},             {listed, "", "a, "},
         {upper, "a\xc3\xa4Z1", "A\xc3\xa4Z1"},                                {lower, "A\xc3\x84z1", "a\xc3\x84z1"},
         {file, "/a/b.cpp", "b.cpp"},        {file, "a/", ""},                  {file, "plain", "plain"},
-        {ToDashes, "a:b:c", "a-co-b-co-c"}, {ToDashes, "abc", "abc"},          {ToDashes, "", ""},
-        {ToDoubled, "aaaaa", "aaaaaaa"},    {ToDoubled, "aa", "aaa"},
+        {dashed, "a:b:c", "a-co-b-co-c"}, {dashed, "abc", "abc"},          {dashed, "", ""},
+        {doubled, "aaaaa", "aaaaaaa"},    {doubled, "aa", "aaa"},
         {left, " \f\n\r\t\vx y ", "x y "}, {right, " x y \f\n\r\t\v", " x y"}, {both, " \f\n\r\t\vx y \f\n\r\t\v", "x y"},
         {left, " \t ", ""},                 {right, " \t ", ""},               {both, " \t ", ""},
         {left, "\xc2\xa0x", "\xc2\xa0x"},   {right, "x\b", "x\b"},            {both, "", ""},

@@ -48,9 +48,9 @@ TEST(RequestDocumentTest, NamesSessionOnlyWithoutHeader) {
     };
     for (const auto& [locale, connection] : sessions) {
         const GPBIPCMsg request = build(APIThingSetMethod(), nullptr, "k 1", nullptr, locale);
-        EXPECT_EQ(commandOf(request).requestdocument(), "<compapi><ApiConnection>" + connection +
-                                                            "</ApiConnection>" + emptyMethod +
-                                                            "</compapi>");
+        std::string document = "<compapi><ApiConnection>";
+        document.append(connection).append("</ApiConnection>").append(emptyMethod);
+        EXPECT_EQ(commandOf(request).requestdocument(), document.append("</compapi>"));
         EXPECT_EQ(request.apireqmsg().clientaddress(), "127.0.0.1");
         EXPECT_FALSE(commandOf(request).has_hccheader());
     }
