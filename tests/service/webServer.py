@@ -193,7 +193,7 @@ class WebServer:
         try:
             self.process.wait(STOP_SECONDS)
         except subprocess.TimeoutExpired:
-            self.process.kill()
+            os.killpg(self.process.pid, signal.SIGKILL)  # its children too: a group of its own
             self.process.wait()
             raise AssertionError(f"Apache did not end; see {self.directory}") from None
         finally:
