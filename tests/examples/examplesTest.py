@@ -1,14 +1,11 @@
 """The example programs against the array simulator."""
 
-import json
 import os
-import pathlib
 import socket
 import subprocess
-import tempfile
 import unittest
 
-from harness import simulator
+from arraySimulator import ArraySimulator
 from webServer import BUILD, RUNTIME, SANITIZER_OPTIONS, SHIM
 
 SEED = {"clusters": [{"id": "hcc-1", "name": "left & right", "key": "k1"},
@@ -27,16 +24,14 @@ def list_clusters(port, *arguments):
 
 class ListClusters(unittest.TestCase):
     def test_prints_the_typed_return(self):
-        with tempfile.TemporaryDirectory() as folder:
-            seed = pathlib.Path(folder) / "seed.json"
-            seed.write_text(json.dumps(SEED), encoding="utf-8")
-            with simulator("--seed-file", str(seed)) as (_, port):
-                for arguments, expected in [
-                        ([], "success=1\nclusters=2\n101.1 left & right\n101.2 other\n"),
-                        (["left & right"], "success=1\nclusters=1\n101.1 left & right\n"),
-                        (["nobody"], "success=1\nclusters=0\n")]:
-                    with self.subTest(arguments):
-                        self.assertEqual(list_clusters(port, *arguments), (0, expected, ""))
+        array = ArraySimulator(seed=SEED)
+        self.addCleanup(array.stop)
+        for arguments, expected in [
+                ([], "success=1\nclusters=2\n101.1 left & right\n101.2 other\n"),
+                (["left & right"], "success=1\nclusters=1\n101.1 left & right\n"),
+                (["nobody"], "success=1\nclusters=0\n")]:
+            with self.subTest(arguments):
+                self.assertEqual(list_clusters(array.port, *arguments), (0, expected, ""))
 
     def test_says_that_no_api_manager_answers(self):
         with socket.socket() as nobody:
