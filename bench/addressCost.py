@@ -25,7 +25,7 @@ def main():
     arguments = parser.parse_args()
     costs = {count: [] for count in COUNTS}
     # The peer answers whatever comes first, so any request's length does for it.
-    with cost.serving(arguments, cost.join_request(1), cost.PLAIN) as server:
+    with cost.serving(arguments, cost.join_request(1)) as server:
         load = cost.Load(server, arguments)
         for _ in range(arguments.rounds):
             for count in COUNTS:

@@ -28,7 +28,7 @@ function(san_service_test name file)
            "${CMAKE_CURRENT_SOURCE_DIR}/${file}" --verbose)
   san_sanitizer_runtime(runtime)
   set(environment "SAN_BUILD_DIR=${CMAKE_BINARY_DIR}" "SAN_APACHE=${APACHE2}"
-      "SAN_RUNTIME=${runtime}" "PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/service")
+      "SAN_RUNTIME=${runtime}" "${SAN_TEST_TSAN}" "PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/service")
   set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
   if(ARG_THREADED)
     set_tests_properties(${name} PROPERTIES LABELS threaded)
