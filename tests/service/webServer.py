@@ -125,8 +125,8 @@ class WebServer:
             "SAN_TEST_APIMGR_PORT": "" if api_manager_port is None else str(api_manager_port),
             **(environment or {})}
         self.process = None
-        (BUILD / "servers").mkdir(exist_ok=True)
-        self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-", dir=BUILD / "servers"))
+        # Not below the build: a checkout in a home directory is closed to the server's user.
+        self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-"))
         self.directory.chmod(0o755)
         (self.directory / "documents").mkdir()
         if collect_syslog:
