@@ -1,9 +1,14 @@
 // What the engine looks for outside every namespace and the generated code does not give there.
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 
+#include <new>
+
 #include "apiMgmt/common/utils/legalXmlText.h"
 
+// The namespace table is one of the names that the plug-in exports.
+#pragma GCC visibility push(default)
 #include "SanApiPortBinding.nsmap"
+#pragma GCC visibility pop
 
 // The header's content is a message type; its reader and writer live with the messages. The
 // generator gives the names.
@@ -37,8 +42,10 @@ void soap_serializefault(soap* context) {
     env_serializefault(context);
 }
 
-// The engine's shared library calls these by their C names for elements whose type it learns at
-// run time.
+// Stands in for std::nothrow where the engine's archive is linked into a plug-in.
+extern "C" const std::nothrow_t sanNoThrow{};
+
+// The engine calls these by their C names for elements whose type it learns at run time.
 
 extern "C" {
 
