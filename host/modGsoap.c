@@ -129,9 +129,16 @@ static int skipFiles(request_rec* r) {
     return ap_get_module_config(r->request_config, &gsoap_module) ? OK : DECLINED;
 }
 
+static apr_status_t endChild(void* data) {
+    (void)data;
+    for (int i = 0; i < libraries->nelts; ++i)
+        soapFreeReady(APR_ARRAY_IDX(libraries, i, struct soapLibrary*));
+    return APR_SUCCESS;
+}
+
 static void initChild(apr_pool_t* pool, server_rec* server) {
     (void)server;
-    soapServeChildInit(pool);
+    apr_pool_cleanup_register(pool, NULL, endChild, apr_pool_cleanup_null);
 }
 
 static void registerHooks(apr_pool_t* pool) {

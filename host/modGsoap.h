@@ -5,7 +5,7 @@
  *   soapLibrary.c  loads a plug-in and judges its table
  *   soapHandler.c  the gate: method, content type, size; then body, service, reply
  *   soapBody.c     the request body as the engine's input
- *   soapServe.c    the context of a thread and the call of the plug-in
+ *   soapServe.c    the contexts that are ready and the call of the plug-in
  *   soapWsdl.c     the service's description
  *   serveGuard.cpp keeps C++ exceptions of a plug-in inside the request
  */
@@ -31,10 +31,16 @@ extern module AP_MODULE_DECLARE_DATA gsoap_module;
  * square of its size, so the limit protects the processor; LimitRequestBody can lower it. */
 #define SOAP_BODY_LIMIT 131072
 
+/* So many contexts of a plug-in are kept set up in a child process; requests beyond that many at
+ * a time set up their own. */
+#define SOAP_READY_CONTEXTS 64
+
 /* A plug-in: owned by the configuration, its table is set when the server has started. */
 struct soapLibrary {
     const char* path;
     const struct apache_soap_interface* table;
+    /* What soapServe.c keeps for the next requests; taken and given back by atomic exchange. */
+    struct readyContext* contexts[SOAP_READY_CONTEXTS];
 };
 
 /* A service description, cut at its placeholders: address, text, address, text, ... with one
@@ -63,10 +69,10 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body);
 /* soapBody.c: moves up to `room` bytes of the body to `target`; gives how many, 0 at its end. */
 size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room);
 
-/* soapServe.c: called once in each child process before its threads start. */
-void soapServeChildInit(apr_pool_t* pool);
+/* soapServe.c: gives up what is kept for the next requests; no request may be served any more. */
+void soapFreeReady(struct soapLibrary* library);
 /* soapServe.c: lets the plug-in answer `body`. Fills `reply`; gives the HTTP status for it. */
-int soapServe(request_rec* r, const struct apache_soap_interface* table, apr_bucket_brigade* body,
+int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
               apr_bucket_brigade* reply);
 
 /* soapHandler.c: answers a request of the handler. */

@@ -75,13 +75,16 @@ static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply) {
     r->status = status;
     ap_set_content_type(r, SOAP_CONTENT_TYPE);
     ap_set_content_length(r, length);
+    /* Sent at once. The server would hold a short reply back until it has looked in vain for a
+     * next request, and would then hand the connection to another thread. */
+    APR_BRIGADE_INSERT_TAIL(reply, apr_bucket_flush_create(reply->bucket_alloc));
     APR_BRIGADE_INSERT_TAIL(reply, apr_bucket_eos_create(reply->bucket_alloc));
     /* A client that has gone is no failure of this module, and the server notes it itself. */
     ap_pass_brigade(r->output_filters, reply);
     return OK;
 }
 
-static int servePost(request_rec* r, const struct soapLibrary* library) {
+static int servePost(request_rec* r, struct soapLibrary* library) {
     apr_bucket_brigade* body = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     int status = checkHeaders(r);
     if (status == OK)
@@ -93,7 +96,7 @@ static int servePost(request_rec* r, const struct soapLibrary* library) {
     if (status != OK)
         return status;
     apr_bucket_brigade* reply = apr_brigade_create(r->pool, r->connection->bucket_alloc);
-    status = soapServe(r, library->table, body, reply);
+    status = soapServe(r, library, body, reply);
     return sendReply(r, status, reply);
 }
 

@@ -1,29 +1,32 @@
 /*
  * The engine's context and the call of the plug-in.
  *
- * A context is about 160 KiB, and most of what a small request costs is handling it. So each
- * thread keeps the memory of one, which is set up anew for each request: memory taken from the
- * heap at that size would be mapped, faulted in and unmapped every time.
+ * A context is about 160 KiB, and most of what a small request costs is handling it. So a context
+ * that is set up is used again: a plug-in works on a copy of it, and what it left untouched is as
+ * good as new. The lowest free slot is taken first, so that a few requests at a time keep to a few
+ * contexts, which stay in the processor's cache, however many threads take turns.
  *
  * The engine never sees the client's connection: it reads the collected body and writes into a
  * brigade, and everything that could touch a socket or an HTTP header is a hook of this file.
  */
 #include "host/modGsoap.h"
 
-#include <apr_thread_proc.h>
 #include <http_log.h>
+#include <stdlib.h>
 
 #include "host/serveGuard.h"
 
-/* One per thread, made at its first request. */
-struct worker {
+/* A context and what its hooks need. */
+struct readyContext {
     struct soap context;
     struct soapRequestConf conf;
     apr_bucket_brigade* body;  /* what the engine has still to read */
     apr_bucket_brigade* reply; /* what it has written */
+    int spoilt;                /* the context is not as it was set up */
 };
 
-static apr_threadkey_t* workerKey;
+/* The one whose request the thread serves: the hooks run with copies of its context too. */
+static __thread struct readyContext* current;
 
 /* Sent where a plug-in gives no answer of its own. */
 static const char noAnswer[] =
@@ -33,33 +36,24 @@ static const char noAnswer[] =
     "<faultstring>The service failed to answer</faultstring>"
     "</SOAP-ENV:Fault></SOAP-ENV:Body></SOAP-ENV:Envelope>";
 
-void soapServeChildInit(apr_pool_t* pool) {
-    apr_threadkey_private_create(&workerKey, free, pool);
-}
-
-/* The calling thread's worker; the hooks below run on the thread that serves the request. */
-static struct worker* getWorker(void) {
-    void* worker = NULL;
-    apr_threadkey_private_get(&worker, workerKey);
-    if (!worker) {
-        worker = calloc(1, sizeof(struct worker));
-        if (!worker)
-            ap_abort_on_oom();
-        apr_threadkey_private_set(worker, workerKey);
-    }
-    return worker;
+/* The one that a hook serves; null for a plug-in that comes at another time. A plug-in that serves
+ * with the context itself leaves it changed; most use a copy. */
+static struct readyContext* noteUse(const struct soap* context) {
+    if (current && context == &current->context)
+        current->spoilt = 1;
+    return current;
 }
 
 static size_t receive(struct soap* context, char* target, size_t room) {
-    (void)context;
-    struct worker* worker = getWorker();
-    return worker->body ? soapTakeBody(worker->body, target, room) : 0;
+    struct readyContext* ready = noteUse(context);
+    return ready ? soapTakeBody(ready->body, target, room) : 0;
 }
 
 static int sendReply(struct soap* context, const char* data, size_t size) {
-    (void)context;
-    return apr_brigade_write(getWorker()->reply, NULL, NULL, data, size) == APR_SUCCESS ? SOAP_OK
-                                                                                        : SOAP_EOF;
+    struct readyContext* ready = noteUse(context);
+    return ready && apr_brigade_write(ready->reply, NULL, NULL, data, size) == APR_SUCCESS
+               ? SOAP_OK
+               : SOAP_EOF;
 }
 
 /* The server reads and writes the HTTP headers; the engine's own are neither wanted nor made. */
@@ -94,7 +88,8 @@ static int copyConf(struct soap* context, struct soap_plugin* target, struct soa
 }
 
 static void deleteConf(struct soap* context, struct soap_plugin* plugin) {
-    (void)context; /* runs for the context and for each copy of it; the thread owns the data */
+    (void)
+        context; /* runs for the context and for each copy of it; the ready context owns the data */
     plugin->data = NULL;
 }
 
@@ -107,8 +102,8 @@ static int attachConf(struct soap* context, struct soap_plugin* plugin, void* co
     return SOAP_OK;
 }
 
-static int prepareContext(struct worker* worker, const struct apache_soap_interface* table) {
-    struct soap* context = &worker->context;
+static int prepareContext(struct readyContext* ready, const struct apache_soap_interface* table) {
+    struct soap* context = &ready->context;
     table->init(context);
     context->namespaces = table->namespaces;
     context->frecv = receive;
@@ -118,43 +113,97 @@ static int prepareContext(struct worker* worker, const struct apache_soap_interf
     context->fparse = refuseHttp;
     context->fpoll = leaveConnection;
     context->fclose = leaveConnection;
-    return table->registerPlugin(context, attachConf, &worker->conf);
+    return table->registerPlugin(context, attachConf, &ready->conf);
 }
 
-static void takeDownContext(struct soap* context, const struct apache_soap_interface* table) {
+static void freeContext(struct readyContext* ready, const struct apache_soap_interface* table) {
+    struct soap* context = &ready->context;
     table->destroy(context);
     table->end(context);
     table->done(context);
+    free(ready);
 }
 
-static int callPlugin(struct worker* worker, const struct apache_soap_interface* table) {
+/* Gives null when there is no memory for a context. */
+static struct readyContext* makeContext(const struct apache_soap_interface* table) {
+    struct readyContext* ready = calloc(1, sizeof *ready);
+    if (ready && prepareContext(ready, table) != SOAP_OK) {
+        freeContext(ready, table);
+        return NULL;
+    }
+    return ready;
+}
+
+void soapFreeReady(struct soapLibrary* library) {
+    for (int i = 0; i < SOAP_READY_CONTEXTS; ++i) {
+        if (library->contexts[i])
+            freeContext(library->contexts[i], library->table);
+        library->contexts[i] = NULL;
+    }
+}
+
+static struct readyContext* takeContext(struct soapLibrary* library) {
+    for (int i = 0; i < SOAP_READY_CONTEXTS; ++i) {
+        struct readyContext** slot = &library->contexts[i];
+        if (__atomic_load_n(slot, __ATOMIC_RELAXED)) {
+            struct readyContext* ready = __atomic_exchange_n(slot, NULL, __ATOMIC_ACQUIRE);
+            if (ready)
+                return ready;
+        }
+    }
+    return makeContext(library->table);
+}
+
+/* Memory that was taken from the context itself goes with it. */
+static int isAsNew(const struct readyContext* ready) {
+    return !ready->spoilt && !ready->context.alist && !ready->context.clist;
+}
+
+static void giveBack(struct soapLibrary* library, struct readyContext* ready) {
+    ready->conf.r = NULL;
+    ready->body = ready->reply = NULL;
+    for (int i = 0; i < SOAP_READY_CONTEXTS && isAsNew(ready); ++i) {
+        struct readyContext* empty = NULL;
+        if (__atomic_compare_exchange_n(&library->contexts[i], &empty, ready, 0, __ATOMIC_RELEASE,
+                                        __ATOMIC_RELAXED))
+            return;
+    }
+    freeContext(ready, library->table);
+}
+
+/* The HTTP status of what the plug-in wrote; 0 when it wrote nothing, which the log then tells. */
+static int callPlugin(struct readyContext* ready, const struct apache_soap_interface* table) {
     int status = SOAP_OK;
     const char* type = NULL;
-    if (prepareContext(worker, table) != SOAP_OK)
-        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, worker->conf.r, "no context for a SOAP request");
-    else if (soapServeGuarded(table->serve, &worker->context, &status, &type)) {
-        if (!APR_BRIGADE_EMPTY(worker->reply))
-            return status == SOAP_OK ? HTTP_OK : HTTP_INTERNAL_SERVER_ERROR;
-        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, worker->conf.r,
-                      "the SOAP plug-in gave no answer, its status is %d", status);
-    } else {
-        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, worker->conf.r,
+    if (!soapServeGuarded(table->serve, &ready->context, &status, &type))
+        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
                       "the SOAP plug-in let an exception of type %s pass", type);
-    }
-    apr_brigade_cleanup(worker->reply);
-    apr_brigade_puts(worker->reply, NULL, NULL, noAnswer);
-    return HTTP_INTERNAL_SERVER_ERROR;
+    else if (APR_BRIGADE_EMPTY(ready->reply))
+        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
+                      "the SOAP plug-in gave no answer, its status is %d", status);
+    else
+        return status == SOAP_OK ? HTTP_OK : HTTP_INTERNAL_SERVER_ERROR;
+    ready->spoilt = 1;
+    return 0;
 }
 
-int soapServe(request_rec* r, const struct apache_soap_interface* table, apr_bucket_brigade* body,
+int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
               apr_bucket_brigade* reply) {
-    struct worker* worker = getWorker();
-    worker->conf.r = r;
-    worker->body = body;
-    worker->reply = reply;
-    int status = callPlugin(worker, table);
-    takeDownContext(&worker->context, table);
-    worker->body = worker->reply = NULL;
-    worker->conf.r = NULL;
-    return status;
+    int status = 0;
+    current = takeContext(library);
+    if (current) {
+        current->conf.r = r;
+        current->body = body;
+        current->reply = reply;
+        status = callPlugin(current, library->table);
+        giveBack(library, current);
+        current = NULL;
+    } else {
+        ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r, "no context for a SOAP request");
+    }
+    if (status)
+        return status;
+    apr_brigade_cleanup(reply);
+    apr_brigade_puts(reply, NULL, NULL, noAnswer);
+    return HTTP_INTERNAL_SERVER_ERROR;
 }

@@ -302,6 +302,11 @@ class OddPluginTest(ModuleCase):
                 self.assertIn(line, server.error_log())
                 self.assertNotIn("words of the plug-in", server.error_log())
 
+    def test_context_that_a_plugin_changed_is_not_used_again(self):
+        server = self.start(plugin=webServer.ODD_PLUGIN,
+                            environment={"ODD_PLUGIN": "serves without a copy"})
+        self.assertEqual([server.post(soap.PING).text for _ in range(3)], ["new"] * 3)
+
     def test_location_without_plugin_answers_and_says_so(self):
         server = self.start(extra="<Location /bare>\nSetHandler gsoap_handler\n</Location>")
         self.assertEqual(server.request("POST", "/bare", PING).status, 500)

@@ -13,7 +13,17 @@ const std::string behaviour = [] {
     return std::string(name != nullptr ? name : "");
 }();
 
+// Serves with the module's own context and leaves its traces in it.
+int serveWithoutCopy(struct soap* context) {
+    const std::string seen = context->user != nullptr ? "used" : "new";
+    context->user = soap_malloc(context, 100000);
+    context->fsend(context, seen.c_str(), seen.size());
+    return SOAP_OK;
+}
+
 int serveOddly(struct soap* context) {
+    if (behaviour == "serves without a copy")
+        return serveWithoutCopy(context);
     if (behaviour == "throws")
         throw std::runtime_error("words of the plug-in that nobody is to see");
     if (behaviour == "throws midway")
