@@ -121,6 +121,39 @@ unsigned long hashSalt() {
     return salt;
 }
 
+/// The document without the usual declaration, which says what Expat is told anyway, so that it
+/// need not be read. One that is followed by another instruction, which may be a declaration out
+/// of place, is left for Expat to judge.
+std::string_view withoutUsualDeclaration(std::string_view text) {
+    constexpr std::string_view usual = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+    if (!text.starts_with(usual)) {
+        return text;
+    }
+    const std::string_view rest =
+        text.substr(std::min(text.size(), text.find_first_not_of(" \t\r\n", usual.size())));
+    return rest.starts_with('<') && !rest.starts_with("<?") ? rest : text;
+}
+
+using ExpatParser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
+
+// What a parser took for its work it keeps; one that read more than this is not kept.
+constexpr std::size_t maxKeptSize = std::size_t{64} * 1024;
+
+/// The thread's own parser, ready for a document. Setting one up costs more than a reply of the
+/// usual size does, so it is kept from one document to the next.
+XML_Parser readyParser(ExpatParser& kept) {
+    if (!kept) {
+        kept.reset(XML_ParserCreate("UTF-8"));
+    } else if (XML_ParserReset(kept.get(), "UTF-8") != XML_TRUE) {
+        kept.reset();
+    }
+    if (!kept) {
+        throw std::bad_alloc();
+    }
+    XML_SetHashSalt(kept.get(), hashSalt());
+    return kept.get();
+}
+
 }  // namespace
 
 XMLParser::XMLParser(const char* name) : m_name(name != nullptr ? name : "") {}
@@ -131,20 +164,20 @@ bool XMLParser::ParseXMLString(std::string_view text) {
     if (text.size() > maxSize) {
         return false;
     }
+    text = withoutUsualDeclaration(text);
     m_source.assign(text);
     m_text.reserve(text.size());
     const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
     m_elements.reserve(std::min(tags, maxElements));
 
-    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat(
-        XML_ParserCreate("UTF-8"), &XML_ParserFree);
-    if (!expat) {
-        throw std::bad_alloc();
-    }
-    XML_SetHashSalt(expat.get(), hashSalt());
-    const DocumentBuilder builder(expat.get(), m_source, m_text, m_elements);
-    const bool read = XML_Parse(expat.get(), m_source.data(), static_cast<int>(m_source.size()),
+    thread_local ExpatParser kept(nullptr, &XML_ParserFree);
+    XML_Parser expat = readyParser(kept);
+    const DocumentBuilder builder(expat, m_source, m_text, m_elements);
+    const bool read = XML_Parse(expat, m_source.data(), static_cast<int>(m_source.size()),
                                 XML_TRUE) == XML_STATUS_OK;
+    if (m_source.size() > maxKeptSize) {
+        kept.reset();
+    }
     if (!read) {
         m_elements.clear();
     }

@@ -39,6 +39,8 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
       m_apiMgrPort(apiMgrPort) {
     SanApiPortBindingService_init(kStringMode, kStringMode);
     LimitInput(*this);
+    // The reply reaches the web server in one piece instead of one for each tag.
+    soap_set_omode(this, SOAP_IO_BUFFER);
     google::protobuf::internal::VerifyVersion(GOOGLE_PROTOBUF_VERSION, kOldestProtobuf,
                                               ServiceLog::kSource);
 

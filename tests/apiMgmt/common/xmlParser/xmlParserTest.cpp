@@ -19,6 +19,8 @@ std::string nested(std::size_t depth) {
     return repeated("<a>", depth) + repeated("</a>", depth);
 }
 
+const std::string usualDeclaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+
 // clang-format off
 const std::pair<std::string, std::string> contents[] = {
     {"<a/>",                                     ""},
@@ -28,6 +30,8 @@ const std::pair<std::string, std::string> contents[] = {
     {"<a>x<![CDATA[<y>]]><!-- n -->z</a>",       "x<y>z"},
     {"<a>1\r\n2</a>",                            "1\n2"},
     {"<?xml version=\"1.0\"?>\n<a>t</a>\n",      "t"},
+    {usualDeclaration + "\n<a>t</a>\n",          "t"},
+    {usualDeclaration + "<?p?><a><b/></a>",       "<b/>"},
     {"\xef\xbb\xbf<a>t</a>",                     "t"},
     // With child elements: as written, references and white space included.
     {"<a><b>1 &lt; 2</b><c/></a>",               "<b>1 &lt; 2</b><c/>"},
@@ -58,6 +62,8 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
         {"not UTF-8", "<a>\xff</a>"},                {"a surrogate", "<a>\xed\xa0\x80</a>"},
         {"forbidden reference", "<a>&#1;</a>"},      {"unknown entity", "<a>&b;</a>"},
         {"document type", "<!DOCTYPE a><a/>"},       {"prefix alone", "<a><p:/></a>"},
+        {"declaration alone", usualDeclaration},     {"mark after it", usualDeclaration + "\xef\xbb\xbf<a/>"},
+        {"two of them", usualDeclaration + "<?xml version='1.0'?><a/>"},
         {"too deep", nested(XMLParser::maxDepth + 1)},
         {"too many elements", "<a>" + repeated("<b/>", XMLParser::maxElements) + "</a>"},
         {"too long", "<a>" + std::string(XMLParser::maxSize, 'x') + "</a>"},

@@ -1,4 +1,9 @@
 // What goes out: the request document, the message around it, and the exchange.
+#include <google/protobuf/arena.h>
+
+#include <array>
+#include <cstddef>
+
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/xmlText.h"
@@ -19,6 +24,7 @@ constexpr const char* documentTag = "compapi";
 constexpr const char* connectionTag = "ApiConnection";
 constexpr std::size_t localeSize = 5;  // as in "en_US"; any other text is no locale
 constexpr const char* localClient = "127.0.0.1";
+constexpr std::size_t messageMemory = 4096;
 
 /// The element that tells whose session a request belongs to.
 std::string connectionElement(const std::string& sessionKey, const std::string& locale) {
@@ -63,8 +69,12 @@ BASEApiMethodReturn* exchange(const BASEApiMethod& method, const APIHccReqHeader
                               const std::string& sessionKey,
                               const std::map<std::string, std::string>* blobs,
                               const std::string& locale) {
-    protoIPCMsg::GPBIPCMsg request;
-    protoIPCMsg::GPBIPCMsg reply;
+    // Both messages with all their parts in one piece of memory, which for a usual call is this
+    // one; a longer text goes to the heap.
+    alignas(std::max_align_t) std::array<char, messageMemory> memory;
+    google::protobuf::Arena arena(memory.data(), memory.size());
+    auto& request = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
+    auto& reply = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
     method.BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
     method.SendRequestToAPIManager(request, reply);
     return method.ProcessResponse(reply);
