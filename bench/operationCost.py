@@ -2,7 +2,7 @@
 """What an operation costs the web server, beside what nobody can do without.
 
     bench/operationCost.py [--operation NAME] [--rounds N] [--seconds S] [--connections N]
-                           [--mpm event|prefork]
+                           [--mpm event|prefork] [--cpu N]
 
 One Apache serves, in turns, and a load generator asks for
 
@@ -15,6 +15,9 @@ One Apache serves, in turns, and a load generator asks for
 Printed are medians of requests per second and of processor time per request of the server's
 processes (user and system, from /proc), and the ratios of the latter. Ratios are worth something
 while nothing else runs; what else ran is measured, and too much of it is said.
+
+With --cpu all of it shares one processor: then nothing is spent on waking an idle one and nothing
+moves between caches, and what is left is the work itself.
 
 Needs a release build (scripts/run.sh --build-only, and the targets of bench/) and wrk.
 """
@@ -42,6 +45,7 @@ import webServer  # noqa: E402
 from operations import address  # noqa: E402
 
 PEER = webServer.BUILD / "bench" / "exchangePeer"
+LOG_SINK = webServer.BUILD / "bench" / "logSink"
 EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
 TICK = os.sysconf("SC_CLK_TCK")
 # Beyond these the figures say more about the machine than about the server.
@@ -137,20 +141,27 @@ def running(command, **options):
             process.stdout.close()
 
 
+LOG_SOCKET = pathlib.Path("/dev/log")
+
+
 @contextlib.contextmanager
-def log_daemon(directory):
-    """A collector of the system log where none runs; without one a line costs next to nothing."""
+def log_daemon():
+    """A log daemon where none runs; without one the C library writes every line to the console,
+    at many times the cost."""
     collector = str(ROOT / "scripts" / "logCollector.py")
     if subprocess.run([collector, "--probe"], check=False).returncode == 0:
         yield
-    elif not os.access("/dev", os.W_OK):
-        print("no log daemon runs: the log lines of d cost less here than they would")
+    elif not os.access(LOG_SOCKET.parent, os.W_OK):
+        print("no log daemon runs: the log lines of d cost more here than they would")
         yield
     else:
-        with running([collector, str(directory / "collected.log")]):
-            while not os.path.exists("/dev/log"):
-                time.sleep(0.05)
-            yield
+        LOG_SOCKET.unlink(missing_ok=True)
+        with running([LOG_SINK, LOG_SOCKET], text=True, stdout=subprocess.PIPE) as sink:
+            sink.stdout.readline()
+            try:
+                yield
+            finally:
+                LOG_SOCKET.unlink()
 
 
 @contextlib.contextmanager
@@ -164,7 +175,7 @@ def serving(arguments, request):
     (server.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
     (server.directory / "reply").write_bytes(reply)
     with running([PEER, server.directory / "reply"], text=True,
-                 stdout=subprocess.PIPE) as peer, log_daemon(server.directory):
+                 stdout=subprocess.PIPE) as peer, log_daemon():
         port = peer.stdout.readline().strip()
         server.environment.update({
             "SAN_TEST_APIMGR_PORT": port, "BENCH_PEER_PORT": port,
@@ -278,11 +289,14 @@ def main():
     parser.add_argument("--seconds", type=int, default=2, help="for each target in each round")
     parser.add_argument("--connections", type=int, default=1)
     parser.add_argument("--mpm", choices=("event", "worker", "prefork"), default="event")
+    parser.add_argument("--cpu", type=int, help="the one processor that everything shares")
     arguments = parser.parse_args()
     if arguments.rounds < 2:
         parser.error("it takes two rounds to tell a spread")
     if not shutil.which("wrk"):
         sys.exit("wrk is missing: apt-get install wrk")
+    if arguments.cpu is not None:
+        os.sched_setaffinity(0, {arguments.cpu})
     rates, costs = ({name: [] for name, _, _ in TARGETS} for _ in range(2))
     foreign = []
     request = OPERATIONS[arguments.operation]
