@@ -8,6 +8,7 @@ import unittest
 
 from sanctlTest import SANCTL, sanctl
 
+SIMCTL = os.environ["SIMCTL"]
 PACKAGING = pathlib.Path(__file__).resolve().parents[2] / "packaging"
 
 
@@ -31,11 +32,11 @@ class PackagingTest(unittest.TestCase):
         known = options().union(*(options(name) for name in commands()))
         self.assertLessEqual(set(re.findall(r"--[a-z-]+", page)), known)
 
-    def complete(self, *words):
+    def complete(self, *words, program=SANCTL):
         script = ('. "$1"; shift; compopt() { :; }; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
                   ' _sanctl; printf "%s\\n" "${COMPREPLY[@]}"')
         done = subprocess.run(["bash", "-c", script, "bash",
-                               PACKAGING / "bash-completion/sanctl", SANCTL, *words],
+                               PACKAGING / "bash-completion/sanctl", program, *words],
                               text=True, capture_output=True, env=os.environ, check=True)
         return set(done.stdout.split())
 
@@ -45,6 +46,11 @@ class PackagingTest(unittest.TestCase):
         self.assertEqual(self.complete("add-server", "--o"), {"--os-type", "--os-release"})
         self.assertEqual(self.complete("lifecycle", "ping"), set())
         self.assertEqual(self.complete("ping", "--cacert", __file__[:-1]), {__file__})
+
+    def test_completion_knows_the_other_program_too(self):
+        self.assertEqual(self.complete("st", program=SIMCTL), {"state"})
+        self.assertEqual(self.complete("fail", "--co", program=SIMCTL),
+                         {"--code", "--count", "--control"})
 
 
 if __name__ == "__main__":
