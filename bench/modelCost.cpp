@@ -24,7 +24,7 @@ template <class Round>
 void measure(benchmark::State& state, Round round) {
     round();  // descriptors are built on first use
     const std::size_t before = allocationCount();
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         round();
     state.counters["allocations"] =
         static_cast<double>(allocationCount() - before) / static_cast<double>(state.iterations());

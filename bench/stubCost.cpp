@@ -121,7 +121,7 @@ void renderRequest(benchmark::State& state) {
     AddHccToSan method;
     fill(method);
     const std::size_t before = allocationCount();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(method.GetXMLString(false, true));
     }
     countAllocations(state, before);
@@ -132,7 +132,7 @@ void buildRequestMessage(benchmark::State& state) {
     AddHccToSan method;
     fill(method);
     const std::size_t before = allocationCount();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(makeRequest(method));
     }
     countAllocations(state, before);
@@ -143,7 +143,7 @@ void processReply(benchmark::State& state) {
     const AddHccToSan method;
     const GPBIPCMsg reply = makeReply();
     const std::size_t before = allocationCount();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(ReturnPtr(method.ProcessResponse(reply)));
     }
     countAllocations(state, before);
@@ -155,7 +155,7 @@ void wholeStubSide(benchmark::State& state) {
     fill(method);
     const std::string reply = makeReply().SerializeAsString();
     const std::size_t before = allocationCount();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(stubSide(method, reply));
     }
     countAllocations(state, before);

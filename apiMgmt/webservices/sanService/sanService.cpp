@@ -8,8 +8,8 @@ namespace {
 
 // What one hostile body may cost. The body limit is the web server's too; the engine's own makes
 // the plug-in safe in a server that is not configured for it.
-constexpr ULONG64 kMaxBodyBytes = 128 * 1024;
-constexpr long kMaxStringBytes = 64 * 1024;
+constexpr ULONG64 kMaxBodyBytes = ULONG64{128} * 1024;
+constexpr long kMaxStringBytes = 64L * 1024;
 constexpr unsigned int kMaxNesting = 64;
 constexpr size_t kMaxListItems = 4096;
 

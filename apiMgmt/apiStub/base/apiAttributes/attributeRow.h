@@ -82,6 +82,21 @@ public:                                                                         
     }                                                                                    \
     static_assert(true)
 
+/// The name of a class, of the class itself and of each of its objects.
+#define API_NAME(Function, Text)                   \
+    API_STATIC_TEXT(Function##Static, Text);       \
+    const std::string& Function() const override { \
+        return Function##Static();                 \
+    }                                              \
+    static_assert(true)
+
+/// The attribute list of a class is that of each of its objects.
+#define API_OWN_LIST()                                          \
+    const APIAttributeList& GetAttributeList() const override { \
+        return GetAttributeListStatic();                        \
+    }                                                           \
+    static_assert(true)
+
 namespace apiKind {
 
 template <class Kind, class Owner>

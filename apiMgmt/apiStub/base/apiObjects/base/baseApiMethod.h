@@ -138,21 +138,11 @@ public:                                                               \
     UserPrivilegeEnum GetMinUserPriv() const override {               \
         return UserPrivilegeEnum::Privilege;                          \
     }                                                                 \
-    const APIAttributeList& GetAttributeList() const override {       \
-        return GetAttributeListStatic();                              \
-    }                                                                 \
-    static_assert(true)
+    API_OWN_LIST()
 
-#define API_METHOD_NAMES(Object, Command)               \
-    API_STATIC_TEXT(GetMethodNameStatic, #Command);     \
-    API_STATIC_TEXT(GetObjectNameStatic, #Object);      \
-    const std::string& GetMethodName() const override { \
-        return GetMethodNameStatic();                   \
-    }                                                   \
-    const std::string& GetObjectName() const override { \
-        return GetObjectNameStatic();                   \
-    }                                                   \
-    static_assert(true)
+#define API_METHOD_NAMES(Object, Command) \
+    API_NAME(GetMethodName, #Command);    \
+    API_NAME(GetObjectName, #Object)
 
 /// The attributes that must be set, in the order in which they are checked. They need neither be
 /// listed nor be declared.

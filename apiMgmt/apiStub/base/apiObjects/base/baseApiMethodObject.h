@@ -42,13 +42,7 @@ protected:
 };
 
 /// What a class states first: the record's type and that its own list is its list.
-#define API_METHOD_OBJECT(Name)                                 \
-public:                                                         \
-    API_STATIC_TEXT(GetObjectNameStatic, #Name);                \
-    const std::string& GetObjectName() const override {         \
-        return GetObjectNameStatic();                           \
-    }                                                           \
-    const APIAttributeList& GetAttributeList() const override { \
-        return GetAttributeListStatic();                        \
-    }                                                           \
-    static_assert(true)
+#define API_METHOD_OBJECT(Name)     \
+public:                             \
+    API_NAME(GetObjectName, #Name); \
+    API_OWN_LIST()

@@ -90,16 +90,11 @@ private:
 };
 
 /// What a class states first: the type's name and that its own list is its list.
-#define API_OBJECT(Name)                                        \
-public:                                                         \
-    API_STATIC_TEXT(GetObjectNameStatic, #Name);                \
-    const std::string& GetObjectName() const override {         \
-        return GetObjectNameStatic();                           \
-    }                                                           \
-    const APIAttributeList& GetAttributeList() const override { \
-        return GetAttributeListStatic();                        \
-    }                                                           \
-    void InitializeAttributeLists() const override {            \
-        GetAttributeList();                                     \
-    }                                                           \
+#define API_OBJECT(Name)                             \
+public:                                              \
+    API_NAME(GetObjectName, #Name);                  \
+    API_OWN_LIST();                                  \
+    void InitializeAttributeLists() const override { \
+        GetAttributeList();                          \
+    }                                                \
     static_assert(true)
