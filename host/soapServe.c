@@ -87,9 +87,9 @@ static int copyConf(struct soap* context, struct soap_plugin* target, struct soa
     return SOAP_OK;
 }
 
+/* Runs for the context and for each copy of it; the data is not theirs. */
 static void deleteConf(struct soap* context, struct soap_plugin* plugin) {
-    (void)
-        context; /* runs for the context and for each copy of it; the ready context owns the data */
+    (void)context;
     plugin->data = NULL;
 }
 
@@ -154,9 +154,12 @@ static struct readyContext* takeContext(struct soapLibrary* library) {
     return makeContext(library->table);
 }
 
-/* Memory that was taken from the context itself goes with it. */
+/* Memory that was taken from the context itself goes with it, and so do engine plug-ins that were
+ * registered with it: they would gather from request to request. */
 static int isAsNew(const struct readyContext* ready) {
-    return !ready->spoilt && !ready->context.alist && !ready->context.clist;
+    const struct soap* context = &ready->context;
+    return !ready->spoilt && !context->alist && !context->clist &&
+           context->plugins->data == &ready->conf;
 }
 
 static void giveBack(struct soapLibrary* library, struct readyContext* ready) {
@@ -190,14 +193,15 @@ static int callPlugin(struct readyContext* ready, const struct apache_soap_inter
 int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
               apr_bucket_brigade* reply) {
     int status = 0;
-    current = takeContext(library);
-    if (current) {
-        current->conf.r = r;
-        current->body = body;
-        current->reply = reply;
-        status = callPlugin(current, library->table);
-        giveBack(library, current);
-        current = NULL;
+    struct readyContext* ready = takeContext(library);
+    if (ready) {
+        ready->conf.r = r;
+        ready->body = body;
+        ready->reply = reply;
+        current = ready;
+        status = callPlugin(ready, library->table);
+        current = NULL; /* from here on the context may be another thread's */
+        giveBack(library, ready);
     } else {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r, "no context for a SOAP request");
     }

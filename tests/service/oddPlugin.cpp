@@ -21,7 +21,28 @@ int serveWithoutCopy(struct soap* context) {
     return SOAP_OK;
 }
 
+// Registers a plug-in of its own with the module's context, and says how many are there.
+int serveAndRegister(struct soap* context) {
+    soap_register_plugin_arg(
+        context,
+        [](struct soap*, soap_plugin* added, void*) {
+            added->id = "odd";
+            added->fdelete = [](struct soap*, soap_plugin*) {};
+            return SOAP_OK;
+        },
+        nullptr);
+    int registered = 0;
+    for (const soap_plugin* next = context->plugins; next != nullptr; next = next->next)
+        ++registered;
+    struct soap copy(*context);
+    const std::string seen = std::to_string(registered);
+    copy.fsend(&copy, seen.c_str(), seen.size());
+    return SOAP_OK;
+}
+
 int serveOddly(struct soap* context) {
+    if (behaviour == "registers")
+        return serveAndRegister(context);
     if (behaviour == "serves without a copy")
         return serveWithoutCopy(context);
     if (behaviour == "throws")
