@@ -108,6 +108,19 @@ Then run with --no-simulator"
     local page_port=$((port + 1))
     { [ "$page_port" -le 65535 ] && ! is_taken "$page_port"; } || page_port=0
     start simulator "$release/sim/sanSim" --port "$api_port" --web "$page_port"
+    wait_for_simulator
+}
+
+# The simulator waits for a port that an ended connection still has; then it says so.
+wait_for_simulator() {
+    local waits=''
+    until grep -q '^listening' "$state/simulator.log"; do
+        all_run || fail_with_logs "the simulator did not start"
+        if [ -z "$waits" ] && waits=$(grep '^waiting' "$state/simulator.log"); then
+            say "The simulator is ${waits}"
+        fi
+        sleep 0.1
+    done
 }
 
 # The address of the simulator's page, as it printed it.

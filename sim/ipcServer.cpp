@@ -28,17 +28,27 @@ void allowManyDescriptors() {
     }
 }
 
-int listenOnLoopback(int port) {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+int tcpSocket(int flags) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
     if (fd < 0) {
         fail("socket");
     }
-    const int on = 1;
-    ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    return fd;
+}
+
+sockaddr_in loopback(int port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+int listenOnLoopback(int port) {
+    const int fd = tcpSocket(SOCK_NONBLOCK);
+    const int on = 1;
+    ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    const sockaddr_in address = loopback(port);
     if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
         ::listen(fd, SOMAXCONN) != 0) {
         const int error = errno;
@@ -74,6 +84,15 @@ IpcServer::IpcServer(int port, Handler handler, Complaint complaint)
         fail("epoll_create1");
     }
     watch(m_listener, EPOLLIN);
+}
+
+bool IpcServer::isServed(int port) {
+    const int fd = tcpSocket(0);
+    const sockaddr_in address = loopback(port);
+    const bool served =
+        ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    ::close(fd);
+    return served;
 }
 
 IpcServer::~IpcServer() {

@@ -49,6 +49,9 @@ public:
     IpcServer(const IpcServer&) = delete;
     IpcServer& operator=(const IpcServer&) = delete;
 
+    /// Whether somebody accepts connections on the port of 127.0.0.1.
+    static bool isServed(int port);
+
     int port() const { return m_port; }
     /// Serves until the descriptor `stopFd` becomes readable.
     void run(int stopFd);

@@ -4,9 +4,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <climits>
 #include <csignal>
 #include <cstdio>
+#include <system_error>
 
 #include "apiMgmt/common/ipc/apiMgrPort.h"
 #include "sim/controlServer.h"
@@ -19,6 +21,8 @@ namespace {
 constexpr int wrongUsage = 64;  // exit status
 /// A pipe with room takes PIPE_BUF bytes without waiting.
 constexpr std::size_t longestLine = PIPE_BUF - 64;
+/// How long a closed connection may keep its port, and a little more.
+constexpr std::chrono::seconds portWait{65};
 
 struct Arguments {
     int port = getApiMgrPort();
@@ -97,6 +101,33 @@ void printLine(const std::string& line) {
     }
 }
 
+/// The server on the port; null when the process is asked to end first. The usual port is one of
+/// those that the system gives to outgoing connections: one that has it keeps it for up to a
+/// minute after its end. That is waited for; another server on the port is not.
+std::unique_ptr<sim::IpcServer> serveIpc(sim::Simulator& simulator, int port, int stopFd) {
+    const auto end = std::chrono::steady_clock::now() + portWait;
+    for (bool told = false;; told = true) {
+        try {
+            return std::make_unique<sim::IpcServer>(
+                port, [&](std::string_view message) { return simulator.handle(message); },
+                printLine);
+        } catch (const std::system_error& problem) {
+            if (problem.code() != std::errc::address_in_use || sim::IpcServer::isServed(port) ||
+                std::chrono::steady_clock::now() > end) {
+                throw;
+            }
+        }
+        if (!told) {
+            printLine("waiting for port " + std::to_string(port) +
+                      ": a connection has it, for a minute at most after its end");
+        }
+        pollfd stop{stopFd, POLLIN, 0};
+        if (::poll(&stop, 1, 250) == 1) {
+            return nullptr;
+        }
+    }
+}
+
 /// Without a path of its own a simulator goes on when its socket cannot be: in another network
 /// the same port may be in use twice.
 std::unique_ptr<sim::ControlServer> serveControl(sim::Simulator& simulator, int port,
@@ -123,16 +154,17 @@ std::unique_ptr<sim::ControlServer> servePage(sim::Simulator& simulator, int por
 int serve(const Arguments& arguments) {
     const int stopFd = endSignals();
     sim::Simulator simulator(arguments.options, printLine);
-    sim::IpcServer server(
-        arguments.port, [&](std::string_view message) { return simulator.handle(message); },
-        printLine);
-    const auto control = serveControl(simulator, server.port(), arguments.control);
+    const auto server = serveIpc(simulator, arguments.port, stopFd);
+    if (server == nullptr) {
+        return 0;
+    }
+    const auto control = serveControl(simulator, server->port(), arguments.control);
     const auto page = servePage(simulator, arguments.web);
-    printLine("listening on 127.0.0.1:" + std::to_string(server.port()));
+    printLine("listening on 127.0.0.1:" + std::to_string(server->port()));
     if (page != nullptr) {
         printLine("page at http://127.0.0.1:" + std::to_string(page->port()) + "/");
     }
-    server.run(stopFd);
+    server->run(stopFd);
     ::close(stopFd);
     return 0;
 }

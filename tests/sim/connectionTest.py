@@ -1,7 +1,11 @@
 """Many peers at once, and peers that misbehave, against the running simulator."""
 
+import contextlib
+import os
 import socket
 import struct
+import subprocess
+import tempfile
 import threading
 import unittest
 
@@ -96,6 +100,27 @@ class ConnectionTest(unittest.TestCase):
         self.simulator.process.send_signal(15)
         self.simulator.reader.join()
         self.assertEqual(sum("TarnHostCache::Ping" in line for line in self.simulator.lines), 800)
+
+
+class PortTest(unittest.TestCase):
+    def test_port_that_a_connection_has_is_waited_for(self):
+        with socket.create_server(("127.0.0.1", 0)) as listener, \
+                tempfile.TemporaryDirectory() as folder:
+            client = socket.create_connection(listener.getsockname())
+            port = client.getsockname()[1]
+            command = [os.environ["SANSIM"], "--control", os.path.join(folder, "control.sock"),
+                       "--port", str(port)]
+            with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as simulator, \
+                    contextlib.ExitStack() as ending:
+                ending.callback(simulator.terminate)
+                self.assertIn(f"waiting for port {port}", simulator.stdout.readline())
+                listener.accept()[0].close()  # the side that closes first is the one that lingers
+                client.close()
+                self.assertIn(f"listening on 127.0.0.1:{port}", simulator.stdout.readline())
+                second = subprocess.run(command, capture_output=True, text=True, check=False)
+                self.assertEqual(second.returncode, 1)
+                self.assertIn("Address already in use", second.stderr)
+            self.assertEqual(simulator.returncode, 0)
 
 
 if __name__ == "__main__":
