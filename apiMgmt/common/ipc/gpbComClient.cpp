@@ -77,12 +77,32 @@ int finishConnect(int fd) {
     return ::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
 }
 
+/// Whether the socket met itself. While nobody listens on the peer's port, the system may give
+/// just that port to an outgoing connection, which then succeeds: the usual port of the API
+/// manager is one of those that it gives out.
+bool metItself(const sockaddr_in& peer, int fd) {
+    sockaddr_in own{};
+    socklen_t size = sizeof(own);
+    return ::getsockname(fd, reinterpret_cast<sockaddr*>(&own), &size) == 0 &&
+           own.sin_port == peer.sin_port && own.sin_addr.s_addr == peer.sin_addr.s_addr;
+}
+
+/// Lets a connection end without the usual wait, in which nobody can listen on its port.
+void forgetOnClose(int fd) {
+    const linger atOnce{1, 0};
+    (void)::setsockopt(fd, SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
+}
+
 void connectTo(const GPBComEndpoint& peer, int fd) {
     const sockaddr_in address = socketAddress(peer);
     int error = 0;
     acknowledgeWithRequest(fd);
     if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
         error = errno == EINTR ? finishConnect(fd) : errno;
+    }
+    if (error == 0 && metItself(address, fd)) {
+        forgetOnClose(fd);
+        error = ECONNREFUSED;
     }
     if (error != 0) {
         fail(peer, __LINE__, reason("Unable to connect", error));

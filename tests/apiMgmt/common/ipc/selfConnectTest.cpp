@@ -1,0 +1,46 @@
+// A client whose own port is the one that it calls.
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
+#include "apiMgmt/common/ipc/gpbComClient.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
+#include "tests/support/scriptedPeer.h"
+
+/// Stands before the C library's, and gives each socket the port that it is to call; the system
+/// does so by chance, about once in ten thousand calls.
+extern "C" int connect(int fd, const sockaddr* address, socklen_t size) {
+    EXPECT_EQ(::bind(fd, address, size), 0);
+    return static_cast<int>(::syscall(SYS_connect, fd, address, size));
+}
+
+namespace {
+
+TEST(SelfConnectTest, IsNobodyAndLeavesThePortFree) {
+    const int port = ClosedPort().port();
+    protoIPCMsg::GPBIPCMsg request, reply;
+    request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
+    try {
+        GPBComClient(GPBComEndpoint("127.0.0.1", port)).SendReceiveMessage(request, reply);
+        FAIL() << "it took its own request for a reply";
+    } catch (const APISocketError& error) {
+        EXPECT_EQ(error.GetLogMessage(),
+                  "127.0.0.1:" + std::to_string(port) + ": Unable to connect: Connection refused");
+    }
+    const int peer = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(::bind(peer, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0)
+        << "the peer cannot start for a minute";
+    ::close(peer);
+}
+
+}  // namespace
