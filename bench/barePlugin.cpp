@@ -5,6 +5,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -74,9 +75,17 @@ public:
     SanApiPortBindingService* copy() override { return new BareService(*this); }
 
     int Ping(SanApi::ns1__Ping*, SanApi::ns1__PingResponse* response) override {
+#ifdef BARE_LOG
+        openlog("SANService", LOG_CONS, LOG_USER);
+        syslog(LOG_WARNING, "%s", "level(4) category(SANService) message(Validating soap header)");
+        syslog(LOG_WARNING, "%s", "level(4) category(SANService) message(Serving Ping request)");
+#endif
 #ifdef BARE_EXCHANGE
         if (!exchangeOnce())
             return soap_receiverfault("The exchange failed", "");
+#endif
+#ifdef BARE_LOG
+        closelog();
 #endif
         response->return_ = SanApi::soap_new_ns1__resultObject(this);
         response->return_->defaultMsg = SanApi::soap_new_std__string(this);

@@ -9,6 +9,7 @@ One Apache serves, in turns, and a load generator asks for
   a  a static file of 1 KB
   b  a Ping that a bare engine service answers, hosted by the same module
   c  the same with one bare exchange over loopback, of as many bytes as d exchanges
+  l  the same with the two log lines that every request writes, the log opened and closed for them
   d  the operation (Ping by default; AddHccToSan with four addresses; HccAttachVolume), whose
      API manager is the peer of c with the answer that an array gives
 
@@ -47,6 +48,7 @@ from operations import address  # noqa: E402
 PEER = webServer.BUILD / "bench" / "exchangePeer"
 LOG_SINK = webServer.BUILD / "bench" / "logSink"
 EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
+LOGGING_PLUGIN = webServer.BUILD / "bench" / "libloggingPlugin.so"
 TICK = os.sysconf("SC_CLK_TCK")
 # Beyond these the figures say more about the machine than about the server.
 MOST_FOREIGN_LOAD = 0.10
@@ -57,9 +59,11 @@ TARGETS = [
     ("a", "static file of 1 KB", "/1k.html"),
     ("b", "bare Ping", "/bare"),
     ("c", "bare Ping and exchange", "/exchange"),
+    ("l", "the same and log lines", "/logging"),
     ("d", "the operation", webServer.PATH),
 ]
-RATIOS = [("d", "c", 1.25), ("d", "b", None), ("b", "a", None), ("d", "a", 4.0)]
+RATIOS = [("d", "c", 1.25), ("d", "b", None), ("b", "a", None), ("d", "a", 4.0), ("l", "c", None),
+          ("d", "l", None)]
 
 LOCATION = """
 <Location "{path}">
@@ -171,7 +175,8 @@ def serving(arguments, request):
     server = webServer.WebServer(
         mpm=arguments.mpm, threads=16, collect_syslog=False,
         extra=LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
-        + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN))
+        + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN)
+        + LOCATION.format(path="/logging", plugin=LOGGING_PLUGIN))
     (server.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
     (server.directory / "reply").write_bytes(reply)
     with running([PEER, server.directory / "reply"], text=True,
@@ -303,7 +308,7 @@ def main():
     with serving(arguments, request) as server:
         load = Load(server, arguments)
         for path, message in (("/bare", soap.PING), ("/exchange", soap.PING),
-                              (webServer.PATH, request)):
+                              ("/logging", soap.PING), (webServer.PATH, request)):
             load.prepare(path, message)
         for number in range(-1, arguments.rounds):  # the first warms up and is not counted
             for name, _, path in TARGETS:
