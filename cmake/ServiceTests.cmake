@@ -1,4 +1,5 @@
-# Tests that drive the plug-in in a real web server: Python programs on tests/service/harness.py.
+# Tests in Python, which drive the programs of the build from outside. What they share stands in
+# tests/service.
 
 # What is preloaded into the server, which is not instrumented itself: the sanitizer's library,
 # and the C++ library, whose functions the sanitizer looks for before a plug-in brings them.
@@ -20,20 +21,26 @@ function(san_sanitizer_runtime result)
   set(${result} "${paths}" PARENT_SCOPE)
 endfunction()
 
-# san_service_test(NAME FILE [THREADED]): one ctest entry that runs a Python test file. It may run
-# beside others. THREADED marks it for the run under ThreadSanitizer.
-function(san_service_test name file)
-  cmake_parse_arguments(ARG "THREADED" "" "" ${ARGN})
-  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B -W error::ResourceWarning
-           "${CMAKE_CURRENT_SOURCE_DIR}/${file}" --verbose)
+# san_service_test(NAME [AS TEST] [THREADED]): one ctest entry, of the module's name or another, that
+# runs NAME.py of this folder. It may run beside others. THREADED marks it for the run under
+# ThreadSanitizer. By hand: PYTHONPATH=tests/service:FOLDER python3 -m unittest NAME
+function(san_service_test name)
+  cmake_parse_arguments(ARG "THREADED" "AS" "" ${ARGN})
+  if(NOT ARG_AS)
+    set(ARG_AS ${name})
+  endif()
+  add_test(NAME ${ARG_AS}
+           COMMAND ${Python3_EXECUTABLE} -B -W error::ResourceWarning -m unittest -v ${name})
   san_sanitizer_runtime(runtime)
   set(environment "SAN_BUILD_DIR=${CMAKE_BINARY_DIR}" "SAN_APACHE=${APACHE2}"
-      "SAN_RUNTIME=${runtime}" "${SAN_TEST_TSAN}" "PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/service")
-  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
+      "SAN_RUNTIME=${runtime}" "${SAN_TEST_TSAN}"
+      "PYTHONPATH=${CMAKE_CURRENT_SOURCE_DIR}:${CMAKE_SOURCE_DIR}/tests/service")
+  set_tests_properties(${ARG_AS} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
   if(ARG_THREADED)
-    set_tests_properties(${name} PROPERTIES LABELS threaded)
+    set_tests_properties(${ARG_AS} PROPERTIES LABELS threaded)
   endif()
-  foreach(target IN ITEMS mod_gsoap sanService sanSim serviceShim barePlugin oddPlugin)
+  foreach(target IN ITEMS mod_gsoap sanService sanSim simctl sanctl serviceShim barePlugin
+                          oddPlugin)
     if(ARG_THREADED AND TARGET ${target})
       add_dependencies(threaded_tests ${target})
     endif()

@@ -1,24 +1,19 @@
 """A tiny HTTP server that answers what it is told to, and keeps what it was sent."""
 
-import base64
 import contextlib
 import http.server
 import threading
 
-ENVELOPE = ('<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/envelope/" '
-            'xmlns:ns1="urn:san-api:service"><SOAP-ENV:Header><ns1:HccApiHeader>'
-            '<xsdVersion version="2.3"/></ns1:HccApiHeader></SOAP-ENV:Header>'
-            "<SOAP-ENV:Body>{}</SOAP-ENV:Body></SOAP-ENV:Envelope>")
-RESULT = "<catalogNumber>0</catalogNumber><defaultMsg></defaultMsg><resultCode>0</resultCode>"
+import soap
 
 
-def reply(operation, content=f"<return>{RESULT}</return>"):
-    return 200, ENVELOPE.format(f"<ns1:{operation}Response>{content}</ns1:{operation}Response>")
+def reply(operation, content="<return/>"):
+    return 200, soap.envelope(f"<ns1:{operation}Response>{content}</ns1:{operation}Response>")
 
 
 def fault(code, text):
-    return 500, ENVELOPE.format(f"<SOAP-ENV:Fault><faultcode>{code}</faultcode>"
-                                f"<faultstring>{text}</faultstring></SOAP-ENV:Fault>")
+    return 500, soap.envelope(f"<SOAP-ENV:Fault><faultcode>{code}</faultcode>"
+                              f"<faultstring>{text}</faultstring></SOAP-ENV:Fault>")
 
 
 NOTHING = (0, "")  # Closes the connection without a word.
@@ -31,8 +26,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_POST(self):
         body = self.rfile.read(int(self.headers["Content-Length"])).decode()
         self.server.requests.append(body)
-        status, text = self.server.answer(body) if callable(self.server.answer) \
-            else self.server.answer
+        status, text = self.server.answer(body)
         if not status:
             self.close_connection = True
             return
@@ -51,7 +45,7 @@ def serve(answer, tls=None):
     """`answer` is (status, body) or a function of the request's body. Gives the server, whose
     `url` and `requests` tell what a test needs; `tls` is a context for HTTPS."""
     server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-    server.answer, server.requests = answer, []
+    server.answer, server.requests = answer if callable(answer) else lambda _: answer, []
     if tls:
         server.socket = tls.wrap_socket(server.socket, server_side=True,
                                         do_handshake_on_connect=False)
@@ -64,9 +58,3 @@ def serve(answer, tls=None):
         server.shutdown()
         thread.join()
         server.server_close()
-
-
-def twice_decoded(request, element="userPass"):
-    """The credentials in a request, which travel encoded twice."""
-    content = request.partition(f"<{element}>")[2].partition("<")[0]
-    return base64.b64decode(base64.b64decode(content)).decode()

@@ -2,12 +2,12 @@
 
 import json
 import re
-import threading
 import unittest
 
 import cannedServer
+import harness
 from cannedServer import NOTHING, fault, reply
-from sanctlTest import sanctl
+from programs import sanctl
 
 LIFE = ["Ping", "AddHccToSan", "AddServer", "AddServer", "HccAttachVolume", "MakeDataAvailable",
         "MakeDataAvailable", "MakeDataUnavailable", "MakeDataUnavailable", "FlushComplete",
@@ -16,34 +16,10 @@ LIFE = ["Ping", "AddHccToSan", "AddServer", "AddServer", "HccAttachVolume", "Mak
 
 
 def operation(request):
-    return re.search(r"Body><ns1:(\w+)", request).group(1)
+    return re.search(r"Body>\s*<ns1:(\w+)", request).group(1)
 
 
-def child(request, name):
-    return request.partition(f"<{name}>")[2].partition("<")[0]
-
-
-class Array:
-    """Answers every operation; what `answers` holds for one is its answer instead. Keeps which
-    volumes clusters hold at the same time."""
-
-    def __init__(self, **answers):
-        self.answers, self.lock = answers, threading.Lock()
-        self.holders, self.clashes = {}, []
-
-    def __call__(self, request):
-        name, volume = operation(request), child(request, "sanVolumeId")
-        with self.lock:
-            if name == "HccAttachVolume":
-                if volume in self.holders:
-                    self.clashes.append(volume)
-                self.holders[volume] = child(request, "hccId")
-            elif name == "HccDetachVolume":
-                del self.holders[volume]
-        return self.answers.get(name, reply(name, "" if name == "HccAttachVolume" else "<return/>"))
-
-
-class LifecycleTest(unittest.TestCase):
+class CannedTest(unittest.TestCase):
     def test_calls_follow_a_life_and_a_failure_takes_down(self):
         refusal = fault("SOAP-ENV:Server", "no room")
         rows = [
@@ -58,28 +34,15 @@ class LifecycleTest(unittest.TestCase):
             ({"HccAttachVolume": NOTHING}, LIFE[:5], 3),
         ]
         for answers, expected, status in rows:
-            array = Array(**answers)
-            with self.subTest(answers), cannedServer.serve(array) as server:
+            def answer(request):
+                name = operation(request)
+                content = "" if name == "HccAttachVolume" else "<return/>"
+                return answers.get(name, reply(name, content))
+            with self.subTest(answers), cannedServer.serve(answer) as server:
                 done = sanctl("lifecycle", "--volume", "mine", "--url", server.url)
                 self.assertEqual(list(map(operation, server.requests)), expected)
                 self.assertEqual(done.returncode, status, done)
                 self.assertEqual(len(done.stdout.splitlines()), len(expected) + 1)
-
-    def test_load_runs_every_life_once_with_volumes_of_its_own(self):
-        array = Array(SnapshotPrepareComplete=fault("SOAP-ENV:Server", "later"))
-        with cannedServer.serve(array) as server:
-            done = sanctl("lifecycle", "--clusters", "30", "--parallel", "5", "--json",
-                          "--url", server.url)
-        report = json.loads(done.stdout)
-        joined = [child(r, "hccId") for r in server.requests if operation(r) == "AddHccToSan"]
-        left = [child(r, "hccId") for r in server.requests if operation(r) == "RemoveHccFromSan"]
-        self.assertEqual(len(set(joined)), 30)
-        self.assertEqual(sorted(joined), sorted(left))
-        self.assertEqual((array.clashes, array.holders), ([], {}))
-        self.assertEqual(done.returncode, 1)
-        self.assertEqual(report["calls"], len(server.requests))
-        self.assertEqual(report["failedClusters"], 30)
-        self.assertEqual(list(report["failures"].values()), [30])
 
     def test_too_few_volumes_are_wrong_usage(self):
         for arguments in (["--parallel", "2", "--volume", "v1"],
@@ -88,5 +51,33 @@ class LifecycleTest(unittest.TestCase):
             self.assertEqual(done.returncode, 64, done)
 
 
-if __name__ == "__main__":
-    unittest.main()
+class ServiceTest(harness.ServiceCase):
+    """Against the service and an array, which refuses a volume that another cluster holds."""
+
+    def sanctl(self, status, *arguments):
+        done = sanctl(*arguments, SANCTL_URL=self.server.url, SANCTL_USER="admin",
+                      SANCTL_PASSWORD="marker-pass")
+        self.assertEqual(done.returncode, status, done)
+        return done
+
+    def test_one_life_twice_and_many_beside_each_other(self):
+        for _ in range(2):
+            self.sanctl(0, "lifecycle", "--hcc-id", "集群 <1>")
+        self.array.take_requests()
+        self.array.fail("refuse", "SnapshotPrepareComplete", error="later", count=10)
+        report = json.loads(self.sanctl(1, "lifecycle", "--clusters", "40", "--parallel", "8",
+                                        "--json").stdout)
+        requests = self.array.take_requests()
+        self.assertEqual((report["calls"], report["failedClusters"], report["failures"]),
+                         (len(requests), 10,
+                          {"SnapshotPrepareComplete: refused by the array: later": 10}))
+        self.assertEqual(len({request.hccId for request in requests} - {""}), 40)
+        self.assertEqual(json.loads(self.array.control("state", "--json"))["clusters"], [])
+
+    def test_a_refused_join_leaves_the_other_cluster_alone(self):
+        ids = ["--san-id", "array-1", "--hcc-id", "c1"]
+        self.sanctl(0, "add-hcc-to-san", *ids, "--hcc-key", "k1", "--address", "192.0.2.1:443")
+        self.sanctl(1, "lifecycle", "--hcc-id", "c1")
+        self.sanctl(0, "remove-hcc-from-san", *ids)
+        unknown = self.sanctl(1, "remove-hcc-from-san", *ids)
+        self.assertIn('Cluster "c1" is not known', unknown.stderr)

@@ -1,15 +1,11 @@
 """The manual page and the completion know what the program knows."""
 
-import os
-import pathlib
 import re
-import subprocess
 import unittest
 
-from sanctlTest import SANCTL, sanctl
+from programs import ROOT, SANCTL, SIMCTL, run, sanctl
 
-SIMCTL = os.environ["SIMCTL"]
-PACKAGING = pathlib.Path(__file__).resolve().parents[2] / "packaging"
+PACKAGING = ROOT / "packaging"
 
 
 def options(*command):
@@ -35,9 +31,9 @@ class PackagingTest(unittest.TestCase):
     def complete(self, *words, program=SANCTL):
         script = ('. "$1"; shift; compopt() { :; }; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
                   ' _sanctl; printf "%s\\n" "${COMPREPLY[@]}"')
-        done = subprocess.run(["bash", "-c", script, "bash",
-                               PACKAGING / "bash-completion/sanctl", program, *words],
-                              text=True, capture_output=True, env=os.environ, check=True)
+        done = run("bash", "-c", script, "bash", PACKAGING / "bash-completion/sanctl", program,
+                   *words)
+        self.assertEqual(done.returncode, 0, done)
         return set(done.stdout.split())
 
     def test_completion_offers_what_fits(self):
@@ -51,7 +47,3 @@ class PackagingTest(unittest.TestCase):
         self.assertEqual(self.complete("st", program=SIMCTL), {"state"})
         self.assertEqual(self.complete("fail", "--co", program=SIMCTL),
                          {"--code", "--count", "--control"})
-
-
-if __name__ == "__main__":
-    unittest.main()

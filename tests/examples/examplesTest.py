@@ -1,12 +1,10 @@
 """The example programs against the array simulator."""
 
-import os
 import socket
-import subprocess
 import unittest
 
 from arraySimulator import ArraySimulator
-from webServer import BUILD, RUNTIME, SANITIZER_OPTIONS, SHIM
+from programs import BUILD, PRELOADED, run
 
 SEED = {"clusters": [{"id": "hcc-1", "name": "left & right", "key": "k1"},
                      {"id": "hcc-2", "name": "other", "key": "k2"}]}
@@ -14,24 +12,20 @@ SEED = {"clusters": [{"id": "hcc-1", "name": "left & right", "key": "k1"},
 
 def list_clusters(port, *arguments):
     """Runs listClusters with the API manager at that port; gives (status, output, errors)."""
-    preload = ":".join(filter(None, [RUNTIME, str(SHIM)]))
-    done = subprocess.run([BUILD / "examples" / "listClusters", *arguments], timeout=60, text=True,
-                          capture_output=True, check=False,
-                          env={**os.environ, **SANITIZER_OPTIONS, "LD_PRELOAD": preload,
-                               "SAN_TEST_APIMGR_PORT": str(port)})
+    done = run(BUILD / "examples" / "listClusters", *arguments,
+               **{**PRELOADED, "SAN_TEST_APIMGR_PORT": str(port)})
     return done.returncode, done.stdout, done.stderr
 
 
 class ListClusters(unittest.TestCase):
     def test_prints_the_typed_return(self):
-        array = ArraySimulator(seed=SEED)
-        self.addCleanup(array.stop)
+        port = self.enterContext(ArraySimulator(seed_file=SEED)).port
         for arguments, expected in [
                 ([], "success=1\nclusters=2\n101.1 left & right\n101.2 other\n"),
                 (["left & right"], "success=1\nclusters=1\n101.1 left & right\n"),
                 (["nobody"], "success=1\nclusters=0\n")]:
             with self.subTest(arguments):
-                self.assertEqual(list_clusters(array.port, *arguments), (0, expected, ""))
+                self.assertEqual(list_clusters(port, *arguments), (0, expected, ""))
 
     def test_says_that_no_api_manager_answers(self):
         with socket.socket() as nobody:
@@ -39,7 +33,3 @@ class ListClusters(unittest.TestCase):
             status, output, errors = list_clusters(nobody.getsockname()[1])
         self.assertEqual((status, output), (3, ""))
         self.assertIn("Unable to connect: Connection refused", errors)
-
-
-if __name__ == "__main__":
-    unittest.main()

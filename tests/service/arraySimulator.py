@@ -3,23 +3,20 @@
     with ArraySimulator("--lenient") as array:
         array.fail("refuse", command="AddServer", error="no")   # the next AddServer is refused
         ...                                   # let the service send something
-        array.take_requests()[0].document     # what arrived
+        array.take_requests()[0].request      # the document that arrived
 """
 
-import contextlib
-import dataclasses
-import http.client
 import json
 import os
-import socket
+import re
 import subprocess
 import tempfile
-import time
+import threading
+import types
 
-from webServer import SIMULATOR
+from programs import SIMCTL, SIMULATOR, run
 
 DECLARATION = '<?xml version="1.0" encoding="UTF-8"?>\n'
-START_SECONDS = 60
 
 
 def reply_document(content):
@@ -32,64 +29,38 @@ def success(value):
     return reply_document(f"<Successful>True</Successful>{value}")
 
 
-@dataclasses.dataclass
-class Request:
-    """One request as the simulator logged it."""
-    document: str
-    client_address: str
-    schema_version: str
-    credentials: str        # "***" when some came; the simulator shows no secret
-    auth_token: str
-    hcc_id: str             # of the header
-    blobs: list             # their names
-    outcome: str            # "ok", or why it was refused
-
-
-class _Control(http.client.HTTPConnection):
-    """HTTP over the simulator's control socket."""
-
-    def __init__(self, path):
-        super().__init__("simulator", timeout=60)
-        self._path = path
-
-    def connect(self):
-        self.sock = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        self.sock.connect(self._path)
-
-
 class ArraySimulator:
-    """Runs on a free port of its own until it is stopped. `seed` and `credentials` are the
-    content of the files that go to the options of these names."""
+    """Runs on a free port of its own until it is stopped. `files` are the contents of the JSON
+    files that go to the options of these names, such as seed_file."""
 
-    def __init__(self, *arguments, seed=None, credentials=None):
-        self._directory = tempfile.TemporaryDirectory()
-        self._log = self._path("calls.log")
-        self._taken = 0
-        command = [SIMULATOR, "--port", "0", "--control", self._path("control"),
-                   "--log", self._log, *arguments]
-        for option, content in (("--seed-file", seed), ("--credentials", credentials)):
-            if content is not None:
-                with open(self._path(option), "w", encoding="utf-8") as file:
-                    json.dump(content, file)
-                command += [option, self._path(option)]
-        # What it prints goes into a file: a pipe that nobody empties would stop it.
-        with open(self._path("printed"), "w", encoding="utf-8") as printed:
-            self._process = subprocess.Popen(command, stdout=printed)
+    def __init__(self, *arguments, **files):
+        self._folder = tempfile.TemporaryDirectory()
+        self.control_socket, self.log = self.path("control"), self.path("calls.log")
+        self._taken, self.lines = 0, []
+        command = [SIMULATOR, "--port", "0", "--control", self.control_socket, "--log", self.log]
+        for option, content in files.items():
+            command += ["--" + option.replace("_", "-"), self._write(option, content)]
+        self.process = subprocess.Popen([*command, *arguments], stdout=subprocess.PIPE, text=True)
         self.port = self._read_port()
+        self.web_port = self._read_port() if "--web" in arguments else None
+        # Read all the time: lines for which the pipe has no room are left out.
+        self._reader = threading.Thread(target=lambda: self.lines.extend(self.process.stdout))
+        self._reader.start()
 
-    def _path(self, name):
-        return os.path.join(self._directory.name, name)
+    def path(self, name):
+        """A file that goes away with the simulator."""
+        return os.path.join(self._folder.name, name)
+
+    def _write(self, name, content):
+        with open(self.path(name), "w", encoding="utf-8") as file:
+            json.dump(content, file)
+        return file.name
 
     def _read_port(self):
-        end = time.monotonic() + START_SECONDS
-        while time.monotonic() < end and self._process.poll() is None:
-            with open(self._path("printed"), encoding="utf-8") as printed:
-                first = printed.readline()
-            if first.endswith("\n"):
-                return int(first.rpartition(":")[2])
-            time.sleep(0.02)
-        self.stop()
-        raise RuntimeError("the array simulator did not start")
+        found = re.search(r":(\d+)/?$", self.process.stdout.readline())
+        if not found:
+            raise RuntimeError("the array simulator did not start")
+        return int(found.group(1))
 
     def __enter__(self):
         return self
@@ -97,44 +68,40 @@ class ArraySimulator:
     def __exit__(self, *exception):
         self.stop()
 
-    def stop(self):
-        """Ends it: later connections are refused."""
-        self._process.terminate()
-        self._process.wait(timeout=60)
-        self._directory.cleanup()
+    def end(self):
+        """Ends it as an administrator does: `lines` holds all that it printed, and later
+        connections are refused."""
+        self.process.terminate()
+        self._reader.join()
+        self.process.stdout.close()
+        if status := self.process.wait(60):
+            raise AssertionError(f"the simulator ended with status {status}")
 
-    def _ask(self, method, path, body=None):
-        with contextlib.closing(_Control(self._path("control"))) as control:
-            control.request(method, path, body and json.dumps(body))
-            answer = control.getresponse()
-            content = json.loads(answer.read())
-        if answer.status != 200:
-            raise RuntimeError(content["error"])
-        return content
+    def stop(self):
+        """Ends it, if it has not, and removes its files."""
+        self.end()
+        self._folder.cleanup()
+
+    def control(self, *arguments):
+        """What the control command prints; it has to succeed."""
+        done = run(SIMCTL, *arguments, SANSIM_CONTROL=self.control_socket)
+        if done.returncode:
+            raise AssertionError(done)
+        return done.stdout
 
     def fail(self, fault, command="*", **members):
         """Makes the next call of the command fail; the members are those of a fault rule."""
-        self._ask("POST", "/api/scenario",
-                  {"faults": [{"command": command, "fault": fault, **members}]})
-
-    def answer(self, document, **members):
-        """Answers the next call with this document."""
-        self.fail("answer", document=document, **members)
+        rule = {"command": command, "fault": fault, **members}
+        self.control("fail", "--file", self._write("rule", {"faults": [rule]}))
 
     def fault_kinds(self):
         """Every fault that there is, with the words for what the client sees."""
-        return self._ask("GET", "/api/faults")["kinds"]
-
-    def reset(self, what):
-        self._ask("POST", "/api/reset", {"what": what})
+        return json.loads(self.control("fail", "--kinds", "--json"))
 
     def take_requests(self):
-        """The requests that arrived since the last call."""
-        with open(self._log, encoding="utf-8") as log:
+        """The requests that arrived since the last call, with the members that the log has."""
+        with open(self.log, encoding="utf-8") as log:
             log.seek(self._taken)
             lines = log.readlines()
             self._taken = log.tell()
-        rows = [json.loads(line) for line in lines]
-        return [Request(row["request"], row["clientAddress"], row["schemaVersion"],
-                        row["credentials"], row["authToken"], row["hccId"], row["blobs"],
-                        row["outcome"]) for row in rows]
+        return [types.SimpleNamespace(**json.loads(line)) for line in lines]

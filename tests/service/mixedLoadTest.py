@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """Many operations at once: each reply belongs to its request, and each request reaches the API
 manager exactly once."""
 
@@ -19,7 +18,6 @@ REQUESTS = 5000
 
 # A success whose SCSI identity, or a refusal whose text, names the cluster that asked.
 ATTACHED = arraySimulator.success(SCSI.replace("o-dev", "{hccId}"))
-REFUSED = "refused {hccId}"
 
 
 class MixedLoadTest(harness.ServiceCase):
@@ -28,8 +26,8 @@ class MixedLoadTest(harness.ServiceCase):
     server_options = {"threads": 2 * CONNECTIONS}
 
     def test_replies_belong_to_their_requests(self):
-        self.array.answer(ATTACHED, command="HccAttachVolume", count=0)
-        self.array.fail("refuse", error=REFUSED, count=0)
+        self.array.fail("answer", "HccAttachVolume", document=ATTACHED, count=0)
+        self.array.fail("refuse", error="refused {hccId}", count=0)
         rows = [row for row in OPERATIONS if row.name != "Ping"]
 
         def run(worker):
@@ -48,9 +46,5 @@ class MixedLoadTest(harness.ServiceCase):
         with concurrent.futures.ThreadPoolExecutor(CONNECTIONS) as pool:
             wrong = [row for part in pool.map(run, range(CONNECTIONS)) for row in part]
         self.assertEqual(wrong[:3], [])
-        arrived = collections.Counter(request.hcc_id for request in self.array.take_requests())
+        arrived = collections.Counter(request.hccId for request in self.array.take_requests())
         self.assertEqual(arrived, {f"id-{number}-": 1 for number in range(REQUESTS)})
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,16 +2,29 @@
 what must come back. Written by hand and apart from the service's code."""
 
 import dataclasses
+import re
 
-ADDRESS = ("<Ipv4AddressPort><Ipv4Address>{0}</Ipv4Address><Port>{1}</Port></Ipv4AddressPort>")
+
+def elements(text):
+    """The text with every name=value in it as an element."""
+    return re.sub(r"(\w+)=([\w.:-]+) *", r"<\1>\2</\1>", text)
+
+
+def address(ip, port, kind="ipv4", element=None):
+    return elements(f'<ipAddress type="{kind}">{element or kind + "Addr"}={ip}</ipAddress>'
+                    f"port={port}")
+
+
+def sent_address(ip, port):
+    return elements(f"<Ipv4AddressPort>Ipv4Address={ip} Port={port}</Ipv4AddressPort>")
+
+
 RESULT = ("<return><catalogNumber>0</catalogNumber><defaultMsg/>"
           "<resultCode>0</resultCode></return>")
-SCSI = ("<ReturnMethodObject><NorvaneScsiInformation>"
-        "<AliasScsiDeviceId>a-dev</AliasScsiDeviceId>"
-        "<AliasScsiSerialNumber>a-ser</AliasScsiSerialNumber>"
-        "<OriginalScsiDeviceId>o-dev</OriginalScsiDeviceId>"
-        "<OriginalScsiSerialNumber>o-ser</OriginalScsiSerialNumber>"
-        "</NorvaneScsiInformation></ReturnMethodObject>")
+NIL_RESULT = '<return xsi:nil="true"/>'
+SCSI = elements("<ReturnMethodObject><NorvaneScsiInformation>AliasScsiDeviceId=a-dev "
+                "AliasScsiSerialNumber=a-ser OriginalScsiDeviceId=o-dev "
+                "OriginalScsiSerialNumber=o-ser </NorvaneScsiInformation></ReturnMethodObject>")
 # The volume of the rows below, with these identities, for the simulator's seed.
 VOLUME = {"id": "B", "original": {"deviceId": "o-dev", "serialNumber": "o-ser"},
           "alias": {"deviceId": "a-dev", "serialNumber": "a-ser"}}
@@ -19,103 +32,80 @@ VOLUME = {"id": "B", "original": {"deviceId": "o-dev", "serialNumber": "o-ser"},
 
 @dataclasses.dataclass
 class Operation:
+    """A request; its texts have their elements written as for elements()."""
     name: str
     fields: str                 # what stands in the request's wrapper
     attributes: str             # what stands in the request document's Attributes
     reply: str = RESULT         # what stands in the response's wrapper
     command: str = ""           # the API method, where it has another name
-    hcc_id: str = "c1"
 
     @property
     def body(self):
-        return f"<ns1:{self.name}>{self.fields}</ns1:{self.name}>"
+        return f"<ns1:{self.name}>{elements(self.fields)}</ns1:{self.name}>"
 
     @property
     def document(self):
-        attributes = f"<Attributes>{self.attributes}</Attributes>" if self.attributes else ""
+        attributes = self.attributes and f"<Attributes>{elements(self.attributes)}</Attributes>"
         return ("<compapi><ApiMethod><CommandType>Method</CommandType>"
                 "<Object>TarnHostCache</Object>"
                 f"<Command>{self.command or self.name}</Command><Async>false</Async>"
                 f"<ObjectEncodeType>xml</ObjectEncodeType>{attributes}</ApiMethod></compapi>")
 
 
-def address(ip, port, kind="ipv4", element=None):
-    return (f'<ipAddress type="{kind}"><{element or kind + "Addr"}>{ip}'
-            f'</{element or kind + "Addr"}></ipAddress><port>{port}</port>')
-
-
 # How to add one: a row with the request's children, the attributes that they become, and the
 # children of the response where it carries no plain result.
 OPERATIONS = [
-    Operation("Ping", "", "", hcc_id=""),
+    Operation("Ping", "", ""),
     Operation(
         "AddHccToSan",
-        "<sanId>s1</sanId><hccId>c1</hccId><hccName>Cluster</hccName><hccKey>k1</hccKey>"
+        "sanId=s1 hccId=c1 hccName=Cluster hccKey=k1 "
         f"<cfmIpAddresses>{address('10.0.0.5', 3260)}</cfmIpAddresses>"
         f"<cfmIpAddresses>{address('fe80::1', 1, 'ipv6')}</cfmIpAddresses>"
         f"<cfmIpAddresses>{address('10.0.0.6', 65535, 'unknown', 'addr')}</cfmIpAddresses>",
-        "<HccId>c1</HccId><HccKey>k1</HccKey><HccName>Cluster</HccName><Ipv4AddressPortList>"
-        + ADDRESS.format("10.0.0.5", 3260) + ADDRESS.format("0.0.0.0", 1)
-        + ADDRESS.format("10.0.0.6", 65535) + "</Ipv4AddressPortList>"),
+        "HccId=c1 HccKey=k1 HccName=Cluster <Ipv4AddressPortList>"
+        + sent_address("10.0.0.5", 3260) + sent_address("0.0.0.0", 1)
+        + sent_address("10.0.0.6", 65535) + "</Ipv4AddressPortList>"),
     Operation(
         "AddHccToSan",
-        "<sanId>s1</sanId><hccId>c1</hccId><hccKey>k1</hccKey>"
+        "sanId=s1 hccId=c1 hccKey=k1 "
         f"<cfmIpAddresses>{address('10.0.0.5', 3260)}</cfmIpAddresses>",
-        "<HccId>c1</HccId><HccKey>k1</HccKey><Ipv4AddressPortList>"
-        + ADDRESS.format("10.0.0.5", 3260) + "</Ipv4AddressPortList>"),
-    Operation("RemoveHccFromSan", "<sanId>s1</sanId><hccId>c1</hccId>", "<HccId>c1</HccId>"),
+        "HccId=c1 HccKey=k1 <Ipv4AddressPortList>"
+        f"{sent_address('10.0.0.5', 3260)}</Ipv4AddressPortList>"),
+    Operation("RemoveHccFromSan", "sanId=s1 hccId=c1", "HccId=c1"),
     Operation(
         "AddServer",
-        "<sanId>s1</sanId><hcnInfo><hccId>c1</hccId><hcnId>n1</hcnId><hostname>host</hostname>"
+        "sanId=s1 <hcnInfo>hccId=c1 hcnId=n1 hostname=host "
         f"<mgmtIpAddresses>{address('10.0.0.7', 22)}</mgmtIpAddresses>"
         f"<cacheIpAddresses>{address('10.9.9.9', 23)}</cacheIpAddresses>"
-        "<os><osType>Linux</osType><osRelease>6.1</osRelease></os>"
-        "<norvaneVersion><apiVersion>1</apiVersion><softwareVersion>2</softwareVersion>"
-        "</norvaneVersion></hcnInfo>"
-        "<intfInfo><intfId>i0</intfId></intfInfo>"
-        "<intfInfo><intfId>i1</intfId><intfType>unknown</intfType></intfInfo>"
-        "<intfInfo><intfId>i2</intfId><intfType>fc</intfType></intfInfo>"
-        "<intfInfo><intfId>i3</intfId><intfType>iscsi</intfType></intfInfo>"
-        "<intfInfo><intfId>i4</intfId><intfType>77</intfType></intfInfo>",
-        "<HccId>c1</HccId><HcnId>n1</HcnId><HcnStorageInterfaceList>"
-        + "".join("<NorvaneInterfaceInformation><InterfaceId>i%d</InterfaceId>%s"
-                  "</NorvaneInterfaceInformation>" % (number, text) for number, text in enumerate(
-                      ["", "<InterfaceType>Unknown</InterfaceType>",
-                       "<InterfaceType>FibreChannel</InterfaceType>",
-                       "<InterfaceType>Iscsi</InterfaceType>", ""]))
-        + "</HcnStorageInterfaceList><Hostname>host</Hostname><Ipv4AddressPortList>"
-        + ADDRESS.format("10.0.0.7", 22) + "</Ipv4AddressPortList>"
-        "<OsType>Linux</OsType><OsVersion>6.1</OsVersion>"),
-    Operation("RemoveServer", "<hccId>c1</hccId><sanId>s1</sanId><hcnId>n1</hcnId>",
-              "<HccId>c1</HccId><HcnId>n1</HcnId>"),
-    Operation(
-        "HccAttachVolume",
-        "<hccId>c1</hccId><hcVolumeId>A</hcVolumeId><sanId>s1</sanId>"
-        "<sanVolumeId>B</sanVolumeId>",
-        "<HccId>c1</HccId><VolumeId>B</VolumeId>",
-        "<origScsiInfo><deviceId>o-dev</deviceId><serialNumber>o-ser</serialNumber>"
-        "</origScsiInfo><aliasScsiInfo><deviceId>a-dev</deviceId>"
-        "<serialNumber>a-ser</serialNumber></aliasScsiInfo>"),
-    Operation("HccDetachVolume",
-              "<hccId>c1</hccId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>",
-              "<HccId>c1</HccId><VolumeId>B</VolumeId>"),
-    Operation("MakeDataAvailable",
-              "<hccId>c1</hccId><hcnId>n1</hcnId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>",
-              "<HccId>c1</HccId><HcnId>n1</HcnId><VolumeId>B</VolumeId>"),
-    Operation("MakeDataUnavailable",
-              "<hccId>c1</hccId><hcnId>n1</hcnId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>",
-              "<HccId>c1</HccId><HcnId>n1</HcnId><VolumeId>B</VolumeId>"),
-    Operation("FlushComplete",
-              "<hccId>c1</hccId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>"
-              "<snapshotId>p1</snapshotId>",
-              "<HccId>c1</HccId><SnapshotId>p1</SnapshotId><VolumeId>B</VolumeId>"),
-    Operation("SnapshotPrepareComplete",
-              "<hccId>c1</hccId><sanId>s1</sanId><sanVolumeId>B</sanVolumeId>"
-              "<snapshotId>p1</snapshotId>",
-              "<HccId>c1</HccId><SnapshotId>p1</SnapshotId><VolumeId>B</VolumeId>"),
+        "<os>osType=Linux osRelease=6.1</os>"
+        "<norvaneVersion>apiVersion=1 softwareVersion=2</norvaneVersion></hcnInfo>"
+        "<intfInfo>intfId=i0</intfInfo><intfInfo>intfId=i1 intfType=unknown</intfInfo>"
+        "<intfInfo>intfId=i2 intfType=fc</intfInfo><intfInfo>intfId=i3 intfType=iscsi</intfInfo>"
+        "<intfInfo>intfId=i4 intfType=77</intfInfo>",
+        "HccId=c1 HcnId=n1 <HcnStorageInterfaceList>"
+        + "".join(f"<NorvaneInterfaceInformation>InterfaceId={interface}"
+                  "</NorvaneInterfaceInformation>" for interface in (
+                      "i0", "i1 InterfaceType=Unknown", "i2 InterfaceType=FibreChannel",
+                      "i3 InterfaceType=Iscsi", "i4"))
+        + "</HcnStorageInterfaceList>Hostname=host <Ipv4AddressPortList>"
+        + sent_address("10.0.0.7", 22) + "</Ipv4AddressPortList>OsType=Linux OsVersion=6.1"),
+    Operation("RemoveServer", "hccId=c1 sanId=s1 hcnId=n1", "HccId=c1 HcnId=n1"),
+    Operation("HccAttachVolume", "hccId=c1 hcVolumeId=A sanId=s1 sanVolumeId=B",
+              "HccId=c1 VolumeId=B",
+              elements("<origScsiInfo>deviceId=o-dev serialNumber=o-ser </origScsiInfo>"
+                       "<aliasScsiInfo>deviceId=a-dev serialNumber=a-ser </aliasScsiInfo>")),
+    Operation("HccDetachVolume", "hccId=c1 sanId=s1 sanVolumeId=B", "HccId=c1 VolumeId=B"),
+    Operation("MakeDataAvailable", "hccId=c1 hcnId=n1 sanId=s1 sanVolumeId=B",
+              "HccId=c1 HcnId=n1 VolumeId=B"),
+    Operation("MakeDataUnavailable", "hccId=c1 hcnId=n1 sanId=s1 sanVolumeId=B",
+              "HccId=c1 HcnId=n1 VolumeId=B"),
+    Operation("FlushComplete", "hccId=c1 sanId=s1 sanVolumeId=B snapshotId=p1",
+              "HccId=c1 SnapshotId=p1 VolumeId=B"),
+    Operation("SnapshotPrepareComplete", "hccId=c1 sanId=s1 sanVolumeId=B snapshotId=p1",
+              "HccId=c1 SnapshotId=p1 VolumeId=B"),
     Operation("NewPrimaryCfmAddresses",
-              f"<hccId>c1</hccId><mgmtIpAddresses>{address('10.0.0.8', 443)}</mgmtIpAddresses>",
-              "<HccId>c1</HccId>", '<return xsi:nil="true"/>', command="NewPrimaryCfmAddress"),
-    Operation("NewPrimaryCfmAddresses", "<hccId>c1</hccId>", "<HccId>c1</HccId>",
-              '<return xsi:nil="true"/>', command="NewPrimaryCfmAddress"),
+              f"hccId=c1 <mgmtIpAddresses>{address('10.0.0.8', 443)}</mgmtIpAddresses>",
+              "HccId=c1", NIL_RESULT, command="NewPrimaryCfmAddress"),
+    Operation("NewPrimaryCfmAddresses", "hccId=c1", "HccId=c1", NIL_RESULT,
+              command="NewPrimaryCfmAddress"),
 ]

@@ -7,32 +7,29 @@ ENVELOPE = "http://schemas.xmlsoap.org/soap/envelope/"
 NS1 = "urn:san-api:service"
 
 
+def credentials(user):
+    """The element of credentials in clear, which are encoded twice."""
+    encoded = base64.b64encode(base64.b64encode(user.encode())).decode()
+    return f"<userPass>{encoded}</userPass>"
+
+
 def header(version="2.3", user=None, token=None):
-    """The header's element. `user` are the credentials in clear, encoded twice as clients do."""
-    parts = [f'<xsdVersion version="{version}"/>' if version is not None else ""]
-    if user is not None:
-        encoded = base64.b64encode(base64.b64encode(user.encode())).decode()
-        parts.append(f"<userPass>{encoded}</userPass>")
-    if token is not None:
-        parts.append(f"<authToken>{token}</authToken>")
-    return f"<ns1:HccApiHeader>{''.join(parts)}</ns1:HccApiHeader>"
+    """The header's element; `user` are credentials in clear."""
+    return (f'<ns1:HccApiHeader><xsdVersion version="{version}"/>'
+            + (credentials(user) if user is not None else "")
+            + (f"<authToken>{token}</authToken>" if token is not None else "")
+            + "</ns1:HccApiHeader>")
 
 
-def envelope(body, head=None):
-    """A request. `head` is the header's content; None gives one without credentials, and an
-    empty text a message without header."""
-    head = header() if head is None else head
-    head = f"<SOAP-ENV:Header>{head}</SOAP-ENV:Header>" if head else ""
+def envelope(body, head=header()):
+    """A message with this header, by default one without credentials."""
     return ('<?xml version="1.0" encoding="UTF-8"?>\n'
             f'<SOAP-ENV:Envelope xmlns:SOAP-ENV="{ENVELOPE}" xmlns:ns1="{NS1}">'
-            f"{head}<SOAP-ENV:Body>{body}</SOAP-ENV:Body></SOAP-ENV:Envelope>")
+            f"<SOAP-ENV:Header>{head}</SOAP-ENV:Header>"
+            f"<SOAP-ENV:Body>{body}</SOAP-ENV:Body></SOAP-ENV:Envelope>")
 
 
 PING = envelope("<ns1:Ping/>")
-
-
-def _local(tag):
-    return tag.rpartition("}")[2]
 
 
 def body_of(reply):
@@ -51,4 +48,4 @@ def fault_of(reply):
 
 def answered(reply, operation):
     """Whether a reply is the response of this operation and no fault."""
-    return reply.status == 200 and _local(body_of(reply).tag) == operation + "Response"
+    return reply.status == 200 and body_of(reply).tag == f"{{{NS1}}}{operation}Response"

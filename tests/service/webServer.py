@@ -1,12 +1,8 @@
 """A private Apache httpd for one test: loopback, a free port, its own directory, no privileges.
 
-    server = WebServer(mpm="prefork", api_manager_port=array.port)
-    server.start()
-    reply = server.post(soap.envelope("<ns1:Ping/>"))
-    server.stop()          # raises when a sanitizer reported something or a child crashed
-
-Where the binaries are comes from the environment that the build sets for its tests; by hand,
-SAN_BUILD_DIR names a build (default: build/debug).
+    with WebServer(mpm="prefork", api_manager_port=array.port) as server:
+        reply = server.post(soap.envelope("<ns1:Ping/>"))
+    # ends it, and raises when a sanitizer reported something or a child crashed
 """
 
 import contextlib
@@ -23,19 +19,15 @@ import subprocess
 import tempfile
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug")).resolve()
-APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
-RUNTIME = os.environ.get("SAN_RUNTIME", "")
-MODULES = "/usr/lib/apache2/modules"
+from programs import BUILD, PRELOADED, ROOT
 
+APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
+MODULES = "/usr/lib/apache2/modules"
 MODULE = BUILD / "host" / "mod_gsoap.so"
 SERVICE_PLUGIN = BUILD / "apiMgmt/webservices/sanService/libsanService.so"
 BARE_PLUGIN = BUILD / "bench" / "libbarePlugin.so"
 ODD_PLUGIN = BUILD / "tests" / "service" / "liboddPlugin.so"
-SHIM = BUILD / "tests" / "support" / "libserviceShim.so"
 WSDL = ROOT / "apiMgmt/webservices/sanService/contract/sanApi.wsdl"
-SIMULATOR = BUILD / "sim" / "sanSim"
 
 PATH = "/sanService"
 START_SECONDS = 60
@@ -44,13 +36,6 @@ STOP_SECONDS = 60
 # A line of the error log that no test may leave behind.
 TROUBLE = re.compile(r"ERROR: \w+Sanitizer|WARNING: ThreadSanitizer|runtime error:"
                      r"|exit signal|Assertion|glibc detected|terminate called")
-
-SANITIZER_OPTIONS = {
-    "ASAN_OPTIONS": "detect_leaks=1:detect_stack_use_after_return=0:exitcode=99",
-    "LSAN_OPTIONS": f"suppressions={ROOT}/tests/support/lsan.supp:print_suppressions=0",
-    "UBSAN_OPTIONS": "print_stacktrace=1",
-    "TSAN_OPTIONS": f"suppressions={ROOT}/tests/support/tsan.supp:die_after_fork=0",
-}
 
 CONFIGURATION = """
 ServerRoot "{directory}"
@@ -117,46 +102,46 @@ def free_port():
 class WebServer:
     def __init__(self, plugin=SERVICE_PLUGIN, mpm="event", threads=8, wsdl=WSDL, extra="",
                  api_manager_port=None, environment=None, collect_syslog=True):
-        """`extra` is added to the configuration. Without `api_manager_port` the service database
-        has no entry for the API manager. Without `collect_syslog` log lines go where they go."""
-        self.plugin, self.mpm, self.threads = plugin, mpm, threads
-        self.wsdl, self.extra = wsdl, extra
-        self.environment = {
-            "SAN_TEST_APIMGR_PORT": "" if api_manager_port is None else str(api_manager_port),
-            **(environment or {})}
+        """`wsdl` is the description's path, its text, or None; `extra` is added to the
+        configuration. Without `api_manager_port` the service database has no entry for the API
+        manager. Without `collect_syslog` log lines go where they go."""
+        self.plugin, self.mpm, self.threads, self.extra = plugin, mpm, threads, extra
         self.process = None
         # Not below the build: a checkout in a home directory is closed to the server's user.
         self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-"))
         self.directory.chmod(0o755)
         (self.directory / "documents").mkdir()
+        self.wsdl = wsdl
+        if isinstance(wsdl, str):
+            self.wsdl = self.directory / "test.wsdl"
+            self.wsdl.write_text(wsdl)
+        self.environment = {"SAN_TEST_APIMGR_PORT": str(api_manager_port or ""),
+                            **(environment or {})}
         if collect_syslog:
             self.environment["SAN_TEST_SYSLOG"] = str(self.directory / "syslog")
 
     # Life ----------------------------------------------------------------------------------
 
     def configure(self):
-        self.port = free_port()
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            self.port = probe.getsockname()[1]
         self.url = f"http://127.0.0.1:{self.port}{PATH}"
-        wsdl = f'SOAPWsdl "{self.wsdl}"' if self.wsdl and pathlib.Path(self.wsdl).exists() else ""
-        self.config = self.directory / "httpd.conf"
-        self.config.write_text(CONFIGURATION.format(
+        (self.directory / "httpd.conf").write_text(CONFIGURATION.format(
             directory=self.directory, port=self.port, modules=MODULES, module=MODULE,
             mpm=self.mpm, processes=PROCESSES[self.mpm].format(n=self.threads), path=PATH,
-            plugin=self.plugin, wsdl=wsdl, extra=self.extra,
-            user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
-
-    def _environment(self):
-        preload = ":".join(filter(None, [RUNTIME, str(SHIM)]))
-        return {**os.environ, **SANITIZER_OPTIONS, "LD_PRELOAD": preload, **self.environment}
+            plugin=self.plugin, wsdl=f'SOAPWsdl "{self.wsdl}"' if self.wsdl else "",
+            extra=self.extra, user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
 
     def run_apache(self, *arguments):
-        """Starts Apache with further arguments, its output in a file; gives the process. Apache
-        ends its whole process group, so it gets one of its own."""
-        with open(self.directory / "output", "ab") as output:
+        """Starts Apache with further arguments, its output in the error log; gives the process.
+        Apache ends its whole process group, so it gets one of its own."""
+        with open(self.directory / "error.log", "ab") as output:
             return subprocess.Popen(
-                [APACHE, "-d", self.directory, "-f", self.config, "-DFOREGROUND", *arguments],
-                env=self._environment(), stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                start_new_session=True, preexec_fn=_end_with_parent)
+                [APACHE, "-d", self.directory, "-f", self.directory / "httpd.conf",
+                 "-DFOREGROUND", *arguments],
+                env={**os.environ, **PRELOADED, **self.environment}, stdin=subprocess.DEVNULL,
+                stdout=output, stderr=output, start_new_session=True, preexec_fn=_end_with_parent)
 
     def start(self):
         """Gives self when the server accepts connections; raises when it ends instead."""
@@ -165,10 +150,9 @@ class WebServer:
             self.process = self.run_apache()
             if self._wait_until_listening():
                 return self
-            if "Address already in use" not in self.output():
+            if "Address already in use" not in self.error_log():
                 break
-        raise RuntimeError(f"Apache ended with {self.process.returncode}:\n{self.output()}"
-                           f"{self.error_log()}")
+        raise RuntimeError(f"Apache ended with {self.process.returncode}:\n{self.error_log()}")
 
     def _wait_until_listening(self):
         deadline = time.monotonic() + START_SECONDS
@@ -180,55 +164,40 @@ class WebServer:
             time.sleep(0.05)
         return False
 
-    def graceful(self):
-        """Asks for a graceful restart; returns at once."""
-        self.process.send_signal(signal.SIGUSR1)
-
     def stop(self):
         """Ends the server, its children with their leak checks first. Raises on any trouble, and
         keeps the directory then."""
-        if self.process is None:
-            return
-        self.process.send_signal(signal.SIGWINCH)
-        try:
-            self.process.wait(STOP_SECONDS)
-        except subprocess.TimeoutExpired:
-            os.killpg(self.process.pid, signal.SIGKILL)  # its children too: a group of its own
-            self.process.wait()
-            raise AssertionError(f"Apache did not end; see {self.directory}") from None
-        finally:
-            self.process = None
-        trouble = self.trouble()
-        if trouble:
-            raise AssertionError(f"{trouble}\nsee {self.directory}/error.log")
-        shutil.rmtree(self.directory, ignore_errors=True)
+        if self.process is not None:
+            self.process.send_signal(signal.SIGWINCH)
+            try:
+                self.process.wait(STOP_SECONDS)
+            except subprocess.TimeoutExpired:
+                os.killpg(self.process.pid, signal.SIGKILL)  # its children too: their own group
+                self.process.wait()
+                raise AssertionError(f"Apache did not end; see {self.directory}") from None
+            text = self.error_log()
+            if found := TROUBLE.search(text):
+                raise AssertionError(f"{text[found.start():found.start() + 6000]}\n"
+                                     f"see {self.directory}/error.log")
+        shutil.rmtree(self.directory)
 
-    def discard(self):
-        """For a server that never started: removes its directory."""
-        shutil.rmtree(self.directory, ignore_errors=True)
+    def __enter__(self):
+        return self.start()
+
+    def __exit__(self, *exception):
+        self.stop()
 
     # What is to be seen --------------------------------------------------------------------
 
-    def _read(self, name):
-        path = self.directory / name
-        return path.read_text(errors="replace") if path.exists() else ""
-
     def error_log(self):
-        return self._read("error.log")
-
-    def output(self):
-        return self._read("output")
-
-    def trouble(self):
-        """The first report of a sanitizer or a crash, or an empty text."""
-        text = self.output() + self.error_log()
-        found = TROUBLE.search(text)
-        return text[found.start():found.start() + 6000] if found else ""
+        """The server's log, and what it and its children printed."""
+        return (self.directory / "error.log").read_text(errors="replace")
 
     def syslog(self):
-        """The entries of the system log so far, as (identity, priority, text)."""
-        entries = [line.split("\t", 2) for line in self._read("syslog").splitlines()]
-        return [(identity, int(priority), text) for identity, priority, text in entries]
+        """The texts of the entries of the system log so far."""
+        path = self.directory / "syslog"
+        lines = path.read_text(errors="replace").splitlines() if path.exists() else []
+        return [line.split("\t", 2)[2] for line in lines]
 
     def children(self):
         """Process ids of the server's children."""

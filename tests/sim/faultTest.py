@@ -1,32 +1,30 @@
 """Every fault as it arrives on the wire, and how rules choose the calls that they strike."""
 
 import json
-import os
 import socket
-import struct
 import tempfile
 import unittest
 
 import wire
-from simProcess import Simulator
+from arraySimulator import ArraySimulator
+from programs import ROOT, SIMULATOR, run
 
-CLUSTERS = {"clusters": [{"id": "hcc-1", "key": "k"}]}
 ATTACH = {"HccId": "hcc-1", "VolumeId": "vol-1"}
 
 
-def length(data):
-    return struct.unpack(">I", data[:4])[0]
+def message(data):
+    return wire.read_fields(data[4:])
 
 
 def response(data):
-    return wire.read_fields(wire.read_fields(data[4:])[4])
+    return wire.read_fields(message(data)[4])
 
 
-def is_broken(work, data):
+def is_no_message(data):
     try:
-        work(data)
-    except (ValueError, IndexError):
-        return True
+        message(data)
+    except ValueError:
+        return wire.announced(data) == len(data) - 4
     return False
 
 
@@ -37,62 +35,52 @@ def returns(data):
 # Fault name: members of its rule, then what has to hold of the bytes that arrive.
 FAULTS = {
     "refuse": ({"code": "Timeout", "error": "Too <late>", "detail": "why"}, lambda d: (
-        (r := wire.Reply(d)).ok, r.code, r.error, r.detail) == (False, "Timeout", "Too <late>", "why")),
+        (r := wire.Reply(d)).ok, r.code, r.error, r.element.findtext("ErrorDetail"))
+        == (False, "Timeout", "Too <late>", "why")),
     "refuseWithoutTexts": ({}, lambda d: (wire.Reply(d).ok, wire.Reply(d).error) == (False, None)),
     "succeed": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
     "answer": ({"document": "<a>\u00e9 & "}, lambda d: wire.reply_document(d) == "<a>\u00e9 & "),
     "noObject": ({}, lambda d: wire.Reply(d).element.findtext("ReturnBool") == "True"),
     "otherObject": ({}, lambda d: wire.Reply(d).ok and "Ipv4AddressPort" in wire.reply_document(d)),
-    "noValue": ({}, lambda d: wire.Reply(d).ok and "Return>" in (t := wire.reply_document(d))
-                and "<Return" not in t),
+    "noValue": ({}, lambda d: wire.Reply(d).ok and "<Return" not in wire.reply_document(d)),
     "noReturn": ({}, lambda d: returns(d) == 0),
     "twoReturns": ({}, lambda d: returns(d) == 2),
     "wrongRoot": ({}, lambda d: "compapi" not in wire.reply_document(d) and returns(d) == 1),
     "badXml": ({}, lambda d: "</compapi>" not in wire.reply_document(d)),
     "emptyDocument": ({}, lambda d: wire.reply_document(d) == ""),
-    "wrongMessageType": ({}, lambda d: wire.read_fields(d[4:])[1] == 2),
-    "noMessageType": ({}, lambda d: 1 not in wire.read_fields(d[4:])),
-    "noResponse": ({}, lambda d: wire.read_fields(d[4:]) == {1: 3}),
+    "wrongMessageType": ({}, lambda d: message(d)[1] == 2),
+    "noMessageType": ({}, lambda d: 1 not in message(d)),
+    "noResponse": ({}, lambda d: message(d) == {1: 3}),
     "wrongCommandType": ({}, lambda d: 1 not in response(d) and 2 in response(d)),
     "noCommand": ({}, lambda d: 2 not in response(d)),
-    "garbage": ({}, lambda d: length(d) == len(d) - 4 and is_broken(wire.read_fields, d[4:])),
+    "garbage": ({}, is_no_message),
     "otherProtocol": ({}, lambda d: d.startswith(b"HTTP/")),
-    "lengthZero": ({}, lambda d: length(d) == 0),
-    "lengthTooLong": ({}, lambda d: length(d) == 64 * 1024 * 1024 + 1),
-    "lengthHuge": ({}, lambda d: length(d) == 2**32 - 1),
-    "closeEarly": ({"bytes": 7}, lambda d: len(d) == 7 and length(d) > 7),
+    "lengthZero": ({}, lambda d: wire.announced(d) == 0),
+    "lengthTooLong": ({}, lambda d: wire.announced(d) == 64 * 1024 * 1024 + 1),
+    "lengthHuge": ({}, lambda d: wire.announced(d) == 2**32 - 1),
+    "closeEarly": ({"bytes": 7}, lambda d: len(d) == 7 and wire.announced(d) > 7),
     "reset": ({}, lambda d: d is None),
     "delay": ({"delayMs": 50}, lambda d: wire.Reply(d).ok),
     "drip": ({"chunk": 100, "intervalMs": 1}, lambda d: wire.Reply(d).ok),
 }
-MANUAL = os.path.join(os.path.dirname(__file__), "..", "..", "docs", "simulator.md")
+MANUAL = ROOT / "docs" / "simulator.md"
 NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed", "answer"}
 
 
 class FaultTest(unittest.TestCase):
-    def start(self, faults, seed=CLUSTERS):
-        options = []
-        for option, content in (("--scenario", {"faults": faults}), ("--seed-file", seed)):
-            with tempfile.NamedTemporaryFile("w", suffix=".json", delete=False) as file:
-                json.dump(content, file)
-            self.addCleanup(os.unlink, file.name)
-            options += [option, file.name]
-        simulator = Simulator(*options)
-        self.addCleanup(lambda: self.assertEqual(simulator.stop(), 0))
-        return simulator
-
-    def raw(self, port, command, attributes):
-        """What arrives until the connection ends or a whole frame is there; None for a reset."""
-        try:
-            return wire.exchange(port, wire.request(wire.document(command, attributes)))
-        except ConnectionResetError:
-            return None
+    def start(self, *faults):
+        return self.enterContext(ArraySimulator(scenario={"faults": faults}, seed_file={
+            "clusters": [{"id": "hcc-1", "key": "k"}]}))
 
     def test_each_fault_strikes_once_and_the_next_call_is_whole(self):
         for name, (members, holds) in FAULTS.items():
             with self.subTest(fault=name):
-                port = self.start([{"command": "HccAttachVolume", "fault": name, **members}]).port
-                data = self.raw(port, "HccAttachVolume", ATTACH)
+                port = self.start({"command": "HccAttachVolume", "fault": name, **members}).port
+                try:
+                    data = wire.exchange(port, wire.request(
+                        wire.document("HccAttachVolume", ATTACH)))
+                except ConnectionResetError:
+                    data = None
                 self.assertTrue(holds(data), data)
                 detached = wire.call(port, "HccDetachVolume", ATTACH)
                 self.assertEqual(detached.ok, name not in NOT_RUN, "whether the command was run")
@@ -100,59 +88,53 @@ class FaultTest(unittest.TestCase):
                 self.assertIsNotNone(after.element.find("ReturnMethodObject"), after.document)
 
     def test_the_table_above_and_the_manual_know_every_fault(self):
-        simulator = self.start([])
-        kinds = simulator.control("fail", "--kinds", "--json")
-        self.assertEqual({kind["name"] for kind in json.loads(kinds)}, set(FAULTS))
-        with open(MANUAL, encoding="utf-8") as manual:
-            rows = [line for line in manual if line.startswith("| `")]
-        for kind in json.loads(kinds):
+        kinds = self.start().fault_kinds()
+        self.assertEqual({kind["name"] for kind in kinds}, set(FAULTS))
+        rows = [line for line in MANUAL.read_text().splitlines() if line.startswith("| `")]
+        for kind in kinds:
             words = [f"| `{kind['name']}` |", kind["does"][1:], kind["clientSees"][1:]]
             self.assertTrue(any(all(word in row for word in words) for row in rows), kind)
 
     def test_which_calls_a_rule_strikes(self):
-        port = self.start([
+        port = self.start(
             {"command": "TarnServer::GetList", "fault": "refuse", "error": "by object"},
             {"command": "GetList", "fault": "refuse", "error": "first", "after": 1, "count": 2},
             {"command": "GetList", "fault": "refuse", "error": "second"},
             {"command": "*", "fault": "refuse", "error": "always", "count": 0, "after": 2},
-        ]).port
+        ).port
         calls = [("TarnHostCache", "GetList"), ("TarnServer", "GetList")] + 4 * [
             ("TarnHostCache", "GetList")] + 2 * [("TarnHostCache", "Ping")]
         words = [wire.call(port, command, {}, of).error for of, command in calls]
         # The rules are asked in their order, and each that lets a call pass has counted it.
-        self.assertEqual(words, ["second", "by object", "first", "first", "", "", "always", "always"])
+        self.assertEqual(words, ["second", "by object", "first", "first", "", "",
+                                 "always", "always"])
 
     def test_delay_and_drip_hold_up_nobody_else(self):
-        port = self.start([{"command": "GetList", "fault": "delay", "delayMs": 3_600_000},
-                           {"command": "GetList", "fault": "drip", "intervalMs": 3_600_000}]).port
+        port = self.start({"command": "GetList", "fault": "delay", "delayMs": 3_600_000},
+                          {"command": "GetList", "fault": "drip", "intervalMs": 3_600_000}).port
         body = wire.frame(wire.request(wire.document("GetList")))
-        with socket.create_connection(("127.0.0.1", port)) as late:
-            late.sendall(body)
-            with socket.create_connection(("127.0.0.1", port)) as dripping:
-                dripping.sendall(body)
-                self.assertEqual(dripping.recv(100), b"\0")
-                self.assertTrue(wire.call(port, "GetList").ok)
+        late, dripping = (self.enterContext(socket.create_connection(("127.0.0.1", port)))
+                          for _ in range(2))
+        late.sendall(body)
+        dripping.sendall(body)
+        self.assertEqual(dripping.recv(100), b"\0")
+        self.assertTrue(wire.call(port, "GetList").ok)
 
     def test_wrong_scenarios_are_told_at_the_start(self):
+        ping = {"command": "Ping", "fault": "refuse"}
         cases = {
-            "there is no fault \"nonsense\"": {"faults": [{"command": "Ping", "fault": "nonsense"}]},
-            "needs a \"command\"": {"faults": [{"fault": "refuse"}]},
-            "no member \"comand\"": {"faults": [{"comand": "Ping", "fault": "refuse"}]},
-            "\"count\" has to be a number": {"faults": [
-                {"command": "Ping", "fault": "refuse", "count": -1}]},
-            "\"error\" has to be a text": {"faults": [
-                {"command": "Ping", "fault": "refuse", "error": 1}]},
-            "needs a list \"faults\"": {},
+            'there is no fault "nonsense"': {"faults": [{**ping, "fault": "nonsense"}]},
+            'needs a "command"': {"faults": [{"fault": "refuse"}]},
+            'no member "comand"': {"faults": [{**ping, "comand": "Ping"}]},
+            '"count" has to be a number': {"faults": [{**ping, "count": -1}]},
+            '"error" has to be a text': {"faults": [{**ping, "error": 1}]},
+            'needs a list "faults"': {},
             "a scenario has to be an object": [],
         }
         for words, scenario in cases.items():
             with self.subTest(words=words), tempfile.NamedTemporaryFile("w") as file:
                 json.dump(scenario, file)
                 file.flush()
-                ended = Simulator.run("--port", "0", "--scenario", file.name)
+                ended = run(SIMULATOR, "--port", "0", "--scenario", file.name)
                 self.assertEqual(ended.returncode, 1)
                 self.assertIn(words, ended.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main()

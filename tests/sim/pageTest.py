@@ -10,8 +10,8 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.support.ui import Select, WebDriverWait
 
 import wire
-from commandTest import JOIN, SERVER, ids, on_server
-from simProcess import Simulator
+from arraySimulator import ArraySimulator
+from commandTest import call
 
 FLAGS = """--headless --no-sandbox --disable-gpu --disable-quic --no-first-run
 --disable-background-networking --disable-component-update --disable-sync
@@ -28,13 +28,9 @@ def browser(folder):
 
 class PageTest(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.simulator = Simulator("--web", "0")
-        self.addCleanup(self.simulator.stop)
+        self.simulator = self.enterContext(ArraySimulator("--web", "0"))
         self.port = self.simulator.port
-        self.page = browser(folder.name)
-        self.addCleanup(self.page.quit)
+        self.page = self.enterContext(browser(self.enterContext(tempfile.TemporaryDirectory())))
         self.page.get(f"http://127.0.0.1:{self.simulator.web_port}/")
 
     def find(self, selector):
@@ -51,14 +47,13 @@ class PageTest(unittest.TestCase):
     def test_it_shows_what_happens_as_it_happens(self):
         self.wait("#live", "live")
         self.wait("#volumeCount", "8")
-        wire.call(self.port, "AddHccToSan", {**JOIN, "HccName": "<img src=x onerror=alert(1)>"})
+        call(self.port, "AddHccToSan", HccName="<img src=x onerror=alert(1)>")
         self.wait("#clusters", "<img src=x onerror=alert(1)>")
-        wire.call(self.port, "AddServer", SERVER)
-        wire.call(self.port, "HccAttachVolume", ids())
-        wire.call(self.port, "MakeDataAvailable", on_server())
+        for command in ("AddServer", "HccAttachVolume", "MakeDataAvailable"):
+            call(self.port, command)
         self.wait("#clusters", "db-1")
         self.wait("#volumes tr:first-child", "hcn-1")
-        wire.call(self.port, "HccAttachVolume", ids(VolumeId="vol-99"))
+        call(self.port, "HccAttachVolume", VolumeId="vol-99")
         self.wait("#exchanges li:first-child", 'Volume "vol-99" is not known to this array')
         self.find("#exchanges summary").click()
         self.assertIn("<VolumeId>vol-99</VolumeId>", self.find("#exchanges pre").text)
@@ -89,9 +84,5 @@ class PageTest(unittest.TestCase):
 
     def test_it_says_when_the_simulator_is_gone(self):
         self.wait("#live", "live")
-        self.simulator.process.terminate()
+        self.simulator.end()
         self.wait("#live", "does not answer")
-
-
-if __name__ == "__main__":
-    unittest.main()
