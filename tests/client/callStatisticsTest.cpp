@@ -13,9 +13,8 @@ TEST(CallStatistics, percentilesAreValuesThatWereMet) {
     const std::vector<std::pair<double, double>> rows = {
         {0.01, 1}, {0.1, 1}, {0.11, 2}, {0.5, 5}, {0.9, 9}, {0.99, 10}, {1, 10},
     };
-    for (const auto& [share, expected] : rows) {
+    for (const auto& [share, expected] : rows)
         EXPECT_EQ(client::CallStatistics::percentile(values, share), expected) << share;
-    }
     EXPECT_EQ(client::CallStatistics::percentile({7}, 0.5), 7);
 }
 
@@ -36,12 +35,6 @@ TEST(CallStatistics, mergesWhatSeveralThreadsCounted) {
     EXPECT_DOUBLE_EQ(latency["Ping"]["p50"], 1);
     EXPECT_DOUBLE_EQ(latency["Ping"]["max"], 4);
     EXPECT_EQ(latency["all"]["calls"], 4);
-}
-
-TEST(CallStatistics, reportsWhenNothingWasCalled) {
-    const client::Json report = client::CallStatistics().report(1);
-    EXPECT_EQ(report["calls"], 0);
-    EXPECT_NE(client::CallStatistics::table(report).find("0 calls"), std::string::npos);
 }
 
 }  // namespace

@@ -44,12 +44,6 @@ class CannedTest(unittest.TestCase):
                 self.assertEqual(done.returncode, status, done)
                 self.assertEqual(len(done.stdout.splitlines()), len(expected) + 1)
 
-    def test_too_few_volumes_are_wrong_usage(self):
-        for arguments in (["--parallel", "2", "--volume", "v1"],
-                          ["--volumes", "2", "--volume", "v1"]):
-            done = sanctl("lifecycle", "--url", "http://127.0.0.1:1/", *arguments)
-            self.assertEqual(done.returncode, 64, done)
-
 
 class ServiceTest(harness.ServiceCase):
     """Against the service and an array, which refuses a volume that another cluster holds."""

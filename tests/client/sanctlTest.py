@@ -49,6 +49,8 @@ WRONG = [
     (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b"], "hcc-key"),
     (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b", "--hcc-key", "k",
       "--address", "10.0.0.1"], "IP:PORT"),
+    (["lifecycle", "--parallel", "2", "--volume", "v1"], "volume"),
+    (["lifecycle", "--volumes", "2", "--volume", "v1"], "volume"),
 ]
 
 

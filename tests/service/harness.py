@@ -1,14 +1,8 @@
 """What a service test starts from: a web server with the plug-in, and the array simulator
-as its API manager.
+as its API manager: `self.server` and `self.array`.
 
-    class PingTest(harness.ServiceCase):
-        def test_answers(self):
-            reply = self.server.post(soap.PING)
-            self.assertTrue(soap.answered(reply, "Ping"))
-            (request,) = self.array.take_requests()
-
-Server and simulator live for one class. When the class ends, any report of a sanitizer, any
-leak and any crash of a child process fails it.
+Both live for one class. When the class ends, any report of a sanitizer, any leak and any crash
+of a child process fails it.
 """
 
 import unittest

@@ -3,6 +3,8 @@
 The plug-in behind it is one that answers a Ping at once, or one that misbehaves.
 """
 
+import concurrent.futures
+import contextlib
 import gzip
 import re
 import signal
@@ -88,8 +90,6 @@ REQUESTS = [
     ("a body cut short", http(body=PING[:100], length=len(PING)), 400),
     ("a host of markup", http("GET", PATH + "?wsdl", Host='"><' + MARKER), 400),
     # XML that the engine has to stand.
-    ("no envelope", http(body=b"<a/>"), 500),
-    ("half an envelope", http(body=PING[:len(PING) // 2]), 500),
     ("an unknown operation", http(body=soap.envelope(f"<ns1:{MARKER}/>").encode()), 500),
     ("a document type", http(body=b'<!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'), 500),
     ("a zero within", with_body("\0"), 200),
@@ -126,14 +126,6 @@ class AnswerTest(ModuleCase):
                 self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
                 self.assertEqual(server.children(), children)
         self.assertNotIn(MARKER, server.error_log())
-
-    def test_reply_and_fault_name_their_type_and_length(self):
-        server = self.start()
-        for body, status in ((soap.PING, 200), (soap.envelope("<a/>"), 500)):
-            reply = server.post(body)
-            self.assertEqual((reply.status, reply.headers["Content-Type"]),
-                             (status, "text/xml; charset=utf-8"))
-            self.assertEqual(int(reply.headers["Content-Length"]), len(reply.body))
 
     def test_refused_method_is_told_what_is_allowed(self):
         for wsdl, allowed in (("<definitions/>", {"GET", "HEAD", "POST"}), (None, {"POST"})):
@@ -191,17 +183,12 @@ class LoadTest(ModuleCase):
         for mpm in ("event", "worker", "prefork"):
             with self.subTest(mpm):
                 server = self.start(mpm=mpm)
-                done, failed = threading.Event(), []
+                done = threading.Event()
 
                 def send():
                     while not done.is_set():
-                        try:
-                            if not soap.answered(server.post(soap.PING), "Ping"):
-                                failed.append("no Ping")
-                        except ConnectionRefusedError:
-                            pass
-                        except Exception as error:
-                            failed.append(repr(error))
+                        with contextlib.suppress(ConnectionRefusedError):
+                            self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
 
                 def restart():
                     for count in range(2, 12):
@@ -209,12 +196,9 @@ class LoadTest(ModuleCase):
                         while server.error_log().count("resuming normal operations") < count:
                             time.sleep(0.05)
                     done.set()
-                threads = [threading.Thread(target=f) for f in [send] * 8 + [restart]]
-                for thread in threads:
-                    thread.start()
-                for thread in threads:
-                    thread.join()
-                self.assertEqual(failed, [])
+                with concurrent.futures.ThreadPoolExecutor(9) as pool:
+                    for work in [pool.submit(f) for f in [send] * 8 + [restart]]:
+                        work.result()
                 self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
 
 

@@ -19,6 +19,7 @@ def sent_address(ip, port):
     return elements(f"<Ipv4AddressPort>Ipv4Address={ip} Port={port}</Ipv4AddressPort>")
 
 
+SKIPPED = "AddSan request: IpAddress information not specified"
 RESULT = ("<return><catalogNumber>0</catalogNumber><defaultMsg/>"
           "<resultCode>0</resultCode></return>")
 NIL_RESULT = '<return xsi:nil="true"/>'
@@ -38,6 +39,7 @@ class Operation:
     attributes: str             # what stands in the request document's Attributes
     reply: str = RESULT         # what stands in the response's wrapper
     command: str = ""           # the API method, where it has another name
+    logs: tuple = ()            # what it logs beside the two lines of every request
 
     @property
     def body(self):
@@ -67,10 +69,10 @@ OPERATIONS = [
         + sent_address("10.0.0.6", 65535) + "</Ipv4AddressPortList>"),
     Operation(
         "AddHccToSan",
-        "sanId=s1 hccId=c1 hccKey=k1 "
+        "sanId=s1 hccId=c1 hccKey=k1 <cfmIpAddresses>port=1</cfmIpAddresses>"
         f"<cfmIpAddresses>{address('10.0.0.5', 3260)}</cfmIpAddresses>",
         "HccId=c1 HccKey=k1 <Ipv4AddressPortList>"
-        f"{sent_address('10.0.0.5', 3260)}</Ipv4AddressPortList>"),
+        f"{sent_address('10.0.0.5', 3260)}</Ipv4AddressPortList>", logs=(SKIPPED,)),
     Operation("RemoveHccFromSan", "sanId=s1 hccId=c1", "HccId=c1"),
     Operation(
         "AddServer",

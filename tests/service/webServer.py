@@ -7,7 +7,6 @@
 
 import contextlib
 import ctypes
-import dataclasses
 import http.client
 import os
 import pathlib
@@ -76,27 +75,10 @@ PROCESSES = {
 }
 
 
-@dataclasses.dataclass
-class Reply:
-    status: int
-    headers: http.client.HTTPMessage
-    body: bytes
-
-    @property
-    def text(self):
-        return self.body.decode()
-
-
 def _end_with_parent():
     """In the server's process: it ends with the test, also with one that is killed."""
     PR_SET_PDEATHSIG = 1
     ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGTERM)
-
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
 
 
 class WebServer:
@@ -211,19 +193,21 @@ class WebServer:
         return http.client.HTTPConnection("127.0.0.1", self.port, timeout=timeout)
 
     def request(self, method, path=PATH, body=None, headers=None, connection=None):
+        """Gives the response, with its whole content as `body` and `text`."""
         used = connection or self.connect()
         try:
             used.request(method, path, body, headers or {})
-            response = used.getresponse()
-            return Reply(response.status, response.headers, response.read())
+            reply = used.getresponse()
+            reply.body = reply.read()
+            reply.text = reply.body.decode()
+            return reply
         finally:
             if connection is None:
                 used.close()
 
-    def post(self, body, headers=None, connection=None):
+    def post(self, body, connection=None):
         body = body.encode() if isinstance(body, str) else body
-        headers = {"Content-Type": "text/xml; charset=utf-8", "SOAPAction": '""',
-                   **(headers or {})}
+        headers = {"Content-Type": "text/xml; charset=utf-8", "SOAPAction": '""'}
         return self.request("POST", PATH, body, headers, connection)
 
     def send_raw(self, data, timeout=60):

@@ -71,8 +71,8 @@ class PageTest(unittest.TestCase):
             button.click()
             self.wait("#ruleCount", str(count))
         self.assertEqual(self.text("#problem"), "")
-        self.assertEqual([button.text for button in buttons],
-                         [tag.text for tag in self.page.find_elements(By.CSS_SELECTOR, "#rules .tag")])
+        tags = self.page.find_elements(By.CSS_SELECTOR, "#rules .tag")
+        self.assertEqual([button.text for button in buttons], [tag.text for tag in tags])
         self.assertEqual(wire.call(self.port, "Ping").error, "Not today")
         self.wait("#exchanges li:first-child", "Not today")
         self.wait("#ruleCount", str(len(buttons) - 1))
