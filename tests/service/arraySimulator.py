@@ -16,17 +16,21 @@ import types
 
 from programs import SIMCTL, SIMULATOR, run
 
-DECLARATION = '<?xml version="1.0" encoding="UTF-8"?>\n'
 
-
-def reply_document(content):
-    """The document of a reply with one ApiMethodReturn that holds this content."""
-    return f"{DECLARATION}<compapi><ApiMethodReturn>{content}</ApiMethodReturn></compapi>"
+def request_document(command, attributes="", object_name="TarnHostCache", kind="Method",
+                     connection=""):
+    """The document of a request, with these elements as its attributes."""
+    return (f"<compapi>{connection}<ApiMethod><CommandType>{kind}</CommandType>"
+            f"<Object>{object_name}</Object><Command>{command}</Command><Async>false</Async>"
+            "<ObjectEncodeType>xml</ObjectEncodeType>"
+            + (f"<Attributes>{attributes}</Attributes>" if attributes else "")
+            + "</ApiMethod></compapi>")
 
 
 def success(value):
-    """The document of a success with this value element."""
-    return reply_document(f"<Successful>True</Successful>{value}")
+    """The document of a reply that is a success with this value element."""
+    return ('<?xml version="1.0" encoding="UTF-8"?>\n<compapi><ApiMethodReturn>'
+            f"<Successful>True</Successful>{value}</ApiMethodReturn></compapi>")
 
 
 class ArraySimulator:

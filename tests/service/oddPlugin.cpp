@@ -47,10 +47,10 @@ int serveOddly(struct soap* context) {
         return serveWithoutCopy(context);
     if (behaviour == "throws")
         throw std::runtime_error("words of the plug-in that nobody is to see");
-    if (behaviour == "throws midway")
+    if (behaviour == "throws midway") {
         context->fsend(context, "half a reply", 12);
-    if (behaviour == "throws midway")
         throw 42;
+    }
     return behaviour == "fails silently" ? SOAP_EOM : SOAP_OK;
 }
 

@@ -4,6 +4,8 @@ what must come back. Written by hand and apart from the service's code."""
 import dataclasses
 import re
 
+from arraySimulator import request_document
+
 
 def elements(text):
     """The text with every name=value in it as an element."""
@@ -47,11 +49,7 @@ class Operation:
 
     @property
     def document(self):
-        attributes = self.attributes and f"<Attributes>{elements(self.attributes)}</Attributes>"
-        return ("<compapi><ApiMethod><CommandType>Method</CommandType>"
-                "<Object>TarnHostCache</Object>"
-                f"<Command>{self.command or self.name}</Command><Async>false</Async>"
-                f"<ObjectEncodeType>xml</ObjectEncodeType>{attributes}</ApiMethod></compapi>")
+        return request_document(self.command or self.name, elements(self.attributes))
 
 
 # How to add one: a row with the request's children, the attributes that they become, and the

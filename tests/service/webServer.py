@@ -37,7 +37,6 @@ TROUBLE = re.compile(r"ERROR: \w+Sanitizer|WARNING: ThreadSanitizer|runtime erro
                      r"|exit signal|Assertion|glibc detected|terminate called")
 
 CONFIGURATION = """
-ServerRoot "{directory}"
 ServerName localhost
 Listen 127.0.0.1:{port}
 PidFile "{directory}/httpd.pid"
@@ -54,9 +53,6 @@ MaxKeepAliveRequests 0
 KeepAliveTimeout 60
 TraceEnable off
 {processes}
-<Directory />
-    AllowOverride None
-</Directory>
 <Location "{path}">
     SetHandler gsoap_handler
     SOAPLibrary "{plugin}"

@@ -124,7 +124,8 @@ class CommandTest(unittest.TestCase):
                     reply = wire.Reply(wire.exchange(port, wire.request(text, credentials, token)))
                     self.assertEqual((reply.ok, reply.code), (True, "NoError") if let_in
                                      else (False, "InvalidCredentials"))
-        self.assertTrue(wire.call(restricted, "Ping", credentials=b"").ok)
+        ping = wire.request(wire.document("Ping"), credentials=b"")
+        self.assertTrue(wire.Reply(wire.exchange(restricted, ping)).ok)
 
     def test_objects_filters_and_associations(self):
         port = self.start()
@@ -133,13 +134,13 @@ class CommandTest(unittest.TestCase):
         for command in ("AddServer", "HccAttachVolume", "MakeDataAvailable"):
             call(port, command)
 
-        def objects(*request):
-            reply = wire.call(port, *request)
+        def objects(*request, **others):
+            reply = wire.call(port, *request, **others)
             self.assertTrue(reply.ok, reply.error)
             return list(reply.element[-1])
 
-        def names(*request):
-            return [item.findtext("InstanceName") for item in objects(*request)]
+        def names(*request, **others):
+            return [item.findtext("InstanceName") for item in objects(*request, **others)]
 
         filters = {
             "": ["c-1", "c-2", "c-3"],
@@ -156,9 +157,9 @@ class CommandTest(unittest.TestCase):
                 self.assertEqual(names("GetList", {"Filter": text}), expected)
         first = {"InstanceId": "101.1"}
         self.assertEqual(names("Get", first), ["c-1"])
-        (server,) = objects("GetList", {}, "TarnServer")
+        (server,) = objects("GetList", object_name="TarnServer")
         self.assertEqual(server.findtext("HostCache"), "101.1 TarnHostCache c-1")
-        (lite,) = objects("Get", {**first, "LiteObj": "1"}, "TarnServer")
+        (lite,) = objects("Get", {**first, "LiteObj": "1"}, object_name="TarnServer")
         self.assertEqual({child.tag for child in lite},
                          {"InstanceId", "InstanceName", "ObjectType"})
         associations = [
@@ -171,7 +172,8 @@ class CommandTest(unittest.TestCase):
         ]
         for start, name, expected in associations:
             with self.subTest(association=name):
-                self.assertEqual(names(name, first, start, "Association"), expected)
+                self.assertEqual(names(name, first, object_name=start,
+                                       kind="Association"), expected)
         self.assertEqual(wire.call(port, "Get", {"InstanceId": "101.9"}).code, "ObjectNotFound")
 
     def test_state_file_survives_a_restart_and_holds_no_key(self):

@@ -104,7 +104,7 @@ class FaultTest(unittest.TestCase):
         ).port
         calls = [("TarnHostCache", "GetList"), ("TarnServer", "GetList")] + 4 * [
             ("TarnHostCache", "GetList")] + 2 * [("TarnHostCache", "Ping")]
-        words = [wire.call(port, command, {}, of).error for of, command in calls]
+        words = [wire.call(port, command, object_name=of).error for of, command in calls]
         # The rules are asked in their order, and each that lets a call pass has counted it.
         self.assertEqual(words, ["second", "by object", "first", "first", "", "",
                                  "always", "always"])

@@ -6,6 +6,8 @@ import struct
 import xml.etree.ElementTree as ET
 from xml.sax.saxutils import escape
 
+from arraySimulator import request_document
+
 
 def varint(number):
     if number < 0x80:
@@ -46,7 +48,7 @@ def read_fields(data):
     return fields
 
 
-def document(command, attributes=None, object_name="TarnHostCache", kind="Method", connection=""):
+def document(command, attributes={}, **others):
     """A request document; attribute values are text, or a list of (record name, {tag: text}),
     or None to leave one out."""
     def render(value):
@@ -55,11 +57,8 @@ def document(command, attributes=None, object_name="TarnHostCache", kind="Method
         return "".join(f"<{name}>" + "".join(f"<{t}>{escape(v)}</{t}>" for t, v in record.items())
                        + f"</{name}>" for name, record in value)
     inner = "".join(f"<{name}>{render(value)}</{name}>"
-                    for name, value in sorted((attributes or {}).items()) if value is not None)
-    return (f"<compapi>{connection}<ApiMethod><CommandType>{kind}</CommandType>"
-            f"<Object>{object_name}</Object><Command>{command}</Command><Async>false</Async>"
-            f"<ObjectEncodeType>xml</ObjectEncodeType>"
-            + (f"<Attributes>{inner}</Attributes>" if inner else "") + "</ApiMethod></compapi>")
+                    for name, value in sorted(attributes.items()) if value is not None)
+    return request_document(command, inner, **others)
 
 
 def request(text, credentials=b"user:pass", token=""):
@@ -116,6 +115,5 @@ class Reply:
         self.code = self.element.findtext("ErrorCode")
 
 
-def call(port, command, attributes=None, object_name="TarnHostCache", kind="Method", **header):
-    text = document(command, attributes, object_name, kind)
-    return Reply(exchange(port, request(text, **header)))
+def call(port, command, attributes={}, **others):
+    return Reply(exchange(port, request(document(command, attributes, **others))))
