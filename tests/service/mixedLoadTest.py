@@ -4,7 +4,6 @@ manager exactly once."""
 import collections
 import concurrent.futures
 import contextlib
-import unittest
 
 import arraySimulator
 import harness

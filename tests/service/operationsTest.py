@@ -3,7 +3,6 @@ that fails."""
 
 import re
 import socket
-import unittest
 from xml.sax.saxutils import escape
 
 import harness

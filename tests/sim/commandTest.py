@@ -89,20 +89,6 @@ class CommandTest(unittest.TestCase):
                 reply = call(port, command, **changes)
                 self.assertEqual(reply.ok, "is not a port" not in reply.error, reply.error)
 
-    def test_attach_gives_both_identities_of_the_volume(self):
-        port = self.start(seed_file={
-            "volumes": [{"id": "db", "original": {"deviceId": "o-d", "serialNumber": "o-s"},
-                         "alias": {"deviceId": "a-d", "serialNumber": "a-s"}}],
-            "clusters": [{"id": "hcc-1", "key": "k"}]})
-        identities = [{child.tag: child.text for child in call(
-            port, "HccAttachVolume", VolumeId=volume).element.find("ReturnMethodObject")[0]}
-            for volume in ("db", "vol-1", "vol-2")]
-        self.assertEqual(identities[0], {
-            "AliasScsiDeviceId": "a-d", "AliasScsiSerialNumber": "a-s",
-            "OriginalScsiDeviceId": "o-d", "OriginalScsiSerialNumber": "o-s"})
-        self.assertEqual(len({text for identity in identities for text in identity.values()}), 12,
-                         "every identity is the volume's own")
-
     def test_who_is_let_in(self):
         accepted = {"users": [{"user": "admin", "password": "pa:ss"}], "tokens": ["t-1"],
                     "sessionKeys": ["s-1"]}
