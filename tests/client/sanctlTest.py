@@ -1,7 +1,6 @@
 """The command-line client as a user meets it, against a server that answers canned replies."""
 
 import json
-import pathlib
 import re
 import socket
 import tempfile
@@ -82,37 +81,42 @@ class SanctlTest(unittest.TestCase):
                     self.assertIn(words, done.stderr)
             self.assertEqual(server.requests, [])
 
-    def test_secrets_travel_but_are_not_shown(self):
-        with cannedServer.serve(reply("AddHccToSan")) as server:
-            done = sanctl("add-hcc-to-san", "--url", server.url, "--user", "admin", "--dump",
-                          "--san-id", "array-1", "--hcc-id", "hcc-1", "--hcc-name", "größte",
-                          "--address", "10.0.0.5:3260", "--address", "[2001:db8::1]:80",
-                          "--address", "node.example:1", **SECRETS)
+    def sent(self, operation, *arguments, **options):
+        """How a command ends that is answered well, and its request without blanks in between."""
+        with cannedServer.serve(reply(operation)) as server:
+            done = sanctl(*arguments, "--url", server.url, **options)
         self.assertEqual(done.returncode, 0, done)
         (request,) = server.requests
-        credentials = soap.credentials("admin:pass-word-1")
-        for part in (credentials, "<authToken>token-1<", "<hccKey>key-1<", "<hccName>größte<",
+        return done, re.sub(r">\s+<", "><", request)
+
+    def test_secrets_travel_but_are_not_shown(self):
+        done, request = self.sent(
+            "AddHccToSan", "add-hcc-to-san", "--user", "admin", "--dump", "--san-id", "array-1",
+            "--hcc-id", "hcc-1", "--hcc-name", "größte", "--address", "10.0.0.5:3260",
+            "--address", "[2001:db8::1]:80", "--address", "node.example:1", **SECRETS)
+        encoded = soap.encoded("admin:pass-word-1")
+        for part in (f"<userPass>{encoded}<", "<authToken>token-1<", "<hccKey>key-1<",
+                     "<hccName>größte<",
                      '<ipAddress type="ipv4"><ipv4Addr>10.0.0.5</ipv4Addr></ipAddress>'
                      "<port>3260</port>",
                      '<ipAddress type="ipv6"><ipv6Addr>2001:db8::1<',
                      '<ipAddress type="dns"><dnsAddr>node.example<'):
             self.assertIn(part, request)
-        for secret in (*SECRETS.values(), credentials):
+        for secret in (*SECRETS.values(), encoded):
             self.assertNotIn(secret, done.stdout + done.stderr)
         self.assertIn("<userPass>***</userPass>", done.stderr)
         self.assertIn("<ns1:AddHccToSanResponse>", done.stderr)
 
     def test_secrets_come_from_files_and_standard_input(self):
-        with tempfile.TemporaryDirectory() as directory, \
-                cannedServer.serve(reply("AddHccToSan")) as server:
-            token = pathlib.Path(directory, "token")
-            token.write_text("token-2\r\nsecond line\n", encoding="utf-8")
-            done = sanctl("add-hcc-to-san", "--url", server.url, "--user", "admin",
-                          "--password-file", "-", "--token-file", str(token),
-                          "--san-id", "a", "--hcc-id", "b", stdin="pass-2\n", **SECRETS)
-        self.assertEqual(done.returncode, 0, done)
-        self.assertIn(soap.credentials("admin:pass-2"), server.requests[0])
-        self.assertIn("<authToken>token-2<", server.requests[0])
+        with tempfile.NamedTemporaryFile("w", encoding="utf-8") as token:
+            token.write("token-2\r\nsecond line\n")
+            token.flush()
+            _, request = self.sent(
+                "AddHccToSan", "add-hcc-to-san", "--user", "admin", "--password-file", "-",
+                "--token-file", token.name, "--san-id", "a", "--hcc-id", "b", stdin="pass-2\n",
+                **SECRETS)
+        self.assertIn(f"<userPass>{soap.encoded('admin:pass-2')}<", request)
+        self.assertIn("<authToken>token-2<", request)
 
     def test_attach_shows_both_identities(self):
         answer = reply("HccAttachVolume",
@@ -140,7 +144,5 @@ class SanctlTest(unittest.TestCase):
             (["--cache-address", "10.0.0.9:1"], "<cacheIpAddresses><ipAddress type="),
         ]
         for options, expected in rows:
-            with self.subTest(options), cannedServer.serve(reply("AddServer")) as server:
-                done = sanctl("add-server", "--url", server.url, *given, *options)
-                self.assertEqual(done.returncode, 0, done)
-                self.assertIn(expected, re.sub(r">\s+<", "><", server.requests[0]))
+            with self.subTest(options):
+                self.assertIn(expected, self.sent("AddServer", "add-server", *given, *options)[1])

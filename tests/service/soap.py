@@ -7,16 +7,15 @@ ENVELOPE = "http://schemas.xmlsoap.org/soap/envelope/"
 NS1 = "urn:san-api:service"
 
 
-def credentials(user):
-    """The element of credentials in clear, which are encoded twice."""
-    encoded = base64.b64encode(base64.b64encode(user.encode())).decode()
-    return f"<userPass>{encoded}</userPass>"
+def encoded(user):
+    """Credentials in clear as they travel, encoded twice."""
+    return base64.b64encode(base64.b64encode(user.encode())).decode()
 
 
 def header(version="2.3", user=None, token=None):
     """The header's element; `user` are credentials in clear."""
     return (f'<ns1:HccApiHeader><xsdVersion version="{version}"/>'
-            + (credentials(user) if user is not None else "")
+            + (f"<userPass>{encoded(user)}</userPass>" if user is not None else "")
             + (f"<authToken>{token}</authToken>" if token is not None else "")
             + "</ns1:HccApiHeader>")
 
