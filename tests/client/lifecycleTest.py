@@ -66,7 +66,7 @@ class ServiceTest(harness.ServiceCase):
                          (len(requests), 10,
                           {"SnapshotPrepareComplete: refused by the array: later": 10}))
         self.assertEqual(len({request.hccId for request in requests} - {""}), 40)
-        self.assertEqual(json.loads(self.array.control("state", "--json"))["clusters"], [])
+        self.assertEqual(self.array.show("state")["clusters"], [])
 
     def test_a_refusal_is_told(self):
         unknown = self.sanctl(1, "remove-hcc-from-san", "--san-id", "array-1", "--hcc-id", "c1")

@@ -38,10 +38,6 @@ def run(*command, **environment):
     return done.stdout
 
 
-def nothing_to_prepare(_url):
-    pass
-
-
 def prepare_node(_url):
     """Brings the library in the versions of the lock file, once for a build."""
     folder = WORK / "node"
@@ -69,7 +65,7 @@ class Client:
     name: str
     command: list           # without URL, SCENARIO and CLUSTER
     version: list           # a command that prints it
-    prepare: callable = nothing_to_prepare
+    prepare: callable = lambda url: None
     environment: dict = dataclasses.field(default_factory=dict)
 
 

@@ -98,9 +98,9 @@ class ArraySimulator:
         rule = {"command": command, "fault": fault, **members}
         self.control("fail", "--file", self._write("rule", {"faults": [rule]}))
 
-    def fault_kinds(self):
-        """Every fault that there is, with the words for what the client sees."""
-        return json.loads(self.control("fail", "--kinds", "--json"))
+    def show(self, *arguments):
+        """What the control command shows, read from its JSON."""
+        return json.loads(self.control(*arguments, "--json"))
 
     def take_requests(self):
         """The requests that arrived since the last call, with the members that the log has."""

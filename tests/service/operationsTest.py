@@ -123,7 +123,7 @@ class OperationsTest(harness.ServiceCase):
             ("delay", {"delayMs": 300}, None),
             ("drip", {"intervalMs": 1}, None),
         ]
-        for kind in self.array.fault_kinds():
+        for kind in self.array.show("fail", "--kinds"):
             # What the simulator promises; those of no fixed words have rows of their own.
             promised = re.search(r'receiver fault (?:"([^"]+)"$|"(Failed[^"]+)"|with an empty)',
                                  kind["clientSees"])

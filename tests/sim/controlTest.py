@@ -23,11 +23,8 @@ class ControlTest(unittest.TestCase):
         return [json.loads(line) for line in
                 self.simulator.control("log", "--json", *options).splitlines()]
 
-    def state(self):
-        return json.loads(self.simulator.control("state", "--json"))
-
     def rules(self):
-        return json.loads(self.simulator.control("fail", "--rules", "--json"))
+        return self.simulator.show("fail", "--rules")
 
     def web(self, method, path, body=None, headers={}):
         connection = http.client.HTTPConnection("127.0.0.1", self.simulator.web_port, timeout=20)
@@ -40,7 +37,7 @@ class ControlTest(unittest.TestCase):
         for command in LIFE:
             call(self.port, command, HccKey="k" if command == "AddHccToSan" else None)
         call(self.port, "HccAttachVolume", VolumeId="evil\x1b[2J\nline")
-        state = self.state()
+        state = self.simulator.show("state")
         cluster, volume = state["clusters"][0], state["volumes"][0]
         self.assertEqual((cluster["name"], cluster["servers"][0]["interfaces"]),
                          ("Büro & Lager", [{"id": "wwn-1", "type": "Iscsi"}]))
@@ -103,9 +100,9 @@ class ControlTest(unittest.TestCase):
     def test_reset_goes_back_to_the_seed(self):
         call(self.port, "AddHccToSan")
         self.simulator.control("reset", "log")
-        self.assertEqual((self.exchanges(), len(self.state()["clusters"])), ([], 1))
+        self.assertEqual((self.exchanges(), len(self.simulator.show("state")["clusters"])), ([], 1))
         self.simulator.control("reset")
-        state = self.state()
+        state = self.simulator.show("state")
         self.assertEqual((state["clusters"], len(state["volumes"])), ([], 8))
         self.assertTrue(call(self.port, "AddHccToSan").ok)
 
