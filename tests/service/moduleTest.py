@@ -82,8 +82,14 @@ REQUESTS = [
     ("a chunk of no size", chunked()[:-5] + MARKER.encode() + b"\r\n", 400),
     ("a chunk cut short", chunked()[:-5] + b"ff\r\n<a>", 400),
     ("a body cut short", http(body=PING[:100], length=len(PING)), 400),
+    ("a negative length", http(length=-1), 400),
+    ("two lengths", http(body=PING).replace(b"\r\n\r\n", b"\r\nContent-Length: 1\r\n\r\n", 1), 400),
+    ("no HTTP", MARKER.encode() + b"\r\n\r\n", 400),
     ("a host of markup", http("GET", PATH + "?wsdl", Host='"><' + MARKER), 400),
     # XML that the engine has to stand.
+    ("no envelope", http(body=b"<a/>"), 500),
+    ("half an envelope", http(body=PING[:len(PING) // 2]), 500),
+    ("an unknown operation", http(body=soap.envelope(f"<ns1:{MARKER}/>").encode()), 500),
     ("a document type", http(body=b'<!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'), 500),
     ("a zero within", with_body("\0"), 200),
     ("deep nesting", with_body("<a>" * 40000), 500),
@@ -172,6 +178,19 @@ class WsdlTest(ModuleCase):
 
 
 class LoadTest(ModuleCase):
+    def test_every_ping_over_many_connections_is_answered(self):
+        for mpm in ("event", "worker", "prefork"):
+            with self.subTest(mpm):
+                # Event closes kept-alive connections when no thread is idle, so it has more.
+                server = self.start(mpm=mpm, threads=16 if mpm == "prefork" else 32)
+
+                def send(_):
+                    with contextlib.closing(server.connect()) as connection:
+                        return [soap.answered(server.post(soap.PING, connection=connection), "Ping")
+                                for _ in range(13)]
+                with concurrent.futures.ThreadPoolExecutor(16) as pool:
+                    self.assertEqual(list(pool.map(send, range(16))), [[True] * 13] * 16)
+
     def test_graceful_restarts_under_load_lose_nothing(self):
         for mpm in ("event", "worker", "prefork"):
             with self.subTest(mpm):
