@@ -19,6 +19,14 @@ class APISampleRecord : public BASEApiMethodObject {
     API_ATTRIBUTE_LIST(Address, Port, Comment);
 };
 
+/// An object with few attributes.
+class APIThing : public BASEApiObject {
+    API_OBJECT(Thing);
+    API_ATTRIBUTE(Name, "Name", STRING, 20, NoBounds);
+    API_ATTRIBUTE(Notes, "Notes", STRING, 20, NoBounds);
+    API_ATTRIBUTE_LIST_THEN(BASEApiObject, Name, Notes);
+};
+
 class APISample : public TARNStatusBaseApiObject {
     API_OBJECT(Sample);
     // clang-format off

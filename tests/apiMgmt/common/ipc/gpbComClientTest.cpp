@@ -35,12 +35,6 @@ std::string documentOfSize(std::size_t size) {
     return document;
 }
 
-std::string replyFrame(const std::string& document) {
-    std::string frame;
-    EXPECT_TRUE(ipcFraming::encodeFrame(replyWith(document), frame));
-    return frame;
-}
-
 /// The reply's document.
 std::string exchange(int port, const GPBIPCMsg& request = makeRequest()) {
     GPBIPCMsg reply;

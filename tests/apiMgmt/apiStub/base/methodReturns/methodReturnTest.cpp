@@ -1,128 +1,171 @@
+// What a reply becomes, and what a return writes.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
 
 #include "apiMgmt/apiStub/base/methodReturns/boolMethodReturn.h"
-#include "apiMgmt/apiStub/base/methodReturns/compObjectMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/enumMaskMethodReturn.h"
-#include "apiMgmt/apiStub/base/methodReturns/enumMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/intMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/methodObjectMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
-#include "tests/apiMgmt/apiStub/base/methodReturns/returnText.h"
-#include "tests/apiMgmt/apiStub/base/testClasses.h"
+#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 #include "tests/support/replyMessage.h"
 
 namespace {
 
+using protoIPCMsg::GPBIPCMsg;
 using ReturnPtr = std::unique_ptr<BASEApiMethodReturn>;
 
-/// Counts its instances, to show who deletes what.
-class CountedRecord : public APIRecord {
-public:
-    CountedRecord() { ++alive; }
-    ~CountedRecord() override { --alive; }
-    static inline int alive = 0;
-};
-
-APIThing* thing(const std::string& name, const std::string& notes = "") {
-    auto made = std::make_unique<APIThing>();
-    made->SetName(name);
-    if (!notes.empty())
-        made->SetNotes(notes);
-    return made.release();
+ReturnPtr process(const GPBIPCMsg& reply) {
+    return ReturnPtr(APISample::APISampleAddMethod().ProcessResponse(reply));
 }
 
-template <class Return>
-ReturnPtr withText(const std::string& text) {
-    auto made = std::make_unique<Return>(true);
-    made->SetReturnObject(text);
-    return made;
+/// A return's value as it is written, or "failed STATE|error|localized error|detail".
+std::string outcomeOf(const BASEApiMethodReturn& outcome) {
+    if (outcome.GetSuccessful())
+        return outcome.GetReturnString(ObjectReturnEncodeEnum::Xml);
+    return "failed " + std::to_string(static_cast<int>(outcome.GetErrorCode())) + "|" +
+           outcome.GetError() + "|" + outcome.GetLocalizedError() + "|" + outcome.GetErrorDetail();
 }
 
-ReturnPtr objects(bool isArray, std::initializer_list<BASEApiObject*> list) {
-    auto made = std::make_unique<COMPObjectMethodReturn>(isArray);
-    made->SetReturnObject(std::vector<BASEApiObject*>(list));
-    return made;
-}
-
-ReturnPtr records(bool isArray, std::initializer_list<std::string> texts) {
-    auto made = std::make_unique<METHODObjectMethodReturn>(isArray);
-    for (const std::string& text : texts) {
-        auto record = std::make_unique<APIRecord>();
-        record->SetLabel(text);
-        made->SetReturnObject(record.release(), false);
+TEST(ReplyMessageTest, IsRefusedUnlessItIsAReplyToACommand) {
+    const std::string refused =
+        "failed 4|Invalid content in response message|Invalid content in response message|";
+    const std::string type = refused + "Message type invalid or missing from response";
+    const std::string command = refused + "Command type invalid or missing from response";
+    const std::pair<void (*)(GPBIPCMsg&), std::string> changes[] = {
+        // clang-format off
+        {[](GPBIPCMsg& reply) { reply.set_msgtype(protoIPCMsg::IPC_API_REQUEST); },   type},
+        {[](GPBIPCMsg& reply) { reply.clear_msgtype(); },                             type},
+        {[](GPBIPCMsg& reply) { reply.clear_apirespmsg(); },                          type},
+        {[](GPBIPCMsg& reply) { reply.mutable_apirespmsg()->clear_cmdtype(); },       command},
+        {[](GPBIPCMsg& reply) { reply.mutable_apirespmsg()->clear_cmdrespmsg(); },    command},
+        // clang-format on
+    };
+    GPBIPCMsg reply;
+    for (const auto& [change, outcome] : changes) {
+        reply = replyWith("<compapi/>");
+        change(reply);
+        EXPECT_EQ(outcomeOf(*process(reply)), outcome);
     }
-    return made;
+    // A number that no enumeration has counts as missing.
+    ASSERT_TRUE(reply.ParseFromString(std::string("\x08\x09\x22\x04\x08\x01\x12\x00", 8)));
+    EXPECT_EQ(outcomeOf(*process(reply)), type);
 }
 
-BASEApiObject* other(std::int64_t size) {
-    auto made = std::make_unique<APIOther>();
-    made->SetSize(size);
-    return made.release();
+std::string reply(const std::string& inner) {
+    return "<compapi><ApiMethodReturn>" + inner + "</ApiMethodReturn></compapi>";
 }
 
-ReturnPtr readBack(const std::string& document) {
-    return ReturnPtr(APIThingSetMethod().ProcessResponse(replyWith(document)));
+std::string success(const std::string& value) {
+    return reply("<Successful>True</Successful>" + value);
 }
 
-struct Rendered {
-    std::function<ReturnPtr()> make;
-    std::string value;  // the value's element in the XML encoding
-};
+constexpr char notParsed[] =
+    "failed 4|Invalid content in response message|Invalid content in response message|"
+    "Failed to parse XML response data";
+#define COUNT(n)                                                              \
+    "failed 4|Invalid response in return XML|Invalid response in return XML|" \
+    "Incorrect number of APIMethodReturn elements.  Expected 1, found [" n "]."
 
 // clang-format off
-const Rendered renderedReturns[] = {
-    {[] { return std::make_unique<BOOLMethodReturn>(true); },    "<ReturnBool>True</ReturnBool>"},
-    {[] { return std::make_unique<BOOLMethodReturn>(false); },   "<ReturnBool>False</ReturnBool>"},
-    {[] { return std::make_unique<INTMethodReturn>(-2147483647 - 1); }, "<ReturnInt>-2147483648</ReturnInt>"},
-    {[] { return std::make_unique<STRINGMethodReturn>("a<&'\"\n "); },
-             "<ReturnString>a&lt;&amp;&apos;&quot;&#x0a; </ReturnString>"},
-    {[] { return std::make_unique<STRINGMethodReturn>(); },      "<ReturnString></ReturnString>"},
-    {[] { return withText<ENUMMethodReturn>("Up"); },            "<ReturnEnum>Up</ReturnEnum>"},
-    {[] { return withText<ENUMMaskMethodReturn>("A B"); },       "<ReturnEnumMask>A B</ReturnEnumMask>"},
-    {[] { return records(false, {}); },                          "<ReturnMethodObject />"},
-    {[] { return records(true, {}); },                           "<ReturnMethodObjectArray />"},
-    {[] { return records(false, {"a<b"}); },
-             "<ReturnMethodObject><Record><Label>a&lt;b</Label></Record></ReturnMethodObject>"},
-    {[] { return records(true, {"a", ""}); },
-             "<ReturnMethodObjectArray><Record><Label>a</Label></Record><Record><Label></Label></Record></ReturnMethodObjectArray>"},
-    {[] { return objects(false, {thing("n")}); },
-             "<ReturnObject><Thing><Name>n</Name></Thing></ReturnObject>"},
-    {[] { return objects(true, {}); },                           "<ReturnObjectArray></ReturnObjectArray>"},
-    {[] { return objects(true, {thing("a,b:c", "<&>\nx"), thing("n", "o"), other(3), thing("z", "y")}); },
-             "<ReturnObjectArray><Thing><Name>a,b:c</Name><Notes>&lt;&amp;&gt;&#x0a;x</Notes></Thing>"
-             "<Thing><Name>n</Name><Notes>o</Notes></Thing><Other><Size>3</Size></Other>"
-             "<Thing><Name>z</Name><Notes>y</Notes></Thing></ReturnObjectArray>"},
+const std::pair<std::string, std::string> documents[] = {
+    // malformed
+    {"",                                                       notParsed},
+    {"<compapi>",                                              notParsed},
+    {"<!DOCTYPE compapi>" + success("<ReturnInt>1</ReturnInt>"), notParsed},
+    {"<compapi/>",                                             COUNT("0")},
+    {"<compapi><ApiMethodReturn/><ApiMethodReturn/></compapi>", COUNT("2")},
+    {"<compapi><a><ApiMethodReturn/></a></compapi>",           COUNT("0")},
+    {"<other><ApiMethodReturn><Successful>1</Successful></ApiMethodReturn></other>", COUNT("1")},
+    {success(""),                                              COUNT("1")},
+    {success("<ReturnNothing/>"),                              COUNT("1")},
+    // failed
+    {reply(""),                                                "failed 0|||"},
+    {reply("<ErrorCode> 8</ErrorCode>"),                       "failed 8|||"},
+    {reply("<ErrorCode>iNVALIDvALUE</ErrorCode>"),             "failed 25|||"},
+    {reply("<ErrorCode>77</ErrorCode>"),                       "failed 77|||"},
+    {reply("<ErrorCode>-3</ErrorCode>"),                       "failed -3|||"},
+    {reply("<ErrorCode>99999999999999999999</ErrorCode>"),     "failed 2147483647|||"},
+    {reply("<ErrorCode>no such name</ErrorCode>"),             "failed 0|||"},
+    {reply("<Successful>False</Successful><ErrorCode>8</ErrorCode><Error>a &lt; b</Error><LocalizedError>l</LocalizedError>"
+           "<ErrorDetail>%s|&#x0a;</ErrorDetail><ReturnBool>True</ReturnBool>"),
+             "failed 8|a < b|l|%s|\n"},
+    {reply("<Successful>yes</Successful><Error>e</Error>"),    "failed 0|e||"},
+    // successful, but not written as they were
+    {reply("<Successful>1</Successful><ReturnBool>tRUE</ReturnBool>"), "<ReturnBool>True</ReturnBool>"},
+    {success("<ReturnBool>no</ReturnBool>"),                   "<ReturnBool>False</ReturnBool>"},
+    {success("<ReturnInt>5</ReturnInt><ReturnBool>True</ReturnBool>"), "<ReturnBool>True</ReturnBool>"},
+    {success("<ReturnInt>4294967296</ReturnInt>"),             "<ReturnInt>2147483647</ReturnInt>"},
+    {success("<ReturnInt>x</ReturnInt>"),                      "<ReturnInt>0</ReturnInt>"},
+    {success("<ReturnString>'\"></ReturnString>"),             "<ReturnString>&apos;&quot;&gt;</ReturnString>"},
+    {success("<ReturnEnum>Up</ReturnEnum><ReturnEnumMask>A B</ReturnEnumMask>"), "<ReturnEnumMask>A B</ReturnEnumMask>"},
+    {success("<ReturnObject><Thing/><Thing><Name>second</Name></Thing></ReturnObject>"), "<ReturnObject><Thing></Thing></ReturnObject>"},
+    {success("<ReturnObjectArray>\n <Thing><Name>n</Name></Thing> <Unknown/>\n <Sample><Number>3</Number></Sample></ReturnObjectArray>"),
+             "<ReturnObjectArray><Thing><Name>n</Name></Thing><Sample><Number>3</Number></Sample></ReturnObjectArray>"},
+    {success("<ReturnObjectArray><Thing><Header>Notes,Name</Header><Data>a--cm--b,c--nl--d\n,&lt;--cl--\n</Data></Thing></ReturnObjectArray>"),
+             "<ReturnObjectArray><Thing><Name>c&#x0a;d</Name><Notes>a,b</Notes></Thing><Thing><Name>&lt;:</Name><Notes></Notes></Thing></ReturnObjectArray>"},
+    {success("<ReturnMethodObject><Unknown/><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"),
+             "<ReturnMethodObject><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"},
+    {"<compapi><ApiMethodReturn><Successful>True</Successful></ApiMethodReturn><ReturnInt>7</ReturnInt></compapi>", "<ReturnInt>7</ReturnInt>"},
+};
+
+// Values that are written as they were read.
+const std::string values[] = {
+    "<ReturnBool>True</ReturnBool>",
+    "<ReturnInt>-2147483648</ReturnInt>",
+    "<ReturnString>a&lt;&amp;&apos;&quot;&#x0a; </ReturnString>",
+    "<ReturnString></ReturnString>",
+    "<ReturnEnum>Up</ReturnEnum>",
+    "<ReturnEnumMask>A B</ReturnEnumMask>",
+    "<ReturnMethodObject />",
+    "<ReturnMethodObjectArray />",
+    "<ReturnMethodObject><SampleRecord><Comment>a&lt;b</Comment></SampleRecord></ReturnMethodObject>",
+    "<ReturnMethodObjectArray><SampleRecord><Comment>a</Comment></SampleRecord><SampleRecord><Comment></Comment></SampleRecord></ReturnMethodObjectArray>",
+    "<ReturnObject></ReturnObject>",
+    "<ReturnObject><Thing><Name>n</Name></Thing></ReturnObject>",
+    "<ReturnObjectArray></ReturnObjectArray>",
+    "<ReturnObjectArray><Thing><Name>a,b:c</Name><Notes>&lt;&amp;&gt;&#x0a;x</Notes></Thing>"
+        "<Thing><Name>n</Name><Notes>o</Notes></Thing><Sample><Number>3</Number></Sample>"
+        "<Thing><Name>z</Name><Notes>y</Notes></Thing></ReturnObjectArray>",
 };
 // clang-format on
 
-TEST(MethodReturnTest, IsReadBackToTheSameReturn) {
-    for (const Rendered& rendered : renderedReturns) {
-        const ReturnPtr made = rendered.make();
-        EXPECT_EQ(made->GetReturnString(ObjectReturnEncodeEnum::Xml), rendered.value);
+TEST(ReplyDocumentTest, GivesOneReturn) {
+    for (const auto& [document, outcome] : documents)
+        EXPECT_EQ(outcomeOf(*process(replyWith(document))), outcome) << document;
+}
+
+TEST(ReplyDocumentTest, IsWhatAReturnWritesInEachEncoding) {
+    for (const std::string& value : values) {
+        const ReturnPtr made = process(replyWith(success(value)));
+        EXPECT_EQ(outcomeOf(*made), value);
         for (const auto& row : gObjectReturnEncodeEnumIdStrList.GetRows()) {
             const std::string document = made->ToString(row.id);
-            const ReturnPtr read = readBack(document);
-            EXPECT_EQ(returnText(*read), returnText(*made)) << document;
-            // The kind is the same too, so that it writes itself alike.
+            const ReturnPtr read = process(replyWith(document));
             EXPECT_EQ(read->ToString(row.id), document);
+            // Bare data do not tell an unset value from an empty one.
+            EXPECT_TRUE(row.id == ObjectReturnEncodeEnum::CsvData || outcomeOf(*read) == value)
+                << document;
         }
     }
 }
 
 TEST(MethodReturnTest, WritesCommaSeparatedSections) {
-    const ReturnPtr made = objects(true, {thing("a,b"), thing("c:\td", "&"), other(3)});
+    const ReturnPtr made = process(replyWith(
+        success("<ReturnObjectArray><Thing><Name>a,b</Name></Thing><Thing><Name>c:&#x0a;d</Name>"
+                "<Notes>&amp;</Notes></Thing><Sample><Number>3</Number></Sample>"
+                "</ReturnObjectArray>")));
     EXPECT_EQ(made->GetReturnString(ObjectReturnEncodeEnum::Csv),
               "<ReturnObjectArray>"
               "<Thing><Header>Name,Notes</Header><Data>a--cm--b,\nc--cl----nl--d,&amp;\n</Data>"
-              "</Thing><Other><Header>Size</Header><Data>3\n</Data></Other></ReturnObjectArray>");
+              "</Thing><Sample><Header>Number</Header><Data>3\n</Data></Sample>"
+              "</ReturnObjectArray>");
     EXPECT_EQ(made->GetReturnString(ObjectReturnEncodeEnum::CsvData),
               "<ReturnObjectArray><Thing><Data>a--cm--b,,,,\nc--cl----nl--d,&amp;,,,\n</Data>"
-              "</Thing><Other><Data>3\n</Data></Other></ReturnObjectArray>");
+              "</Thing><Sample><Data>,3,,,,,,,,,,,,,,,,,,,\n</Data></Sample></ReturnObjectArray>");
 }
 
 TEST(MethodReturnTest, WritesStatusBeforeValue) {
@@ -134,16 +177,24 @@ TEST(MethodReturnTest, WritesStatusBeforeValue) {
               "<ReturnObjectEncode>Csv</ReturnObjectEncode><Successful>False</Successful>"
               "</ApiMethodReturn></compapi>");
     STRINGMethodReturn failed("text", false, ErrorStateEnum::InvalidValue, "e", "l", "d", nullptr);
-    EXPECT_EQ(returnText(*readBack(failed.ToString(ObjectReturnEncodeEnum::Xml))),
+    EXPECT_EQ(outcomeOf(*process(replyWith(failed.ToString(ObjectReturnEncodeEnum::Xml)))),
               "failed 25|e|l|d");
 }
 
 TEST(MethodReturnTest, SucceedsAsItsKindSays) {
     EXPECT_TRUE(BOOLMethodReturn(false, false, nullptr).GetSuccessful());
     EXPECT_FALSE(INTMethodReturn(1, false, nullptr).GetSuccessful());
-    EXPECT_EQ(returnText(BASEApiMethodReturn(false)), "failed 1|||");
+    EXPECT_EQ(outcomeOf(BASEApiMethodReturn(false)), "failed 1|||");
     EXPECT_TRUE(BASEApiMethodReturn().GetSuccessful());
 }
+
+/// Counts its instances, to show who deletes what.
+class CountedRecord : public APISampleRecord {
+public:
+    CountedRecord() { ++alive; }
+    ~CountedRecord() override { --alive; }
+    static inline int alive = 0;
+};
 
 // The analyzer does not see that a return deletes what it holds.
 // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks)
@@ -189,12 +240,12 @@ TEST(ObjectListTest, ArrayReturnOwnsItsList) {
 // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
 
 TEST(MethodReturnTest, PrintsForAPerson) {
-    APIThingSetMethod method;
+    APISample::APISampleAddMethod method;
     std::ostringstream text;
     text << BASEApiMethodReturn(true, &method)
          << BASEApiMethodReturn(false, ErrorStateEnum::InvalidRequest, "bad", "", "");
     EXPECT_EQ(text.str(),
-              "success=1\nmethod name=Set\nobject name=Thing\n"
+              "success=1\nmethod name=Add\nobject name=Sample\n"
               "success=0\nerror code=8\nerror message=bad\n");
 }
 

@@ -8,26 +8,24 @@
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
-#include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
-#include "apiMgmt/common/ipc/apiMgrPort.h"
-#include "apiMgmt/common/ipc/ipcFraming.h"
 #include "apiMgmt/common/utils/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
-#include "tests/apiMgmt/apiStub/base/testClasses.h"
+#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 #include "tests/support/fakeServiceDatabase.h"
 #include "tests/support/replyMessage.h"
 #include "tests/support/scriptedPeer.h"
 
 namespace {
 
+using Add = APISample::APISampleAddMethod;
 using Values = std::map<std::string, std::string>;
 using protoIPCMsg::GPBIPCMsg;
 
-GPBIPCMsg build(const BASEApiMethod& method, const APIHccReqHeader* header,
-                const std::string& sessionKey, const Values* blobs, const std::string& locale) {
+GPBIPCMsg build(const APIHccReqHeader* header, const std::string& sessionKey, const Values* blobs,
+                const std::string& locale) {
     GPBIPCMsg request;
-    method.BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
+    Add().BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
     return request;
 }
 
@@ -35,34 +33,31 @@ const protoIPCMsg::APICmdReqMsg& commandOf(const GPBIPCMsg& request) {
     return request.apireqmsg().cmdreqmsg();
 }
 
-const std::string emptyMethod =
-    "<ApiMethod><CommandType>Method</CommandType><Object>Thing</Object><Command>Set</Command>"
-    "<Async>false</Async><ObjectEncodeType>xml</ObjectEncodeType></ApiMethod>";
-
 TEST(RequestDocumentTest, NamesSessionOnlyWithoutHeader) {
     const std::string key = "<sessionkey>k 1</sessionkey>";
+    const std::string element = Add().GetXMLString(false, true);
     const std::pair<const char*, std::string> sessions[] = {
         // clang-format off
         {"", key}, {"en", key}, {"en_US", key + "<locale>en_US</locale>"}, {"en_US.UTF-8", key},
         // clang-format on
     };
     for (const auto& [locale, connection] : sessions) {
-        const GPBIPCMsg request = build(APIThingSetMethod(), nullptr, "k 1", nullptr, locale);
-        std::string document = "<compapi><ApiConnection>";
-        document.append(connection).append("</ApiConnection>").append(emptyMethod);
-        EXPECT_EQ(commandOf(request).requestdocument(), document.append("</compapi>"));
+        const GPBIPCMsg request = build(nullptr, "k 1", nullptr, locale);
+        std::string document = "<compapi><ApiConnection>" + connection;
+        EXPECT_EQ(commandOf(request).requestdocument(),
+                  document.append("</ApiConnection>").append(element).append("</compapi>"));
         EXPECT_EQ(request.apireqmsg().clientaddress(), "127.0.0.1");
         EXPECT_FALSE(commandOf(request).has_hccheader());
     }
     const APIHccReqHeader header;
-    const GPBIPCMsg request = build(APIThingSetMethod(), &header, "k 1", nullptr, "en_US");
-    EXPECT_EQ(commandOf(request).requestdocument(), "<compapi>" + emptyMethod + "</compapi>");
+    const GPBIPCMsg request = build(&header, "k 1", nullptr, "en_US");
+    EXPECT_EQ(commandOf(request).requestdocument(), "<compapi>" + element + "</compapi>");
 }
 
 TEST(RequestMessageTest, CarriesHeaderAndBlobs) {
     const APIHccReqHeader header{"2.3", std::string("u\0:p", 4), "token", "", "10.1.2.3", "local"};
     const Values blobs{{"b", "data"}, {"a", std::string("\0\xff", 2)}, {"none", ""}};
-    const GPBIPCMsg request = build(APIThingSetMethod(), &header, "", &blobs, "");
+    const GPBIPCMsg request = build(&header, "", &blobs, "");
 
     EXPECT_EQ(request.msgtype(), protoIPCMsg::IPC_API_REQUEST);
     EXPECT_FALSE(request.has_apirespmsg());
@@ -82,7 +77,7 @@ TEST(RequestMessageTest, CarriesHeaderAndBlobs) {
 
 TEST(RequestMessageTest, NeedsAnIdentity) {
     try {
-        build(APIThingSetMethod(), nullptr, "", nullptr, "en_US");
+        build(nullptr, "", nullptr, "en_US");
         FAIL() << "no error";
     } catch (const APIMethodError& error) {
         EXPECT_STREQ(error.what(),
@@ -99,16 +94,11 @@ TEST(ExchangeTest, GoesToTheApiManager) {
     ScriptedPeer peer([&](int fd) {
         const std::lock_guard lock(guard);
         received = ScriptedPeer::receive(fd);
-        std::string frame;
-        ipcFraming::encodeFrame(
-            replyWith("<compapi><ApiMethodReturn><Successful>True</Successful>"
-                      "<ReturnString>done</ReturnString></ApiMethodReturn></compapi>"),
-            frame);
-        ScriptedPeer::send(fd, frame);
+        ScriptedPeer::send(
+            fd, replyFrame("<compapi><ApiMethodReturn><Successful>True</Successful>"
+                           "<ReturnString>done</ReturnString></ApiMethodReturn></compapi>"));
     });
     fakeServiceDatabase::setPort(peer.port());
-    const APIHccReqHeader header{"2.3", "u:p", "", "hcc", "10.1.2.3", ""};
-    const APIThingSetMethod method;
     const auto check = [&](BASEApiMethodReturn* outcome, const GPBIPCMsg& request) {
         const std::unique_ptr<BASEApiMethodReturn> owned(outcome);
         const auto* text = dynamic_cast<const STRINGMethodReturn*>(outcome);
@@ -117,8 +107,9 @@ TEST(ExchangeTest, GoesToTheApiManager) {
         const std::lock_guard lock(guard);
         EXPECT_EQ(received, request.SerializeAsString());
     };
-    check(method.Execute(&header, nullptr), build(method, &header, "", nullptr, ""));
-    check(method.Execute("key", nullptr, "en_US"), build(method, nullptr, "key", nullptr, "en_US"));
+    const APIHccReqHeader header{"2.3", "u:p", "", "hcc", "10.1.2.3", ""};
+    check(Add().Execute(&header, nullptr), build(&header, "", nullptr, ""));
+    check(Add().Execute("key", nullptr, "en_US"), build(nullptr, "key", nullptr, "en_US"));
 }
 
 /// Random bytes among pieces that are likely to hurt.
@@ -126,7 +117,7 @@ std::string hostileText(std::mt19937& random) {
     // clang-format off
     static const std::string pieces[] = {
         "<", ">", "&", "'", "\"", "]]>", "<![CDATA[", "</Name>", "&amp;", "&lt", "&#60;", "\n",
-        "\t", "<!--", "?>", " ", "\xc3\xa9", "<Notes/>", "\x7f", "</Attributes></ApiMethod>"};
+        "\t", "<!--", "?>", " ", "\xc3\xa9", "<Key/>", "\x7f", "</Attributes></ApiMethod>"};
     // clang-format on
     std::string text;
     const bool anyByte = random() % 4 == 0;
@@ -137,37 +128,28 @@ std::string hostileText(std::mt19937& random) {
     return text;
 }
 
-/// `text` with `substitute` for each control character.
-std::string withControls(const std::string& text, const std::string& substitute) {
-    std::string changed;
-    for (const char each : text)
-        changed += static_cast<unsigned char>(each) < 0x20 ? substitute : std::string(1, each);
-    return changed;
-}
-
 // Whatever a caller sets through typed setters, the document holds the elements that were set,
 // with their texts, and no other. A control character arrives as a line feed. Bytes that are no
 // text make a document that no reader takes.
 TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
+    using TagVals = std::vector<parser::XMLElement::TagVal>;
     std::mt19937 random(20251121);  // NOLINT(cert-msc51-cpp): to be repeatable
     int refused = 0;
     for (int run = 0; run < 4000; ++run) {
-        std::string given[3], expected[3], all;
-        for (int i = 0; i < 3; ++i) {
-            given[i] = hostileText(random);
-            expected[i] = withControls(given[i], "\n");
-            all += expected[i];
-        }
-        APIRecord record;
-        record.SetLabel(given[2]);
-        APIThingSetMethod method;
-        method.SetName(given[0]);
-        method.SetNotes(given[1]);
-        method.SetRecord(record);
-        EXPECT_EQ(method.GetName(), withControls(given[0], "&#x0a;"));
+        Add method;
+        APISampleRecord record;
+        std::string texts[] = {hostileText(random), hostileText(random), hostileText(random)};
+        method.SetName(texts[0]);
+        method.SetKey(texts[1]);
+        record.SetComment(texts[2]);
+        method.SetRecords({&record});
+        for (std::string& text : texts)
+            for (char& each : text)
+                each = static_cast<unsigned char>(each) < 0x20 ? '\n' : each;
 
         parser::XMLParser reader(nullptr);
         if (!reader.ParseXMLString(method.GetXMLString(false, true))) {
+            const std::string all = texts[0] + texts[1] + texts[2];
             EXPECT_NE(legalXmlText(all), all);
             ++refused;
             continue;
@@ -175,14 +157,12 @@ TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
         EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), 6U);
         const auto* attributes = reader.GetDocumentElement()->GetChildElemByTag("Attributes");
         ASSERT_NE(attributes, nullptr);
-        ASSERT_EQ(attributes->GetChildTagVals().size(), 3U);
-        EXPECT_EQ(attributes->GetChildElemContentByTag("Name"), expected[0]);
-        EXPECT_EQ(attributes->GetChildElemContentByTag("Notes"), expected[1]);
-        const auto* read = attributes->GetChildElemByTag("Record")->GetChildElemByTag("Record");
-        ASSERT_NE(read, nullptr);
-        EXPECT_EQ(read->GetChildTagVals().size(), 1U);
-        EXPECT_EQ(read->GetChildElemContentByTag("Label"), expected[2]);
-        EXPECT_EQ(method.GetRecord()->GetLabel(), expected[2]);
+        EXPECT_EQ(attributes->GetChildTagVals(), (TagVals{{"Key", texts[1]},
+                                                          {"Name", texts[0]},
+                                                          {"Records", record.ToXMLString(true)}}));
+        const auto read = method.GetRecords();
+        ASSERT_EQ(read.size(), 1U);
+        EXPECT_EQ(read[0]->AllValues(), (Values{{"Comment", texts[2]}}));
     }
     EXPECT_GT(refused, 0);
     EXPECT_LT(refused, 2000);
