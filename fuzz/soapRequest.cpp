@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
+#include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 
 // These stand in front of the C library's functions of the same names.
 struct sockaddr;
@@ -26,28 +26,13 @@ void __syslog_chk(int, int, const char*, ...) {}  // NOLINT(bugprone-reserved-id
 
 namespace {
 
-struct Context {
-    Context() { soap_init2(&engine, SOAP_C_UTFSTRING, SOAP_C_UTFSTRING); }
-    ~Context() {
-        soap_destroy(&engine);
-        soap_end(&engine);
-        soap_done(&engine);
-    }
-    soap engine;
-};
-
 std::string answer(const std::string& request) {
-    const Context context;
-    std::istringstream in(request);
-    std::ostringstream out;
-    SANService service(context.engine, "127.0.0.1", 1);
-    service.is = &in;
-    service.os = &out;
-    service.serve();
-    service.is = nullptr;
-    service.os = nullptr;
-    service.destroy();
-    return out.str();
+    const wire::Context context(soap_new1(SOAP_C_UTFSTRING));
+    SANService service(*context, "127.0.0.1", 1);
+    return wire::answer(service, request, [&] {
+        service.serve();
+        service.destroy();
+    });
 }
 
 }  // namespace

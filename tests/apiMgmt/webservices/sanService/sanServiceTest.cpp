@@ -8,7 +8,6 @@
 #include <httpd.h>
 
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -36,19 +35,12 @@ public:
         ASSERT_EQ(SOAP_OK, soap_register_plugin_arg(&Context(), &Attach, &m_configuration));
     }
 
-    // The body of the reply to a request.
+    // The reply to a request.
     std::string Serve(const std::string& header, const std::string& body) {
-        std::istringstream in(
-            "<SOAP-ENV:Envelope xmlns:SOAP-ENV='http://schemas.xmlsoap.org/soap/envelope/' "
-            "xmlns:ns1='urn:san-api:service'>" +
-            header + "<SOAP-ENV:Body>" + body + "</SOAP-ENV:Body></SOAP-ENV:Envelope>");
-        std::ostringstream out;
-        m_context->is = &in;
-        m_context->os = &out;
         apache_soap_interface table{};
         apache_init_soap_interface(&table);
-        table.serve(&Context());
-        return out.str();
+        return wire::answer(Context(), wire::envelope(body, header),
+                            [&] { table.serve(&Context()); });
     }
 
 private:
@@ -66,8 +58,7 @@ private:
 };
 
 std::string Header(const std::string& children) {
-    return "<SOAP-ENV:Header><ns1:HccApiHeader>" + children +
-           "</ns1:HccApiHeader></SOAP-ENV:Header>";
+    return "<e:Header><s:HccApiHeader>" + children + "</s:HccApiHeader></e:Header>";
 }
 
 std::string Version(const std::string& version) {
@@ -75,9 +66,7 @@ std::string Version(const std::string& version) {
 }
 
 constexpr char kRename[] =
-    "<ns1:RenameHccInSan><hccId>c</hccId><sanId>s</sanId><name>n</name></ns1:RenameHccInSan>";
-constexpr char kNil[] =
-    "<ns1:RenameHccInSan xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'/>";
+    "<s:RenameHccInSan><hccId>c</hccId><sanId>s</sanId><name>n</name></s:RenameHccInSan>";
 constexpr char kPassed[] = "RenameHccInSan is not supported by SanApi interface.";
 constexpr char kNoCredentials[] = "SanService user credentials not specified";
 
@@ -88,7 +77,7 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
         std::string header, fault;
     } cases[] = {
         {"", "Soap header not specified"},
-        {"<SOAP-ENV:Header/>", "SanService soap header not specified"},
+        {"<e:Header/>", "SanService soap header not specified"},
         {Header(""), mismatch + "]"},
         {Header(Version("3.0")), mismatch + "3.0]"},
         {Header(Version("2")), mismatch + "2]"},
@@ -116,8 +105,8 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
 
 TEST(SanServiceHeader, StandsBeforeOperationsThatAreNullOrUnknown) {
     const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
-    EXPECT_THAT(FakeModule().Serve("", "<ns1:GetHcns/>"), HasSubstr("Soap header not specified"));
-    EXPECT_THAT(FakeModule().Serve(header, kNil),
+    EXPECT_THAT(FakeModule().Serve("", "<s:GetHcns/>"), HasSubstr("Soap header not specified"));
+    EXPECT_THAT(FakeModule().Serve(header, "<s:RenameHccInSan xsi:nil='true'/>"),
                 HasSubstr("<faultstring>Invalid request parameter, NULL</faultstring>"));
 }
 

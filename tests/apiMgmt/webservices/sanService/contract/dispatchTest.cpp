@@ -8,6 +8,7 @@
 namespace {
 
 using testing::HasSubstr;
+using wire::envelope;
 
 // A service whose every operation notes its name, leaves the response empty, and refuses what has
 // no request.
@@ -43,23 +44,11 @@ struct Exchange {
 Exchange exchange(const std::string& request) {
     const wire::Context context = wire::newContext();
     Service service(*context);
-    std::istringstream in(request);
-    std::ostringstream out;
-    service.is = &in;
-    service.os = &out;
-    service.serve();
-    service.is = nullptr;
-    service.os = nullptr;
-    service.destroy();
-    const std::string reply = out.str();
+    const std::string reply = wire::answer(service, request, [&] {
+        service.serve();
+        service.destroy();
+    });
     return {service.called, reply.substr(reply.find("<?xml"))};
-}
-
-std::string envelope(const std::string& body,
-                     const std::string& uri = "http://schemas.xmlsoap.org/soap/envelope/") {
-    return "<e:Envelope xmlns:e=\"" + uri + "\" xmlns:s=\"urn:san-api:service\" " +
-           "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><e:Body>" + body +
-           "</e:Body></e:Envelope>";
 }
 
 struct Row {
@@ -73,7 +62,7 @@ const Row ODD_ROWS[] = {
     // clang-format off
     {"another prefix",           envelope("<s:Ping/>"),                       "Ping", "PingResponse><return xsi:nil=\"true\"/>"},
     {"children of no meaning",   envelope("<s:Ping><a><b>c</b></a></s:Ping>"), "Ping", "PingResponse"},
-    {"SOAP 1.2",                 envelope("<s:Ping/>", "http://www.w3.org/2003/05/soap-envelope"),
+    {"SOAP 1.2",                 envelope("<s:Ping/>", "", "http://www.w3.org/2003/05/soap-envelope"),
                                                                               "Ping", "http://www.w3.org/2003/05/soap-envelope"},
     {"a null attach reply",      envelope("<s:HccAttachVolume/>"),            "HccAttachVolume", "<aliasScsiInfo xsi:nil=\"true\"/>"},
     {"a nil wrapper",            envelope("<s:Ping xsi:nil=\"true\"/>"),      "Ping", "no request for Ping &lt;here&gt;"},

@@ -14,9 +14,9 @@ struct Row {
     std::string (*rewrite)(soap*, const char* tag, const std::string& text);
 };
 
-#define MESSAGES(Name)                                                           \
-    {#Name, wire::rewriteEnvelope<SanApi::ns1__##Name>}, {                       \
-#Name "Response", wire::rewriteEnvelope < SanApi::ns1__##Name##Response> \
+#define MESSAGES(Name)                                                   \
+    {#Name, wire::rewrite<SanApi::ns1__##Name>}, {                       \
+#Name "Response", wire::rewrite < SanApi::ns1__##Name##Response> \
     }
 
 // clang-format off

@@ -49,30 +49,4 @@ TEST(Skeleton, hasItsVirtualFunctionsInTheAgreedOrder) {
         EXPECT_EQ(actual, slot++) << name;
 }
 
-TEST(Skeleton, installsTheNamespaceTableInTheAgreedOrder) {
-    const struct {
-        const char *prefix, *uri, *pattern;
-    } expected[] = {
-        // clang-format off
-        {"SOAP-ENV", "http://schemas.xmlsoap.org/soap/envelope/", "http://www.w3.org/*/soap-envelope"},
-        {"SOAP-ENC", "http://schemas.xmlsoap.org/soap/encoding/", "http://www.w3.org/*/soap-encoding"},
-        {"xsi",      "http://www.w3.org/2001/XMLSchema-instance", "http://www.w3.org/*/XMLSchema-instance"},
-        {"xsd",      "http://www.w3.org/2001/XMLSchema",          "http://www.w3.org/*/XMLSchema"},
-        {"ns3",      "urn:san-api:version",                       nullptr},
-        {"xop",      "http://www.w3.org/2004/08/xop/include",     nullptr},
-        {"xmime",    "http://www.w3.org/2004/06/xmlmime",         nullptr},
-        {"ns1",      "urn:san-api:service",                       nullptr},
-        {nullptr,    nullptr,                                     nullptr},
-        // clang-format on
-    };
-    const Namespace* row = namespaces;
-    for (const auto& wanted : expected) {
-        EXPECT_STREQ(row->id, wanted.prefix);
-        EXPECT_STREQ(row->ns, wanted.uri);
-        EXPECT_STREQ(row->in, wanted.pattern);
-        EXPECT_EQ(row->out, nullptr);
-        ++row;
-    }
-}
-
 }  // namespace

@@ -81,9 +81,11 @@ const Row VALUE_ROWS[] = {
 TEST(Value, isReadAndWritten) {
     for (const Row& row : VALUE_ROWS) {
         const wire::Context context = wire::newContext(row.mode);
-        EXPECT_EQ(row.rewrite(context.get(), "e", row.read),
-                  row.written.empty() ? row.read : row.written)
-            << row.what;
+        const std::string& wanted = row.written.empty() ? row.read : row.written;
+        const std::string written = row.rewrite(context.get(), "e", wire::envelope(row.read));
+        const std::string body = "<SOAP-ENV:Body>" + wanted + "</SOAP-ENV:Body>";
+        EXPECT_TRUE(written == wanted || written.find(body) != std::string::npos)
+            << row.what << ": " << written;
     }
 }
 

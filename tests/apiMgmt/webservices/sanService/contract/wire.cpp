@@ -22,14 +22,4 @@ std::string joined(const std::string& text) {
     return bytes;
 }
 
-std::string bare(const std::string& text) {
-    static constexpr char DECLARATION[] = " xmlns";
-    std::string bytes = joined(text);
-    bytes.erase(0, bytes.find("?>") + 2);
-    for (std::size_t at = 0; (at = bytes.find(DECLARATION)) != std::string::npos;) {
-        bytes.erase(at, bytes.find('"', bytes.find('"', at) + 1) + 1 - at);
-    }
-    return bytes;
-}
-
 }  // namespace wire
