@@ -82,3 +82,26 @@ class APISample::APISampleGetListMethod : public GETLISTApiMethod {
 class APISample::APISamplePartsAssociation : public BASEApiAssociation {
     API_ASSOCIATION(Sample, Parts);
 };
+
+/// Reads every value through its typed getter and writes it back.
+inline void rewrite(APISample& sample) {
+    sample.SetTruth(sample.GetTruth());
+    sample.SetNumber(sample.GetNumber());
+    sample.SetText(sample.GetText());
+    sample.SetIp(sample.GetIp());
+    sample.SetEnum(sample.GetEnum());
+    sample.SetMask(sample.GetMask());
+    sample.SetTexts(sample.GetTexts());
+    if (const auto parent = sample.GetParent())
+        sample.SetParent(*parent);
+    sample.SetParents(sample.GetParents());
+    if (const auto record = sample.GetRecord())
+        sample.SetRecord(*record);
+    const auto records = sample.GetRecords();
+    std::vector<const BASEApiMethodObject*> pointers;
+    for (const auto& record : records)
+        pointers.push_back(record.get());
+    sample.SetRecords(pointers);
+    sample.SetFilter(sample.GetFilter());
+    sample.SetTime(sample.GetTime());
+}

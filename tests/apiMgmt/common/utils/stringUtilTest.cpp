@@ -1,9 +1,7 @@
 #include "apiMgmt/common/utils/stringUtil.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -32,8 +30,8 @@ TEST(StringUtilFormat, AnyLengthAroundTheFirstBuffer) {
 }
 
 TEST(StringUtilFormat, ConversionThatFailsIsNamed) {
-    const std::array<wchar_t, 2> noSuchCharacter = {static_cast<wchar_t>(0x7fffffff), 0};
-    EXPECT_EQ(STRINGUtil::FormatStr("a %ls b", noSuchCharacter.data()),
+    const std::wstring noSuchCharacter(1, static_cast<wchar_t>(0x7fffffff));
+    EXPECT_EQ(STRINGUtil::FormatStr("a %ls b", noSuchCharacter.c_str()),
               "Error in format string: \"a %ls b\"");
 }
 
@@ -92,74 +90,54 @@ TEST(StringUtil, TextsThatMeanTrueOrANumber) {
     EXPECT_GT(STRINGUtil::Comparecase("b", "A"), 0);
 }
 
-using Change = std::string (*)(const std::string&);
+std::string Changed(void (*inPlace)(std::string&), std::string text) {
+    inPlace(text);
+    return text;
+}
 
-template <void (*InPlace)(std::string&)>
-std::string Changed(const std::string& text) {
-    std::string changed = text;
-    InPlace(changed);
-    return changed;
-}
-void ToDashesInPlace(std::string& text) {
-    STRINGUtil::ReplaceAll(text, ":", "-co-");
-}
-void ToDoubledInPlace(std::string& text) {
-    STRINGUtil::ReplaceAll(text, "aa", "aaa");
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    STRINGUtil::ReplaceAll(text, from, to);
+    return text;
 }
 
 TEST(StringUtil, TextsAreChanged) {
-    const Change left = Changed<STRINGUtil::TrimLeft>, right = Changed<STRINGUtil::TrimRight>,
-                 both = Changed<STRINGUtil::Trim>, dashed = Changed<ToDashesInPlace>,
-                 doubled = Changed<ToDoubledInPlace>;
-    const Change markup = [](const std::string& text) {
-        return STRINGUtil::EscapeString(text, true);
-    };
-    const Change full = [](const std::string& text) {
-        return STRINGUtil::EscapeString(text, false);
-    };
-    const Change unMarkup = [](const std::string& text) {
-        return STRINGUtil::UnEscapeString(text, true);
-    };
-    const Change unFull = [](const std::string& text) {
-        return STRINGUtil::UnEscapeString(text, false);
-    };
-    const Change upper = [](const std::string& text) { return STRINGUtil::ToUpperCase(text); };
-    const Change lower = [](const std::string& text) { return STRINGUtil::ToLowerCase(text); };
-    const Change file = [](const std::string& text) {
-        return STRINGUtil::ExtractFilenameFromPath(text);
-    };
-    const Change listed = [](const std::string& text) { return STRINGUtil::AddToList("a", text); };
-    const Change first = [](const std::string& text) { return STRINGUtil::AddToList("", text); };
-    const Change base36 = [](const std::string& text) {
-        return STRINGUtil::FormatBase36String(text, '0', 7);
-    };
-    const struct {
-        Change change;
-        std::string text, expected;
-    } cases[] = {
+    using Util = STRINGUtil;
+    const auto left = [](const char* text) { return Changed(Util::TrimLeft, text); };
+    const auto right = [](const char* text) { return Changed(Util::TrimRight, text); };
+    const auto both = [](const char* text) { return Changed(Util::Trim, text); };
+    const auto base36 = [](const char* text) { return Util::FormatBase36String(text, '0', 7); };
+    constexpr bool markup = true, full = false;
+    const std::pair<std::string, std::string> cases[] = {
         // clang-format off
-        {first, "x", "x"},                  {listed, "b", "a, b"},             {listed, "", "a, "},
-        {upper, "a\xc3\xa4Z1", "A\xc3\xa4Z1"},                                {lower, "A\xc3\x84z1", "a\xc3\x84z1"},
-        {file, "/a/b.cpp", "b.cpp"},        {file, "a/", ""},                  {file, "plain", "plain"},
-        {dashed, "a:b:c", "a-co-b-co-c"}, {dashed, "abc", "abc"},          {dashed, "", ""},
-        {doubled, "aaaaa", "aaaaaaa"},    {doubled, "aa", "aaa"},
-        {left, " \f\n\r\t\vx y ", "x y "}, {right, " x y \f\n\r\t\v", " x y"}, {both, " \f\n\r\t\vx y \f\n\r\t\v", "x y"},
-        {left, " \t ", ""},                 {right, " \t ", ""},               {both, " \t ", ""},
-        {left, "\xc2\xa0x", "\xc2\xa0x"},   {right, "x\b", "x\b"},            {both, "", ""},
-        {markup, "a<b>c", "a&lt;b&gt;c"},   {full, "a<b>c", "a&lt;b&gt;c"},    {markup, "&'\"", "&'\""},
-        {full, "&'\"", "&amp;&apos;&quot;"}, {full, "&lt;", "&amp;lt;"},      {markup, "&lt;", "&lt;"},
-        {markup, "\t\r\n\x1f\0"s, "\t\r\n\x1f\0"s},                          {full, "", ""},
-        {full, "\t\r\n\x1f\0"s, "&#x0a;&#x0a;&#x0a;&#x0a;&#x0a;"},            {full, "\x20\x7f\x80\xff", "\x20\x7f\x80\xff"},
-        {unMarkup, "&lt;&gt;&amp;&quot;&apos;", "<>&amp;&quot;&apos;"},        {unFull, "&lt;&gt;&amp;&quot;&apos;", "<>&\"'"},
-        {unMarkup, "&amp;lt;", "&amp;lt;"}, {unFull, "&amp;lt;", "&lt;"},      {unFull, "&#x0a;&nbsp;&LT;", "&#x0a;&nbsp;&LT;"},
-        {unMarkup, "a&lt", "a&lt"},         {unFull, "a&apos", "a&apos"},      {unMarkup, "&&lt;", "&<"},
-        {unFull, "&&lt;", "&<"},            {unFull, "&", "&"},                {unFull, "", ""},
-        {base36, "1a2", "00001A2"},         {base36, "zz345678", "ZZ345678"},  {base36, "", ""},
-        {base36, "a-b", ""},                {base36, "a b", ""},               {base36, "\xc3\xa4", ""},
+        {Util::AddToList("", "x"), "x"},
+        {Util::AddToList("a", "b"), "a, b"},
+        {Util::AddToList("a", ""), "a, "},
+        {Util::ToUpperCase("a\xc3\xa4Z1"), "A\xc3\xa4Z1"},
+        {Util::ToLowerCase("A\xc3\x84z1"), "a\xc3\x84z1"},
+        {Util::ExtractFilenameFromPath("/a/b.cpp"), "b.cpp"},
+        {Util::ExtractFilenameFromPath("a/"), ""},
+        {Util::ExtractFilenameFromPath("plain"), "plain"},
+        {Replaced("a:b:c", ":", "-co-"), "a-co-b-co-c"},
+        {Replaced("", ":", "-co-"), ""},
+        {Replaced("aaaaa", "aa", "aaa"), "aaaaaaa"},
+        {left(" \f\n\r\t\vx y "), "x y "},      {left(" \t "), ""},  {left("\xc2\xa0x"), "\xc2\xa0x"},
+        {right(" x y \f\n\r\t\v"), " x y"},     {right(" \t "), ""}, {right("x\b"), "x\b"},
+        {both(" \f\n\r\t\vx y \f\n\r\t\v"), "x y"}, {both(" \t "), ""}, {both(""), ""},
+        {Util::EscapeString("a<b>&'\"\t\r\n\x1f\0"s, markup), "a&lt;b&gt;&'\"\t\r\n\x1f\0"s},
+        {Util::EscapeString("a<b>&'\"&lt;", full), "a&lt;b&gt;&amp;&apos;&quot;&amp;lt;"},
+        {Util::EscapeString("\t\r\n\x1f\0"s, full), "&#x0a;&#x0a;&#x0a;&#x0a;&#x0a;"},
+        {Util::EscapeString("\x20\x7f\x80\xff", full), "\x20\x7f\x80\xff"},
+        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", markup), "<>&amp;&quot;&apos;"},
+        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", full), "<>&\"'"},
+        {Util::UnEscapeString("&amp;lt;&&lt;a&lt", markup), "&amp;lt;&<a&lt"},
+        {Util::UnEscapeString("&amp;lt;&&lt;a&apos", full), "&lt;&<a&apos"},
+        {Util::UnEscapeString("&#x0a;&nbsp;&LT;&", full), "&#x0a;&nbsp;&LT;&"},
+        {base36("1a2"), "00001A2"}, {base36("zz345678"), "ZZ345678"}, {base36(""), ""},
+        {base36("a-b"), ""},        {base36("a b"), ""},              {base36("\xc3\xa4"), ""},
         // clang-format on
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(test.change(test.text), test.expected) << test.text;
+    for (const auto& [changed, expected] : cases)
+        EXPECT_EQ(changed, expected);
 }
 
 TEST(StringUtilSafeStrncpy, EndsTheTextWithinTheSize) {
