@@ -7,10 +7,10 @@
 #include <string>
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
-#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
 #include "apiMgmt/common/utils/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
+#include "tests/apiMgmt/apiStub/base/errorOf.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 #include "tests/support/fakeServiceDatabase.h"
 #include "tests/support/replyMessage.h"
@@ -76,16 +76,11 @@ TEST(RequestMessageTest, CarriesHeaderAndBlobs) {
 }
 
 TEST(RequestMessageTest, NeedsAnIdentity) {
-    try {
-        build(nullptr, "", nullptr, "en_US");
-        FAIL() << "no error";
-    } catch (const APIMethodError& error) {
-        EXPECT_STREQ(error.what(),
-                     "Unable to create GPB request. Session identifier not specified");
-        EXPECT_EQ(static_cast<int>(error.GetErrorState()), 8);
-        EXPECT_EQ(error.GetSourceLine(), 324);
-        EXPECT_EQ(error.GetLocalizedMsgId(), 10001U);
-    }
+    const APIMethodError error = errorOf([] { build(nullptr, "", nullptr, "en_US"); });
+    EXPECT_STREQ(error.what(), "Unable to create GPB request. Session identifier not specified");
+    EXPECT_EQ(error.GetErrorState(), ErrorStateEnum::InvalidRequest);
+    EXPECT_EQ(error.GetSourceLine(), 324);
+    EXPECT_EQ(error.GetLocalizedMsgId(), 10001U);
 }
 
 TEST(ExchangeTest, GoesToTheApiManager) {

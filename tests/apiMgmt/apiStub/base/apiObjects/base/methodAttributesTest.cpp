@@ -1,7 +1,7 @@
 // The attribute side of methods and associations: store, checks, request element.
 #include <gmock/gmock.h>
 
-#include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+#include "tests/apiMgmt/apiStub/base/errorOf.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
 namespace {
@@ -10,12 +10,7 @@ using Add = APISample::APISampleAddMethod;
 using Parts = APISample::APISamplePartsAssociation;
 
 std::string messageOf(const std::function<void()>& call) {
-    try {
-        call();
-        return "";
-    } catch (const APIMethodError& error) {
-        return error.what();
-    }
+    return errorOf(call).what();
 }
 
 TEST(MethodElement, WritesAllStoredValuesInByteOrder) {

@@ -15,132 +15,79 @@
 // Every typed setter and getter of every class, driven on an object that the registry made.
 namespace {
 
-/// A value of each type that a getter returns, what its setter is given, and the stored text.
-template <class Value>
-struct Sample {
-    // Enumerations: an item that no unset attribute reads as.
-    static Value Argument() { return GetEnumIdStrList(Value{}).GetRows().back().id; }
-    static std::string Text() { return GetEnumIdStrList(Value{}).GetRows().back().xmlName; }
-    static void Expect(const Value& value) { EXPECT_EQ(value, Argument()); }
-};
+using namespace std::string_literals;
 
-template <>
-struct Sample<bool> {
-    static bool Argument() { return true; }
-    static std::string Text() { return "True"; }
-    static void Expect(bool value) { EXPECT_TRUE(value); }
-};
-
-template <>
-struct Sample<std::int64_t> {
-    static std::int64_t Argument() { return 5000000000; }
-    static std::string Text() { return "5000000000"; }
-    static void Expect(std::int64_t value) { EXPECT_EQ(value, Argument()); }
-};
-
-template <>
-struct Sample<std::string> {
-    static std::string Argument() { return "10.1.2.3"; }  // also an address
-    static std::string Text() { return Argument(); }
-    static void Expect(const std::string& value) { EXPECT_EQ(value, Argument()); }
-};
-
+/// For each type that a getter returns: what its setter is given, and the text that is stored.
 template <class Enum>
-struct Sample<std::vector<Enum>> {
-    static std::vector<Enum> Argument() {
-        const auto rows = GetEnumIdStrList(Enum{}).GetRows();
-        return {rows.back().id, rows.front().id};
-    }
-    static std::string Text() {
-        const auto rows = GetEnumIdStrList(Enum{}).GetRows();
-        return std::string(rows.back().xmlName) + " " + rows.front().xmlName;
-    }
-    static void Expect(const std::vector<Enum>& value) { EXPECT_EQ(value, Argument()); }
-};
-
-template <>
-struct Sample<std::vector<std::string>> {
-    static std::vector<std::string> Argument() { return {"a:b", "c"}; }
-    static std::string Text() { return "a-co-b:c"; }
-    static void Expect(const std::vector<std::string>& value) { EXPECT_EQ(value, Argument()); }
-};
-
-template <>
-struct Sample<std::unique_ptr<APIObjectInstance>> {
-    static APIObjectInstance Argument() { return {"101.5", "TarnServer", "My: <Server>"}; }
-    static std::string Text() { return "101.5 TarnServer My: <Server>"; }
-    static void Expect(const std::unique_ptr<APIObjectInstance>& value) {
-        ASSERT_NE(value, nullptr);
-        EXPECT_EQ(*value, Argument());
-    }
-};
-
-template <>
-struct Sample<std::vector<APIObjectInstance>> {
-    static std::vector<APIObjectInstance> Argument() {
-        return {{"101.5", "TarnServer", "My: Server"}, {"101.6", "TarnServer", "Other"}};
-    }
-    static std::string Text() { return "101.5 TarnServer My-co- Server:101.6 TarnServer Other"; }
-    static void Expect(const std::vector<APIObjectInstance>& value) {
-        EXPECT_EQ(value, Argument());
-    }
-};
-
-template <>
-struct Sample<GETListFilter> {
-    static GETListFilter Argument() {
-        GETListFilter filter(GETListFilterType::Or);
-        filter.AddAttributeFilter("Name", FILTERType::Equal, "My-Volume");
-        return filter;
-    }
-    static std::string Text() { return "or Name = My&hy&Volume-"; }
-    static void Expect(const GETListFilter& value) { EXPECT_EQ(value.ToString(), Text()); }
-};
-
-template <>
-struct Sample<DATETimeObject> {
-    static DATETimeObject Argument() { return DATETimeObject("11/14/2026 03:04:05 PM"); }
-    static std::string Text() { return "11/14/2026 03:04:05 PM"; }
-    static void Expect(const DATETimeObject& value) { EXPECT_EQ(value.ToString(), Text()); }
-};
-
+auto SampleOf(const Enum*) {
+    const auto& row = GetEnumIdStrList(Enum{}).GetRows().back();  // no unset attribute reads as it
+    return std::pair(row.id, std::string(row.xmlName));
+}
+auto SampleOf(const bool*) {
+    return std::pair(true, "True"s);
+}
+auto SampleOf(const std::int64_t*) {
+    return std::pair(std::int64_t{5000000000}, "5000000000"s);
+}
+auto SampleOf(const std::string*) {
+    return std::pair("10.1.2.3"s, "10.1.2.3"s);  // also an address
+}
+auto SampleOf(const DATETimeObject*) {
+    return std::pair(DATETimeObject("11/14/2026 03:04:05 PM"), "11/14/2026 03:04:05 PM"s);
+}
+auto SampleOf(const GETListFilter*) {
+    return std::pair(
+        GETListFilter(GETListFilterType::Or, {{"Name", FILTERType::Equal, "My-Volume"}}),
+        "or Name = My&hy&Volume-"s);
+}
+auto SampleOf(const std::unique_ptr<APIObjectInstance>*) {
+    return std::pair(APIObjectInstance("101.5", "TarnServer", "My: <Server>"),
+                     "101.5 TarnServer My: <Server>"s);
+}
+auto SampleOf(const std::vector<APIObjectInstance>*) {
+    return std::pair(std::vector<APIObjectInstance>{{"101.5", "TarnServer", "My: Server"},
+                                                    {"101.6", "TarnServer", "Other"}},
+                     "101.5 TarnServer My-co- Server:101.6 TarnServer Other"s);
+}
+auto SampleOf(const std::vector<std::string>*) {
+    return std::pair(std::vector{"a:b"s, "c"s}, "a-co-b:c"s);
+}
+template <class Enum>
+auto SampleOf(const std::vector<Enum>*) {
+    const auto rows = GetEnumIdStrList(Enum{}).GetRows();
+    return std::pair(std::vector{rows.back().id, rows.front().id},
+                     std::string(rows.back().xmlName) + " " + rows.front().xmlName);
+}
 template <class Record>
-Record SampleRecord(const std::string& text) {
+auto SampleOf(const std::unique_ptr<Record>*) {
     Record record;
-    record.PutStringDirect(record.GetAttributeList().front()->GetXmlName(), text);
-    return record;
+    record.PutStringDirect(record.GetAttributeList().front()->GetXmlName(), "a<b");
+    return std::pair(record, record.ToXMLString(true));
+}
+template <class Record>
+auto SampleOf(const std::vector<std::unique_ptr<Record>>*) {
+    static const auto first = SampleOf(static_cast<const std::unique_ptr<Record>*>(nullptr));
+    static const Record second;
+    return std::pair(std::vector<const BASEApiMethodObject*>{&first.first, &second},
+                     first.second + second.ToXMLString(true));
 }
 
+/// What a getter returned, for the setter.
+template <class Value>
+const Value& ArgumentOf(const Value& value) {
+    return value;
+}
+template <class Value>
+const Value& ArgumentOf(const std::unique_ptr<Value>& value) {
+    return *value;
+}
 template <class Record>
-struct Sample<std::unique_ptr<Record>> {
-    static Record Argument() { return SampleRecord<Record>("a<b"); }
-    static std::string Text() { return Argument().ToXMLString(true); }
-    static void Expect(const std::unique_ptr<Record>& value) {
-        ASSERT_NE(value, nullptr);
-        EXPECT_EQ(value->ToXMLString(true), Text());
-    }
-};
-
-template <class Record>
-struct Sample<std::vector<std::unique_ptr<Record>>> {
-    static std::vector<const BASEApiMethodObject*> Argument() {
-        static const Record first = SampleRecord<Record>("a<b");
-        static const Record second = SampleRecord<Record>("c");
-        return {&first, &second};
-    }
-    static std::string Text() {
-        std::string text;
-        for (const BASEApiMethodObject* record : Argument())
-            text += record->ToXMLString(true);
-        return text;
-    }
-    static void Expect(const std::vector<std::unique_ptr<Record>>& value) {
-        std::string text;
-        for (const auto& record : value)
-            text += record->ToXMLString(true);
-        EXPECT_EQ(text, Text());
-    }
-};
+auto ArgumentOf(const std::vector<std::unique_ptr<Record>>& values) {
+    std::vector<const BASEApiMethodObject*> argument;
+    for (const auto& record : values)
+        argument.push_back(record.get());
+    return argument;
+}
 
 template <class Class>
 std::unique_ptr<Class> MakeFromRegistry() {
@@ -161,17 +108,22 @@ std::unique_ptr<Class> MakeFromRegistry() {
 template <class Class, class Get, class Set>
 void Drive(const std::string& name, Get get, Set set) {
     using Value = decltype(get(std::declval<const Class&>()));
+    const auto [argument, text] = SampleOf(static_cast<const Value*>(nullptr));
     const std::unique_ptr<Class> owner = MakeFromRegistry<Class>();
     ASSERT_NE(owner, nullptr);
     EXPECT_FALSE(owner->IsAttributeSet(name));
     get(*owner);  // an unset attribute can be read
-    set(*owner, Sample<Value>::Argument());
+    set(*owner, argument);
     const std::string stored = owner->GetStringDirect(name);
     const bool escaped = std::is_base_of_v<BASEApiMethod, Class> && !stored.starts_with('<');
-    EXPECT_EQ(escaped ? STRINGUtil::UnEscapeString(stored, false) : stored, Sample<Value>::Text());
+    EXPECT_EQ(escaped ? STRINGUtil::UnEscapeString(stored, false) : stored, text);
     EXPECT_EQ(escaped && stored.find_first_of("<>") != std::string::npos, false);
     EXPECT_EQ(owner->AllValues().size(), 1U);
-    Sample<Value>::Expect(get(*owner));
+    // The setter is right by now: what it makes of the value that was read tells the getter.
+    const Value value = get(*owner);
+    owner->PutStringDirect(name, "");
+    set(*owner, ArgumentOf(value));
+    EXPECT_EQ(owner->GetStringDirect(name), stored);
 }
 
 struct Accessor {

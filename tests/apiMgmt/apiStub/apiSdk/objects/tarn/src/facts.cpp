@@ -1,10 +1,10 @@
 #include "tests/apiMgmt/apiStub/apiSdk/objects/tarn/src/facts.h"
 
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
-#include <typeindex>
-#include <unordered_map>
+#include <typeinfo>
 
 #include "apiMgmt/apiStub/base/apiAttributes/attributeKinds.h"
 #include "apiMgmt/common/utils/stringUtil.h"
@@ -28,28 +28,22 @@ AttributeFact ReadAttribute(const std::string& line) {
 }
 
 ClassFact ReadClass(const std::string& line) {
-    std::istringstream words(line);
+    static const std::set<std::string> keys = {"then", "after", "async", "privilege", "requires"};
     ClassFact fact;
-    words >> fact.kind >> fact.object;
-    fact.name = fact.kind + " " + fact.object;
-    if (fact.kind == "method" || fact.kind == "association") {
-        words >> fact.method;
-        fact.name += " " + fact.method;
-    }
-    for (std::string word; words >> word;) {
-        if (word == "then")
-            words >> fact.then;
-        else if (word == "after")
-            words >> fact.after;
-        else if (word == "async")
-            words >> std::boolalpha >> fact.async;
-        else if (word == "privilege")
-            words >> fact.privilege;
-        else if (word == "requires")
-            while (words >> word)
-                if (word != "-")
-                    fact.required.push_back(word);
-    }
+    std::string key;
+    std::istringstream words(line);
+    for (std::string word; words >> word;)
+        if (keys.contains(word))
+            fact.words.try_emplace(key = word);
+        else if (word != "-")
+            fact.words[key].push_back(word);
+    std::vector<std::string> names = fact.words[""];
+    for (const std::string& name : names)
+        fact.name += (fact.name.empty() ? "" : " ") + name;
+    names.resize(3);
+    fact.kind = names[0];
+    fact.object = names[1];
+    fact.method = names[2];
     return fact;
 }
 
@@ -69,18 +63,11 @@ std::vector<ClassFact> ReadFacts() {
     return facts;
 }
 
+/// By the class's name, which the ABI of this platform writes with its length before it.
 std::string KindOf(const BASEApiAttribute& attribute) {
-#define KIND(Name) \
-    { typeid(Name##ApiAttribute), #Name }
-    static const std::unordered_map<std::type_index, std::string> kinds = {
-        // clang-format off
-        KIND(BOOLEAN), KIND(DATETIME), KIND(ENUM), KIND(ENUMMASK), KIND(GETLISTFILTER),
-        KIND(INSTANCEID), KIND(INT), KIND(IPV4ADDRESS), KIND(METHODOBJECT),
-        KIND(METHODOBJECTARRAY), KIND(NAME), KIND(OBJECT), KIND(OBJECTARRAY), KIND(STRING),
-        KIND(STRINGARRAY),
-        // clang-format on
-    };
-    return kinds.at(typeid(attribute));
+    const std::string name = typeid(attribute).name();
+    const std::size_t begin = name.find_first_not_of("0123456789");
+    return name.substr(begin, name.find("ApiAttribute") - begin);
 }
 
 std::string BoundsOf(const BASEApiAttribute& attribute) {
@@ -97,11 +84,12 @@ std::string BoundsOf(const BASEApiAttribute& attribute) {
     return "||";
 }
 
-std::vector<std::string> RowsOf(const std::string& base) {
-    for (const ClassFact& fact : AllFacts())
-        if (fact.object == base && fact.method.empty())
-            return ListedRows(fact);
-    return {};
+void AddRows(const ClassFact& fact, const std::string& where, std::vector<std::string>& rows) {
+    const auto base = fact.words.find(where);
+    for (const ClassFact& other : AllFacts())
+        if (base != fact.words.end() && other.object == base->second[0] && other.method.empty())
+            for (const std::string& row : ListedRows(other))
+                rows.push_back(row);
 }
 
 }  // namespace
@@ -112,12 +100,12 @@ const std::vector<ClassFact>& AllFacts() {
 }
 
 std::vector<std::string> ListedRows(const ClassFact& fact) {
-    std::vector<std::string> rows = RowsOf(fact.after);
+    std::vector<std::string> rows;
+    AddRows(fact, "after", rows);
     for (const AttributeFact& attribute : fact.attributes)
         if (attribute.listed)
             rows.push_back(attribute.row);
-    for (const std::string& row : RowsOf(fact.then))
-        rows.push_back(row);
+    AddRows(fact, "then", rows);
     return rows;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,8 @@ struct ClassFact {
     std::string kind;  // its first word
     std::string object;
     std::string method;
-    std::string then;   // whose rows follow its own; empty when there are none
-    std::string after;  // whose rows stand before its own
-    bool async = false;
-    int privilege = 0;
-    std::vector<std::string> required;
+    /// What stands behind "then", "after", "async", "privilege" and "requires".
+    std::map<std::string, std::vector<std::string>> words;
     std::vector<AttributeFact> attributes;
 };
 
