@@ -4,7 +4,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <filesystem>
@@ -12,9 +11,7 @@
 #include <string>
 
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
-#include "apiMgmt/common/ipc/generalUtils.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
-#include "tests/support/fakeServiceDatabase.h"
 #include "tests/support/replyMessage.h"
 #include "tests/support/scriptedPeer.h"
 
@@ -27,12 +24,6 @@ GPBIPCMsg makeRequest(const std::string& document = "<compapi></compapi>") {
     request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
     request.mutable_apireqmsg()->mutable_cmdreqmsg()->set_requestdocument(document);
     return request;
-}
-
-std::string documentOfSize(std::size_t size) {
-    std::string document;
-    document.resize(size, 'x');
-    return document;
 }
 
 /// The reply's document.
@@ -65,7 +56,7 @@ TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
     });
     // Around the sizes of the reader's first buffer and of the socket's.
     for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
-        const std::string document = documentOfSize(size);
+        const std::string document = std::string(size, 'x');
         EXPECT_TRUE(exchange(peer.port(), makeRequest(document)) == document) << size;
     }
 }
@@ -116,7 +107,7 @@ TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });
-    const GPBIPCMsg longRequest = makeRequest(documentOfSize(32'000'000));
+    const GPBIPCMsg longRequest = makeRequest(std::string(32'000'000, 'x'));
     EXPECT_NE(failureOf(peer.port(), longRequest), "");
 }
 
@@ -124,7 +115,7 @@ TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
     std::atomic<int> connections = 0;
     ScriptedPeer peer([&](int) { ++connections; });
     EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
-    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::maxBodySize))), "");
+    EXPECT_NE(failureOf(peer.port(), makeRequest(std::string(ipcFraming::maxBodySize, 'x'))), "");
     EXPECT_NE(failureOf(0), "");
     EXPECT_NE(failureOf(65536), "");
     EXPECT_EQ(connections, 0);
@@ -148,28 +139,6 @@ TEST(GpbComClientTest, TakesReplyInSingleBytesThroughSignals) {
     });
     EXPECT_EQ(exchange(peer.port()), "at last");
     sigaction(SIGUSR1, &before, nullptr);
-}
-
-TEST(GpbComClientTest, FindsApiManagerThroughServiceDatabase) {
-    fakeServiceDatabase::setPort(36001);
-    const GPBComEndpoint endpoint = GENERALUtils::GetEndpoint(APIManagerEndpoint);
-    EXPECT_EQ(endpoint.GetAddress(), "127.0.0.1");
-    EXPECT_EQ(endpoint.GetPort(), 36001);
-    EXPECT_THROW(GENERALUtils::GetEndpoint(static_cast<APIEndpoint>(1)), APISocketError);
-}
-
-TEST(FrameReaderTest, TakesMemoryOnlyForBytesThatCame) {
-    ipcFraming::FrameReader reader;
-    ipcFraming::encodeLength(ipcFraming::maxBodySize,
-                             reader.room().first<ipcFraming::headerSize>());
-    reader.added(ipcFraming::headerSize);
-    while (reader.state() == ipcFraming::FrameReader::State::wantsMore) {
-        const auto room = reader.room();
-        ASSERT_LE(room.size(), 4096 + 2 * reader.received());
-        std::fill(room.begin(), room.end(), 'x');
-        reader.added(room.size());
-    }
-    EXPECT_EQ(reader.body().size(), ipcFraming::maxBodySize);
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ protected:
     }
 };
 
-TEST_F(DateTime, ReadsBothForms) {
+TEST_F(DateTime, ReadsBothFormsAndWritesWhatItReads) {
     const std::pair<const char*, std::int64_t> rows[] = {
         // clang-format off
         {"11/14/2026 03:04:05 PM", 1794665045},  {"11/14/2026-15:04:05", 1794665045},  // 14:04:05 UTC
@@ -33,20 +33,14 @@ TEST_F(DateTime, ReadsBothForms) {
         {"2026-11-14", 0}, {"", 0}, {"11/14/2026", 0}, {"never", 0},
         // clang-format on
     };
-    for (const auto& [text, seconds] : rows)
-        EXPECT_EQ(DATETimeObject(text).GetSeconds(), seconds) << text;
-    EXPECT_EQ(DATETimeObject("2026-11-14", "%Y-%m-%d").GetSeconds(), 1794610800);
-    EXPECT_EQ(DATETimeObject("14.11.2026", "%Y-%m-%d").GetSeconds(), 0);
-}
-
-TEST_F(DateTime, WritesWhatItReads) {
-    using Second = std::int64_t;
-    for (const Second seconds : {Second{0}, Second{-1}, Second{1774745999}, Second{1774746000},
-                                 Second{-2177452800}, Second{253402297199}}) {
-        const DATETimeObject time(seconds);
-        EXPECT_EQ(DATETimeObject(time.ToString()), time) << time.ToString();
+    for (const auto& [text, seconds] : rows) {
+        const DATETimeObject time((std::string(text)));
+        EXPECT_EQ(time.GetSeconds(), seconds) << text;
+        EXPECT_EQ(DATETimeObject(time.ToString()), time) << text;
     }
     EXPECT_EQ(DATETimeObject(1794665045).ToString(), "11/14/2026 03:04:05 PM");
+    EXPECT_EQ(DATETimeObject("2026-11-14", "%Y-%m-%d").GetSeconds(), 1794610800);
+    EXPECT_EQ(DATETimeObject("14.11.2026", "%Y-%m-%d").GetSeconds(), 0);
 }
 
 TEST_F(DateTime, FieldsAreLocalTime) {

@@ -90,8 +90,8 @@ const std::pair<std::string, std::string> documents[] = {
     {reply("<ErrorCode>-3</ErrorCode>"),                       "failed -3|||"},
     {reply("<ErrorCode>99999999999999999999</ErrorCode>"),     "failed 2147483647|||"},
     {reply("<ErrorCode>no such name</ErrorCode>"),             "failed 0|||"},
-    {reply("<Successful>False</Successful><ErrorCode>8</ErrorCode><Error>a &lt; b</Error><LocalizedError>l</LocalizedError>"
-           "<ErrorDetail>%s|&#x0a;</ErrorDetail><ReturnBool>True</ReturnBool>"),
+    {reply("<Successful>False</Successful><ErrorCode>8</ErrorCode><Error>a &lt; b</Error>"
+           "<LocalizedError>l</LocalizedError><ErrorDetail>%s|&#x0a;</ErrorDetail><ReturnBool>True</ReturnBool>"),
              "failed 8|a < b|l|%s|\n"},
     {reply("<Successful>yes</Successful><Error>e</Error>"),    "failed 0|e||"},
     // successful, but not written as they were
@@ -101,15 +101,21 @@ const std::pair<std::string, std::string> documents[] = {
     {success("<ReturnInt>4294967296</ReturnInt>"),             "<ReturnInt>2147483647</ReturnInt>"},
     {success("<ReturnInt>x</ReturnInt>"),                      "<ReturnInt>0</ReturnInt>"},
     {success("<ReturnString>'\"></ReturnString>"),             "<ReturnString>&apos;&quot;&gt;</ReturnString>"},
-    {success("<ReturnEnum>Up</ReturnEnum><ReturnEnumMask>A B</ReturnEnumMask>"), "<ReturnEnumMask>A B</ReturnEnumMask>"},
-    {success("<ReturnObject><Thing/><Thing><Name>second</Name></Thing></ReturnObject>"), "<ReturnObject><Thing></Thing></ReturnObject>"},
-    {success("<ReturnObjectArray>\n <Thing><Name>n</Name></Thing> <Unknown/>\n <Sample><Number>3</Number></Sample></ReturnObjectArray>"),
+    {success("<ReturnEnum>Up</ReturnEnum><ReturnEnumMask>A B</ReturnEnumMask>"),
+             "<ReturnEnumMask>A B</ReturnEnumMask>"},
+    {success("<ReturnObject><Thing/><Thing><Name>second</Name></Thing></ReturnObject>"),
+             "<ReturnObject><Thing></Thing></ReturnObject>"},
+    {success("<ReturnObjectArray>\n <Thing><Name>n</Name></Thing> <Unknown/>\n"
+             " <Sample><Number>3</Number></Sample></ReturnObjectArray>"),
              "<ReturnObjectArray><Thing><Name>n</Name></Thing><Sample><Number>3</Number></Sample></ReturnObjectArray>"},
-    {success("<ReturnObjectArray><Thing><Header>Notes,Name</Header><Data>a--cm--b,c--nl--d\n,&lt;--cl--\n</Data></Thing></ReturnObjectArray>"),
-             "<ReturnObjectArray><Thing><Name>c&#x0a;d</Name><Notes>a,b</Notes></Thing><Thing><Name>&lt;:</Name><Notes></Notes></Thing></ReturnObjectArray>"},
+    {success("<ReturnObjectArray><Thing><Header>Notes,Name</Header>"
+             "<Data>a--cm--b,c--nl--d\n,&lt;--cl--\n</Data></Thing></ReturnObjectArray>"),
+             "<ReturnObjectArray><Thing><Name>c&#x0a;d</Name><Notes>a,b</Notes></Thing>"
+             "<Thing><Name>&lt;:</Name><Notes></Notes></Thing></ReturnObjectArray>"},
     {success("<ReturnMethodObject><Unknown/><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"),
              "<ReturnMethodObject><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"},
-    {"<compapi><ApiMethodReturn><Successful>True</Successful></ApiMethodReturn><ReturnInt>7</ReturnInt></compapi>", "<ReturnInt>7</ReturnInt>"},
+    {"<compapi><ApiMethodReturn><Successful>True</Successful></ApiMethodReturn><ReturnInt>7</ReturnInt></compapi>",
+             "<ReturnInt>7</ReturnInt>"},
 };
 
 // Values that are written as they were read.
@@ -123,7 +129,8 @@ const std::string values[] = {
     "<ReturnMethodObject />",
     "<ReturnMethodObjectArray />",
     "<ReturnMethodObject><SampleRecord><Comment>a&lt;b</Comment></SampleRecord></ReturnMethodObject>",
-    "<ReturnMethodObjectArray><SampleRecord><Comment>a</Comment></SampleRecord><SampleRecord><Comment></Comment></SampleRecord></ReturnMethodObjectArray>",
+    "<ReturnMethodObjectArray><SampleRecord><Comment>a</Comment></SampleRecord>"
+        "<SampleRecord><Comment></Comment></SampleRecord></ReturnMethodObjectArray>",
     "<ReturnObject></ReturnObject>",
     "<ReturnObject><Thing><Name>n</Name></Thing></ReturnObject>",
     "<ReturnObjectArray></ReturnObjectArray>",
