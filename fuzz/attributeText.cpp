@@ -1,10 +1,8 @@
 // Any text as the value of an attribute of each kind: read, written, checked and compared.
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
 #include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
+#include "fuzz/fuzzTarget.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
 namespace {
@@ -21,8 +19,8 @@ void judge(const BASEApiAttribute& attribute, const std::string& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
+void drive(std::string_view bytes) {
+    const std::string text(bytes);
     APISample sample;
     for (const BASEApiAttribute* attribute : sample.GetAttributeList()) {
         judge(*attribute, text);
@@ -33,7 +31,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     rewrite(sample);
     const auto settled = sample.AllValues();
     rewrite(sample);
-    if (sample.AllValues() != settled)
-        std::abort();
-    return 0;
+    require(sample.AllValues() == settled);
 }

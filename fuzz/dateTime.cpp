@@ -1,10 +1,8 @@
 // Any text as a date-time, and as a format, up to the first line feed.
-#include <cstdint>
-#include <cstdlib>
 #include <ctime>
-#include <string>
 
 #include "apiMgmt/apiStub/base/filters/dateTimeObject.h"
+#include "fuzz/fuzzTarget.h"
 
 namespace {
 
@@ -19,8 +17,8 @@ constexpr int lastYear = 9999;  // the last whose text is read whole
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
+void drive(std::string_view bytes) {
+    const std::string text(bytes);
     const auto end = text.find('\n');
     DATETimeObject time(text.substr(0, end));
     if (end != std::string::npos) {
@@ -28,8 +26,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         time.FormatAs(format);
         const DATETimeObject free(text.substr(0, end), format);
     }
-    if (time.GetYear() <= lastYear && DATETimeObject(time.ToString()) != time)
-        std::abort();
+    require(time.GetYear() > lastYear || DATETimeObject(time.ToString()) == time);
     time.GetMinutesElapsedOfTheDay();
-    return 0;
 }

@@ -1,11 +1,9 @@
 // Any bytes as a frame, taken in pieces whose sizes the first byte chooses.
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
 
 #include "apiMgmt/common/ipc/ipcFraming.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
+#include "fuzz/fuzzTarget.h"
 
 namespace {
 
@@ -16,9 +14,7 @@ ipcFraming::FrameReader::State feed(ipcFraming::FrameReader& reader, std::string
                                     std::size_t step) {
     while (!bytes.empty() && reader.state() == ipcFraming::FrameReader::State::wantsMore) {
         const auto room = reader.room();
-        if (room.empty() || room.size() > firstBuffer + 2 * reader.received()) {
-            std::abort();
-        }
+        require(!room.empty() && room.size() <= firstBuffer + 2 * reader.received());
         const std::size_t count = std::min({step, bytes.size(), room.size()});
         std::copy_n(bytes.begin(), count, room.begin());
         reader.added(count);
@@ -29,17 +25,15 @@ ipcFraming::FrameReader::State feed(ipcFraming::FrameReader& reader, std::string
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0) {
-        return 0;
-    }
-    const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
+void drive(std::string_view bytes) {
+    if (bytes.empty())
+        return;
+    const std::size_t step = std::size_t{1} + static_cast<unsigned char>(bytes[0]);
     ipcFraming::FrameReader reader;
     protoIPCMsg::GPBIPCMsg message;
-    if (feed(reader, bytes, std::size_t{1} + data[0]) == ipcFraming::FrameReader::State::complete &&
+    if (feed(reader, bytes.substr(1), step) == ipcFraming::FrameReader::State::complete &&
         ipcFraming::parseMessage(reader.body(), message)) {
         std::string frame;
         ipcFraming::encodeFrame(message, frame);
     }
-    return 0;
 }

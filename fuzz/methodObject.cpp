@@ -1,25 +1,20 @@
 // Any text as a method-object, alone and in a list.
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
+#include "fuzz/fuzzTarget.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
+void drive(std::string_view bytes) {
+    const std::string text(bytes);
     APISample::APISampleAddMethod method;
     method.PutStringDirect("Records", text);
     method.GetRecords();
 
     APISampleRecord record;
     if (!record.Parse(text))
-        return 0;
+        return;
     const std::string written = record.ToXMLString(true);
     APISampleRecord copy;
-    if (!copy.Parse(written) || copy.ToXMLString(true) != written)
-        std::abort();
+    require(copy.Parse(written) && copy.ToXMLString(true) == written);
     method.SetRecords({&copy, &record});
-    if (method.GetRecords().size() != 2)
-        std::abort();
-    return 0;
+    require(method.GetRecords().size() == 2);
 }

@@ -1,12 +1,10 @@
 // Any text as the document of a reply: exactly one return comes out, and one that is rendered
 // is read back to the same.
-#include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <string>
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
 #include "apiMgmt/apiStub/base/methodReturns/baseApiMethodReturn.h"
+#include "fuzz/fuzzTarget.h"
 #include "tests/support/replyMessage.h"
 
 namespace {
@@ -18,13 +16,10 @@ std::unique_ptr<BASEApiMethodReturn> process(const std::string& document) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto outcome = process(std::string(reinterpret_cast<const char*>(data), size));
+void drive(std::string_view bytes) {
+    const auto outcome = process(std::string(bytes));
     for (const auto& row : gObjectReturnEncodeEnumIdStrList.GetRows()) {
         const std::string document = outcome->ToString(row.id);
-        if (process(document)->ToString(row.id) != document) {
-            std::abort();
-        }
+        require(process(document)->ToString(row.id) == document);
     }
-    return 0;
 }

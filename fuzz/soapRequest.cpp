@@ -2,13 +2,11 @@
 // or with nothing. The API manager is down for it, and the system log is thrown away.
 #include <cerrno>
 #include <cstdarg>
-#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <string>
 
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
+#include "fuzz/fuzzTarget.h"
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 
 // These stand in front of the C library's functions of the same names.
@@ -37,22 +35,19 @@ std::string answer(const std::string& request) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void drive(std::string_view bytes) {
     // The form of an HTTP request is not the subject; what follows it is read as the body.
-    const std::string body(reinterpret_cast<const char*>(data), size);
-    const std::string reply = answer(
-        "POST / HTTP/1.1\r\nContent-Type: text/xml\r\nContent-Length: " + std::to_string(size) +
-        "\r\n\r\n" + body);
+    const std::string reply =
+        answer("POST / HTTP/1.1\r\nContent-Type: text/xml\r\nContent-Length: " +
+               std::to_string(bytes.size()) + "\r\n\r\n" + std::string(bytes));
     // The envelope's tag repeats the namespaces that the client chose for SOAP and schema, so only
     // what is inside of it is judged.
     const std::size_t start = reply.find("<SOAP-ENV:Envelope");
-    if (start == std::string::npos) {
-        return 0;
-    }
+    if (start == std::string::npos)
+        return;
     parser::XMLParser reader(nullptr);
     if (!reader.ParseXMLString("<SOAP-ENV:Envelope" + reply.substr(reply.find('>', start)))) {
         std::fprintf(stderr, "unreadable reply:\n%s\n", reply.c_str());
         std::abort();
     }
-    return 0;
 }
