@@ -1,8 +1,9 @@
-#include "tests/host/contextInC.h"
+#include <stddef.h>
 
 #include "host/include/soapInterface.h"
-#include "tests/host/contextMembers.h"
+#include "tests/host/contextLayout.h"
 
-const struct contextMember* contextMembersInC(void) {
-    return contextMembers;
+const struct contextMember* contextLayoutInC(void);
+const struct contextMember* contextLayoutInC(void) {
+    return contextLayout;
 }

@@ -2,20 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 #include "host/include/soapInterface.h"
-#include "tests/host/contextInC.h"
-#include "tests/host/contextMembers.h"
+#include "tests/host/contextLayout.h"
+
+extern "C" const contextMember* contextLayoutInC(void);
 
 TEST(ContextLayout, IsTheSameInBothLanguages) {
-    const contextMember* inC = contextMembersInC();
-    for (const contextMember& member : contextMembers) {
-        ASSERT_STREQ(inC->name, member.name);
-        EXPECT_EQ(inC->offset, member.offset) << (member.name ? member.name : "size");
-        ++inC;
-    }
+    for (size_t i = 0; i < std::size(contextLayout); ++i)
+        EXPECT_EQ(contextLayoutInC()[i].offset, contextLayout[i].offset) << contextLayout[i].name;
 }
 
 // The library was built elsewhere: what it sets must lie where the headers say, from the first

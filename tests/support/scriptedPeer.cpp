@@ -13,29 +13,26 @@
 
 namespace {
 
-int bindFreePort(int& port) {
+int listenOnFreePort(int& port) {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
-    if (fd < 0 || ::bind(fd, generic, size) != 0 || ::getsockname(fd, generic, &size) != 0) {
-        throw std::runtime_error("unable to bind on loopback");
-    }
+    if (fd < 0 || ::bind(fd, generic, size) != 0 || ::getsockname(fd, generic, &size) != 0 ||
+        ::listen(fd, 64) != 0)
+        throw std::runtime_error("unable to listen on loopback");
     port = ntohs(address.sin_port);
     return fd;
 }
 
 }  // namespace
 
-ScriptedPeer::ScriptedPeer(Script script) : m_script(std::move(script)) {
-    m_listener = bindFreePort(m_port);
-    if (::listen(m_listener, 64) != 0) {
-        throw std::runtime_error("unable to listen on loopback");
-    }
-    m_thread = std::thread([this] { run(); });
-}
+ScriptedPeer::ScriptedPeer(Script script)
+    : m_script(std::move(script)),
+      m_listener(listenOnFreePort(m_port)),
+      m_thread([this] { run(); }) {}
 
 ScriptedPeer::~ScriptedPeer() {
     ::shutdown(m_listener, SHUT_RDWR);  // ends the accept
@@ -71,10 +68,4 @@ void ScriptedPeer::send(int fd, std::string_view bytes) {
 void ScriptedPeer::resetOnClose(int fd) {
     const linger now{1, 0};
     ::setsockopt(fd, SOL_SOCKET, SO_LINGER, &now, sizeof(now));
-}
-
-ClosedPort::ClosedPort() : m_fd(bindFreePort(m_port)) {}
-
-ClosedPort::~ClosedPort() {
-    ::close(m_fd);
 }

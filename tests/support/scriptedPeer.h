@@ -31,22 +31,8 @@ public:
 private:
     Script m_script;
     int m_port = 0;
-    int m_listener = -1;
+    int m_listener;
     std::thread m_thread;
 
     void run();
-};
-
-/// A loopback port that is taken while the object lives, and on which nothing listens.
-class ClosedPort {
-public:
-    ClosedPort();
-    ~ClosedPort();
-    ClosedPort(const ClosedPort&) = delete;
-    ClosedPort& operator=(const ClosedPort&) = delete;
-    int port() const { return m_port; }
-
-private:
-    int m_port = 0;
-    int m_fd;
 };

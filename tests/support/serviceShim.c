@@ -100,10 +100,6 @@ EXPORT void closelog(void) {
         realCloselog();
 }
 
-EXPORT void vsyslog(int priority, const char* format, va_list arguments) {
-    writeEntry(priority, format, arguments);
-}
-
 EXPORT void syslog(int priority, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -111,13 +107,8 @@ EXPORT void syslog(int priority, const char* format, ...) {
     va_end(arguments);
 }
 
-/* What the compiler calls in their place in a fortified build. */
-// NOLINTBEGIN(bugprone-reserved-identifier)
-EXPORT void __vsyslog_chk(int priority, int flag, const char* format, va_list arguments) {
-    (void)flag;
-    writeEntry(priority, format, arguments);
-}
-
+/* What the compiler calls in its place in a fortified build. */
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 EXPORT void __syslog_chk(int priority, int flag, const char* format, ...) {
     (void)flag;
     va_list arguments;
@@ -125,4 +116,3 @@ EXPORT void __syslog_chk(int priority, int flag, const char* format, ...) {
     writeEntry(priority, format, arguments);
     va_end(arguments);
 }
-// NOLINTEND(bugprone-reserved-identifier)

@@ -102,8 +102,8 @@ TEST(GpbComClientTest, RaisesBadReplies) {
 }
 
 TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
-    const ClosedPort nobody;
-    EXPECT_NE(failureOf(nobody.port()).find("Unable to connect"), std::string::npos);
+    constexpr int nobody = 1;
+    EXPECT_NE(failureOf(nobody).find("Unable to connect"), std::string::npos);
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });

@@ -11,7 +11,6 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/gpbComClient.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
-#include "tests/support/scriptedPeer.h"
 
 /// Stands before the C library's, and gives each socket the port that it is to call; the system
 /// does so by chance, about once in ten thousand calls.
@@ -22,8 +21,22 @@ extern "C" int connect(int fd, const sockaddr* address, socklen_t size) {
 
 namespace {
 
+/// A port of loopback that was free to bind: `port`, or for 0 any; -1 when it is taken.
+int bindAndFree(int port) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    const bool bound = ::bind(fd, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+                       ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    ::close(fd);
+    return bound ? ntohs(address.sin_port) : -1;
+}
+
 TEST(SelfConnectTest, IsNobodyAndLeavesThePortFree) {
-    const int port = ClosedPort().port();
+    const int port = bindAndFree(0);
     protoIPCMsg::GPBIPCMsg request, reply;
     request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
     try {
@@ -33,14 +46,7 @@ TEST(SelfConnectTest, IsNobodyAndLeavesThePortFree) {
         EXPECT_EQ(error.GetLogMessage(),
                   "127.0.0.1:" + std::to_string(port) + ": Unable to connect: Connection refused");
     }
-    const int peer = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(::bind(peer, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0)
-        << "the peer cannot start for a minute";
-    ::close(peer);
+    EXPECT_EQ(bindAndFree(port), port) << "the peer cannot start for a minute";
 }
 
 }  // namespace
