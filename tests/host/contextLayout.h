@@ -9,21 +9,10 @@ struct contextMember {
 #define AT(member) \
     { #member, offsetof(struct soap, member) }
 static const struct contextMember contextLayout[] = {
-    {"size", sizeof(struct soap)},
-    AT(namespaces),
-    AT(user),
-    AT(plugins),
-    AT(fparse),
-    AT(fresponse),
-    AT(fposthdr),
-    AT(fclose),
-    AT(fsend),
-    AT(frecv),
-    AT(fpoll),
-    AT(os),
-    AT(ssl),
-    AT(buf),
-    AT(peer),
+    // clang-format off
+    {"size", sizeof(struct soap)}, AT(namespaces), AT(user), AT(plugins), AT(fparse), AT(fresponse),
+    AT(fposthdr), AT(fclose), AT(fsend), AT(frecv), AT(fpoll), AT(os), AT(ssl), AT(buf), AT(peer),
     AT(z_ratio_out),
+    // clang-format on
 };
 // NOLINTEND(bugprone-sizeof-expression)

@@ -15,8 +15,10 @@
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 #include "tests/support/syslogCapture.h"
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using wire::envelope;
 
 namespace {
 
@@ -36,11 +38,10 @@ public:
     }
 
     // The reply to a request.
-    std::string Serve(const std::string& header, const std::string& body) {
+    std::string Serve(const std::string& request) {
         apache_soap_interface table{};
         apache_init_soap_interface(&table);
-        return wire::answer(Context(), wire::envelope(body, header),
-                            [&] { table.serve(&Context()); });
+        return wire::answer(Context(), request, [&] { table.serve(&Context()); });
     }
 
 private:
@@ -67,6 +68,7 @@ std::string Version(const std::string& version) {
 
 constexpr char kRename[] =
     "<s:RenameHccInSan><hccId>c</hccId><sanId>s</sanId><name>n</name></s:RenameHccInSan>";
+constexpr char kSoap12[] = "http://www.w3.org/2003/05/soap-envelope";
 constexpr char kPassed[] = "RenameHccInSan is not supported by SanApi interface.";
 constexpr char kNoCredentials[] = "SanService user credentials not specified";
 
@@ -82,7 +84,7 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
         {Header(Version("3.0")), mismatch + "3.0]"},
         {Header(Version("2")), mismatch + "2]"},
         {Header(Version("20.1")), mismatch + "20.1]"},
-        {Header(Version("%n%s")), mismatch + "%n%s]"},
+        {Header(Version("%n&lt;%s")), mismatch + "%n&lt;%s]"},
         {Header(Version("2.3")), kNoCredentials},
         {Header(Version("2.3") + "<userPass></userPass><authToken></authToken>"), kNoCredentials},
         {Header(Version("2.3") + "<userPass>ISEhIQ==</userPass>"), kNoCredentials},
@@ -92,7 +94,7 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     };
     for (const auto& [header, fault] : cases) {
         SCOPED_TRACE(header);
-        const std::string reply = FakeModule().Serve(header, kRename);
+        const std::string reply = FakeModule().Serve(envelope(kRename, header));
         EXPECT_THAT(reply, HasSubstr("<faultcode>SOAP-ENV:Client</faultcode>"));
         EXPECT_THAT(reply, HasSubstr("<faultstring>" + fault + "</faultstring>"));
         EXPECT_THAT(reply, Not(HasSubstr("userPass")));
@@ -103,11 +105,30 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     }
 }
 
-TEST(SanServiceHeader, StandsBeforeOperationsThatAreNullOrUnknown) {
+TEST(SanServiceRequest, OddOnesAreAnswered) {
     const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
-    EXPECT_THAT(FakeModule().Serve("", "<s:GetHcns/>"), HasSubstr("Soap header not specified"));
-    EXPECT_THAT(FakeModule().Serve(header, "<s:RenameHccInSan xsi:nil='true'/>"),
-                HasSubstr("<faultstring>Invalid request parameter, NULL</faultstring>"));
+    const std::string unknown = "Method 's:GetHcns' not implemented";
+    const std::string client = "<faultcode>SOAP-ENV:Client</faultcode>";
+    const struct {
+        const char* what;
+        std::string request, inReply;
+    } cases[] = {
+        // clang-format off
+        {"no operation, no header", envelope("<s:GetHcns/>"),                       "Soap header not specified"},
+        {"an operation not served", envelope("<s:GetHcns/>", header),               unknown},
+        {"bytes that are no text",  envelope("<s:Get\xFF" "Hcns/>", header),         unknown},
+        {"another namespace",       envelope("<Ping xmlns='urn:other'/>", header),  "not implemented"},
+        {"a child of no meaning",   envelope("<s:RenameHccInSan><a><b>c</b></a></s:RenameHccInSan>", header), kPassed},
+        {"SOAP 1.2",                envelope(kRename, header, kSoap12),             kSoap12},
+        {"a type error",            envelope("<s:NewPrimaryCfmAddresses><mgmtIpAddresses><port>x</port></mgmtIpAddresses>"
+                                             "</s:NewPrimaryCfmAddresses>", header), client},
+        {"an envelope cut short",   envelope(kRename, header).substr(0, 150),       client},
+        // clang-format on
+    };
+    for (const auto& row : cases)
+        EXPECT_THAT(FakeModule().Serve(row.request), HasSubstr(row.inReply)) << row.what;
+    const std::string nil = envelope("<s:RenameHccInSan xsi:nil='true'/>", header);
+    EXPECT_THAT(wire::joined(FakeModule().Serve(nil)), EndsWith(wire::sample("Fault")));
 }
 
 // Opens what only the service itself may do.

@@ -9,10 +9,7 @@
 
 namespace {
 
-struct Row {
-    const char* name;
-    std::string (*rewrite)(soap*, const char* tag, const std::string& text);
-};
+using Rewrite = std::string (*)(soap*, const char* tag, const std::string& text);
 
 #define MESSAGES(Name)                                                   \
     {#Name, wire::rewrite<SanApi::ns1__##Name>}, {                       \
@@ -20,7 +17,7 @@ struct Row {
     }
 
 // clang-format off
-const Row MESSAGE_ROWS[] = {
+const std::pair<std::string, Rewrite> MESSAGE_ROWS[] = {
     MESSAGES(AddHccToSan), MESSAGES(RemoveHccFromSan), MESSAGES(AddServer), MESSAGES(RemoveServer),
     MESSAGES(HccAttachVolume), MESSAGES(HccDetachVolume), MESSAGES(MakeDataAvailable),
     MESSAGES(MakeDataUnavailable), MESSAGES(FlushComplete), MESSAGES(NewPrimaryCfmAddresses),
@@ -29,12 +26,11 @@ const Row MESSAGE_ROWS[] = {
 // clang-format on
 
 TEST(Message, isReadAndWrittenAsItsSample) {
-    for (const Row& row : MESSAGE_ROWS) {
-        const std::string bytes = wire::sample(row.name);
-        ASSERT_FALSE(bytes.empty()) << row.name;
+    for (const auto& [name, rewrite] : MESSAGE_ROWS) {
+        const std::string bytes = wire::sample(name);
+        ASSERT_FALSE(bytes.empty()) << name;
         const wire::Context context = wire::newContext();
-        EXPECT_EQ(row.rewrite(context.get(), (std::string("ns1:") + row.name).c_str(), bytes),
-                  bytes);
+        EXPECT_EQ(rewrite(context.get(), ("ns1:" + name).c_str(), bytes), bytes);
     }
 }
 
@@ -49,6 +45,93 @@ TEST(Message, withTheAttachmentIsRead) {
     SanApi::ns1__GetPhoneHomeDataResponse response;
     ASSERT_EQ(SanApi::soap_read_ns1__GetPhoneHomeDataResponse(context.get(), &response), SOAP_OK);
     ASSERT_NE(response.return_, nullptr);
+}
+
+// Values at the edges of the contract: what a reader takes and refuses, and what a writer makes of
+// it.
+const std::string TYPE_ERROR = "error " + std::to_string(SOAP_TYPE);
+const std::string OCCURS_ERROR = "error " + std::to_string(SOAP_OCCURS);
+constexpr soap_mode LAX = 0;
+constexpr soap_mode STRICT = SOAP_XML_STRICT;
+
+struct Row {
+    const char* what;
+    Rewrite rewrite;
+    soap_mode mode;
+    std::string read;
+    std::string written;  // empty: as it was read
+};
+
+constexpr auto PORT = wire::rewrite<SanApi::ns1__IpAddressPort>;
+constexpr auto ADDRESS = wire::rewrite<SanApi::ns1__InetAddress>;
+constexpr auto INTERFACE = wire::rewrite<SanApi::ns1__interfaceObject>;
+constexpr auto VERSION = wire::rewrite<SanApi::ns1__HccApiXsd>;
+constexpr auto DESCRIPTION = wire::rewrite<SanApi::_ns3__SanApiWsdl>;
+constexpr auto RESULT = wire::rewrite<SanApi::ns1__resultObject>;
+constexpr auto IDENTITY = wire::rewrite<SanApi::ns1__scsiInfo>;
+constexpr auto PING = wire::rewrite<SanApi::ns1__PingResponse>;
+constexpr auto EVENT = wire::rewrite<SanApi::ns1__eventArg>;
+
+std::string port(const std::string& number) {
+    return R"(<e><ipAddress type="dns"></ipAddress><port>)" + number + "</port></e>";
+}
+
+// clang-format off
+const Row VALUE_ROWS[] = {
+    {"the greatest port",           PORT,        LAX,    port("65535"), ""},
+    {"a port above it",             PORT,        LAX,    port("65536"), TYPE_ERROR},
+    {"a negative port",             PORT,        LAX,    port("-1"), TYPE_ERROR},
+    {"a port that is no number",    PORT,        LAX,    port("http"), TYPE_ERROR},
+    {"no port, lax",                PORT,        LAX,    "<e><ipAddress type=\"dns\"/></e>",
+                                                         R"(<e><ipAddress type="dns"></ipAddress><port>0</port></e>)"},
+    {"no port, strict",             PORT,        STRICT, "<e><ipAddress type=\"dns\"/></e>", OCCURS_ERROR},
+
+    {"a nil address",               PORT,        LAX,    R"(<e xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><ipAddress xsi:nil="1"/><port>1</port></e>)",
+                                                         R"(<e><ipAddress xsi:nil="true"/><port>1</port></e>)"},
+
+    {"another kind than the child", ADDRESS,     LAX,    R"(<e type="ipv6"><ipv4Addr>10.0.0.1</ipv4Addr></e>)", ""},
+    {"no child",                    ADDRESS,     LAX,    R"(<e type="unknown"></e>)", ""},
+    {"an empty child",              ADDRESS,     LAX,    R"(<e type="ipv4"><ipv4Addr/></e>)", ""},
+    {"the first of two children",   ADDRESS,     LAX,    R"(<e type="dns"><dnsAddr>a</dnsAddr><addr>b</addr></e>)",
+                                                         R"(<e type="dns"><dnsAddr>a</dnsAddr></e>)"},
+    {"a kind by its number",        ADDRESS,     LAX,    R"(<e type="2"></e>)", R"(<e type="ipv6"></e>)"},
+    {"a number without a name",     ADDRESS,     LAX,    R"(<e type="99"></e>)", ""},
+    {"the same, strict",            ADDRESS,     STRICT, R"(<e type="99"><addr>x</addr></e>)", TYPE_ERROR},
+    {"a kind in other letters",     ADDRESS,     LAX,    R"(<e type="IPV4"></e>)", TYPE_ERROR},
+
+    {"an interface's type",         INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>iscsi</intfType></e>", ""},
+    {"a number for it",             INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>7</intfType></e>", ""},
+    {"no interface type",           INTERFACE,   LAX,    "<e><intfId>a</intfId></e>", ""},
+    {"an unknown interface type",   INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>sas</intfType></e>", TYPE_ERROR},
+
+    {"a version",                   VERSION,     LAX,    R"(<e version="2.9"></e>)", ""},
+    {"the default version",         VERSION,     LAX,    "<e></e>", R"(<e version="2.3"></e>)"},
+    {"an empty version",            VERSION,     LAX,    R"(<e version=""></e>)", "<e></e>"},
+    {"the description's default",   DESCRIPTION, LAX,    "<e></e>", R"(<e version="2.1"></e>)"},
+
+    {"a result in another order",   RESULT,      LAX,    "<e><resultCode>5</resultCode><msgArgs>b</msgArgs><other><x/></other>"
+                                                         "<catalogNumber>4</catalogNumber><msgArgs>a</msgArgs></e>",
+                                                         "<e><catalogNumber>4</catalogNumber><msgArgs>b</msgArgs><msgArgs>a</msgArgs>"
+                                                         "<resultCode>5</resultCode></e>"},
+    {"a text for a number",         RESULT,      LAX,    "<e><catalogNumber>four</catalogNumber></e>", TYPE_ERROR},
+    {"a result without members",    RESULT,      LAX,    "<e/>", "<e><catalogNumber>0</catalogNumber><resultCode>0</resultCode></e>"},
+    {"a missing text",              IDENTITY,    LAX,    "<e/>", "<e><deviceId/></e>"},
+    {"a missing text, strict",      IDENTITY,    STRICT, "<e/>", OCCURS_ERROR},
+    {"markup and letters",          IDENTITY,    LAX,    "<e><deviceId>&lt;a&gt; &amp; \xC3\xA9\xE9\x9B\x86</deviceId></e>", ""},
+    {"no result",                   PING,        LAX,    "<e/>", R"(<e><return xsi:nil="true"/></e>)"},
+    {"a hyphen in a name",          EVENT,       LAX,    "<e><argType>CACHE-NET-IP</argType></e>", ""},
+};
+// clang-format on
+
+TEST(Value, isReadAndWritten) {
+    for (const Row& row : VALUE_ROWS) {
+        const wire::Context context = wire::newContext(row.mode);
+        const std::string& wanted = row.written.empty() ? row.read : row.written;
+        const std::string written = row.rewrite(context.get(), "e", wire::envelope(row.read));
+        const std::string body = "<SOAP-ENV:Body>" + wanted + "</SOAP-ENV:Body>";
+        EXPECT_TRUE(written == wanted || written.find(body) != std::string::npos)
+            << row.what << ": " << written;
+    }
 }
 
 }  // namespace
