@@ -3,45 +3,22 @@
 #include <arpa/inet.h>
 #include <netdb.h>
 
-#include <atomic>
 #include <cerrno>
 #include <string_view>
 
-namespace {
-
-std::atomic<int> entryPort{fakeServiceDatabase::noEntry};
-std::atomic<std::size_t> neededBuffer{1};
-std::atomic<int> lookUpCount{0};
-
-}  // namespace
-
-namespace fakeServiceDatabase {
-
-void setPort(int port) {
-    entryPort = port;
-}
-void setNeededBuffer(std::size_t bytes) {
-    neededBuffer = bytes;
-}
-int lookUps() {
-    return lookUpCount;
-}
-
-}  // namespace fakeServiceDatabase
+using namespace fakeServiceDatabase;
 
 // Stands before the C library's own when the program is linked.
 extern "C" __attribute__((visibility("default"))) int getservbyname_r(
     const char* name, const char* protocol, servent* entry, char*, size_t size, servent** result) {
-    ++lookUpCount;
+    ++lookUps;
     *result = nullptr;
-    if (size < neededBuffer) {
+    if (size < neededBuffer)
         return ERANGE;
-    }
-    if (entryPort == fakeServiceDatabase::noEntry || protocol == nullptr ||
-        std::string_view(name) != "ostrel-apimgr" || std::string_view(protocol) != "tcp") {
+    if (port == noEntry || protocol == nullptr || std::string_view(name) != "ostrel-apimgr" ||
+        std::string_view(protocol) != "tcp")
         return 0;
-    }
-    entry->s_port = htons(static_cast<uint16_t>(entryPort.load()));
+    entry->s_port = htons(static_cast<uint16_t>(port.load()));
     *result = entry;
     return 0;
 }

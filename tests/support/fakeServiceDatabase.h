@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 
 /// A program that links sanTestServices sees this in place of the system's service
@@ -7,12 +8,15 @@
 namespace fakeServiceDatabase {
 
 constexpr int noEntry = -1;
-
-/// The port of the entry, in host byte order. Starts as noEntry.
-void setPort(int port);
+/// The port of the entry, in host byte order.
+inline std::atomic<int> port = noEntry;
 /// The bytes that the caller's buffer must have, as for an entry with many aliases.
-void setNeededBuffer(std::size_t bytes);
+inline std::atomic<std::size_t> neededBuffer = 1;
 /// How often the database was asked.
-int lookUps();
+inline std::atomic<int> lookUps = 0;
+
+inline void setPort(int newPort) {
+    port = newPort;
+}
 
 }  // namespace fakeServiceDatabase

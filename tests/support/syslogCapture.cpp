@@ -4,23 +4,24 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 
 namespace {
 
 std::mutex gMutex;
 std::vector<SyslogCapture::Line> gLines;
-std::vector<std::string> gCalls;
 
-void Record(int priority, const char* format, va_list args) {
-    va_list copy;
-    va_copy(copy, args);
-    const int length = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, args);
+void Add(int priority, const char* format, const char* text) {
     const std::lock_guard lock(gMutex);
     gLines.push_back({priority, format, text});
+}
+
+void Record(int priority, const char* format, va_list args) {
+    char* text = nullptr;
+    if (vasprintf(&text, format, args) >= 0)
+        Add(priority, format, text);
+    std::free(text);
 }
 
 }  // namespace
@@ -28,7 +29,6 @@ void Record(int priority, const char* format, va_list args) {
 void SyslogCapture::Clear() {
     const std::lock_guard lock(gMutex);
     gLines.clear();
-    gCalls.clear();
 }
 
 std::vector<SyslogCapture::Line> SyslogCapture::Lines() {
@@ -36,23 +36,15 @@ std::vector<SyslogCapture::Line> SyslogCapture::Lines() {
     return gLines;
 }
 
-std::vector<std::string> SyslogCapture::Calls() {
-    const std::lock_guard lock(gMutex);
-    return gCalls;
-}
-
 // The C library's names, which the program's own definitions stand before.
 extern "C" {
 
 void openlog(const char* ident, int option, int facility) {
-    const std::lock_guard lock(gMutex);
-    gCalls.push_back(std::string("openlog(") + ident + ", " + std::to_string(option) + ", " +
-                     std::to_string(facility) + ")");
+    Add(option | facility, "openlog", ident);
 }
 
 void closelog() {
-    const std::lock_guard lock(gMutex);
-    gCalls.emplace_back("closelog()");
+    Add(0, "closelog", "");
 }
 
 void syslog(int priority, const char* format, ...) {

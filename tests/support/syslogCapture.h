@@ -12,15 +12,13 @@
 namespace SyslogCapture {
 
 struct Line {
-    int priority;
-    std::string format;  // as it was given to syslog
-    std::string text;    // what syslog made of it
+    int priority;        // of openlog: its option and facility
+    std::string format;  // as it was given to syslog; or "openlog", "closelog"
+    std::string text;    // what syslog made of it; of openlog: the identity
     bool operator==(const Line&) const = default;
 };
 
 void Clear();
 std::vector<Line> Lines();
-/// "openlog(ident, option, facility)" and "closelog()", in the order of the calls.
-std::vector<std::string> Calls();
 
 }  // namespace SyslogCapture

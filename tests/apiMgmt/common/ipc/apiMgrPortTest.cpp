@@ -26,12 +26,12 @@ TEST(ApiMgrPortTest, IsLookedUpOnce) {
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.why);
         fakeServiceDatabase::setPort(expected.entry);
-        fakeServiceDatabase::setNeededBuffer(expected.neededBuffer);
-        const int before = fakeServiceDatabase::lookUps();
+        fakeServiceDatabase::neededBuffer = expected.neededBuffer;
+        const int before = fakeServiceDatabase::lookUps;
         std::atomic<int> cache{0};
         EXPECT_EQ(getApiMgrPort(cache), expected.port);
         EXPECT_EQ(getApiMgrPort(cache), expected.port);
-        EXPECT_EQ(fakeServiceDatabase::lookUps() - before, expected.lookUpsOfTwoCalls);
+        EXPECT_EQ(fakeServiceDatabase::lookUps - before, expected.lookUpsOfTwoCalls);
         fakeServiceDatabase::setPort(36009);  // once known, it stays
         EXPECT_EQ(getApiMgrPort(cache), expected.port == 0 ? 36009 : expected.port);
     }

@@ -27,17 +27,14 @@ protected:
                     const std::string& category = "SANService") {
         SimpleLogger::DoLog(level, "some/source", "SomeFunction", -7, category, message);
     }
-    static std::string OnlyText() {
-        const auto lines = SyslogCapture::Lines();
-        EXPECT_EQ(lines.size(), 1U);
-        return lines.empty() ? "" : lines.front().text;
-    }
 };
 
 TEST_F(SimpleLoggerTest, OpensTheLogForUserProcesses) {
     SimpleLogger::open("SANService");
     SimpleLogger::close();
-    EXPECT_THAT(SyslogCapture::Calls(), ElementsAre("openlog(SANService, 2, 8)", "closelog()"));
+    EXPECT_THAT(SyslogCapture::Lines(),
+                ElementsAre(SyslogCapture::Line{LOG_CONS | LOG_USER, "openlog", "SANService"},
+                            SyslogCapture::Line{0, "closelog", ""}));
 }
 
 TEST_F(SimpleLoggerTest, EachLevelHasItsBitAndItsPriority) {
@@ -85,11 +82,11 @@ TEST_F(SimpleLoggerTest, ClientTextStaysOneLineAndIsNoFormat) {
     };
     for (const auto& test : cases) {
         SyslogCapture::Clear();
-        Log(SimpleLogger::LOGWarning, test.message);
-        EXPECT_EQ(OnlyText(), "level(4) category(SANService) message(" + test.written + ")\n");
-        SyslogCapture::Clear();
-        Log(SimpleLogger::LOGWarning, "M", test.message);
-        EXPECT_EQ(OnlyText(), "level(4) category(" + test.written + ") message(M)\n");
+        Log(SimpleLogger::LOGWarning, test.message, test.message);
+        EXPECT_THAT(SyslogCapture::Lines(),
+                    ElementsAre(Field(&SyslogCapture::Line::text, "level(4) category(" +
+                                                                      test.written + ") message(" +
+                                                                      test.written + ")\n")));
     }
 }
 
