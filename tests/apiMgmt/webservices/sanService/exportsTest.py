@@ -29,10 +29,8 @@ def exported(plugin):
 
 def main():
     found, wanted = exported(sys.argv[1]), expected(sys.argv[2])
-    for name in sorted(wanted - found):
-        print(f"not exported: {name}")
-    for name in sorted(found - wanted):
-        print(f"exported, and should not be: {name}")
+    for name in sorted(found ^ wanted):
+        print(name, "is exported, and should not be" if name in found else "is not exported")
     return 1 if found != wanted else 0
 
 

@@ -1,15 +1,11 @@
 """The build stops when the generator writes something that the adaptation does not expect."""
-import argparse
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
 
-parser = argparse.ArgumentParser()
-for name in ("script", "soapcpp2", "imports"):
-    parser.add_argument(f"--{name}", required=True)
-args, unittest_args = parser.parse_known_args()
+SCRIPT, SOAPCPP2, IMPORTS = sys.argv[1:]
 
 # A generator that differs from the installed one by what a stream editor does to its output.
 GENERATOR = """#!/bin/sh
@@ -46,14 +42,14 @@ class Generate(unittest.TestCase):
     @staticmethod
     def generate(folder, change):
         generator = folder / "generator"
-        generator.write_text(GENERATOR.format(soapcpp2=args.soapcpp2, change=change))
+        generator.write_text(GENERATOR.format(soapcpp2=SOAPCPP2, change=change))
         generator.chmod(0o755)
         out = folder / "out"
-        done = subprocess.run([sys.executable, args.script, "--soapcpp2", generator, "--imports",
-                               args.imports, "--out", out], capture_output=True, text=True,
+        done = subprocess.run([sys.executable, SCRIPT, "--soapcpp2", generator, "--imports",
+                               IMPORTS, "--out", out], capture_output=True, text=True,
                               check=False)
         return done, {path.name for path in out.iterdir()}
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *unittest_args])
+    unittest.main(argv=sys.argv[:1])
