@@ -92,7 +92,7 @@ TEST_F(SimpleLoggerTest, ClientTextStaysOneLineAndIsNoFormat) {
 
 TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
     constexpr std::size_t kThreads = 4, kLines = 200;
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (std::size_t t = 0; t < kThreads; ++t)
         threads.emplace_back([] {
             for (std::size_t i = 0; i < kLines; ++i) {
@@ -101,8 +101,7 @@ TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
                 Log(SimpleLogger::LOGDebug, "quiet");
             }
         });
-    for (auto& thread : threads)
-        thread.join();
+    threads.clear();  // waits for all
     EXPECT_EQ(logLevelMask, 127);
     EXPECT_THAT(SyslogCapture::Lines(),
                 AllOf(SizeIs(kThreads * kLines),

@@ -135,8 +135,7 @@ TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
     };
     constexpr std::size_t count = 8;
     std::vector<const APIAttributeList*> lists(count);
-    std::vector<std::thread> threads;
-    threads.reserve(count);
+    std::vector<std::jthread> threads;
     for (std::size_t i = 0; i < count; ++i)
         threads.emplace_back([&lists, i] {
             Fresh record;
@@ -144,8 +143,7 @@ TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
             record.SetB(FilterTimeEnum::LastDay);
             lists[i] = &record.GetAttributeList();
         });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();  // waits for all
     EXPECT_THAT(lists, testing::Each(lists.front()));
     EXPECT_THAT(*lists.front(), testing::ElementsAre(Fresh::GetAAttr(), Fresh::GetBAttr()));
 }

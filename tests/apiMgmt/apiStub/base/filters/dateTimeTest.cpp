@@ -83,8 +83,7 @@ TEST_F(DateTime, TellsWhatCannotBeFormatted) {
 }
 
 TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
-    std::vector<std::thread> threads;
-    threads.reserve(4);
+    std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([i] {
             const DATETimeObject time(1794665045 + i * 86400L * 100);
@@ -94,8 +93,6 @@ TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
                 EXPECT_EQ(DATETimeObject(text), time);
             }
         });
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 }  // namespace
