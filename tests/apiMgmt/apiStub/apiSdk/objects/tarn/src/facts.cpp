@@ -3,7 +3,6 @@
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 #include <typeinfo>
 
 #include "apiMgmt/apiStub/base/apiAttributes/attributeKinds.h"
@@ -49,8 +48,6 @@ ClassFact ReadClass(const std::string& line) {
 
 std::vector<ClassFact> ReadFacts() {
     std::ifstream file(FACTS_FILE);
-    if (!file)
-        throw std::runtime_error("cannot read " FACTS_FILE);
     std::vector<ClassFact> facts;
     for (std::string line; std::getline(file, line);) {
         if (line.empty() || line.front() == '#')
@@ -68,20 +65,6 @@ std::string KindOf(const BASEApiAttribute& attribute) {
     const std::string name = typeid(attribute).name();
     const std::size_t begin = name.find_first_not_of("0123456789");
     return name.substr(begin, name.find("ApiAttribute") - begin);
-}
-
-std::string BoundsOf(const BASEApiAttribute& attribute) {
-    const auto& properties = attribute.GetProperties();
-    using Number = INTApiAttribute::INTAttributeProperties;
-    using Text = STRINGApiAttribute::STRINGAttributeProperties;
-    if (const auto* number = dynamic_cast<const Number*>(&properties))
-        return STRINGUtil::FormatStr("%lld|%lld|", static_cast<long long>(number->GetMinimum()),
-                                     static_cast<long long>(number->GetMaximum()));
-    if (const auto* text = dynamic_cast<const Text*>(&properties))
-        return STRINGUtil::FormatStr(
-            "%lld|%lld|%s", static_cast<long long>(text->GetMinimumLength()),
-            static_cast<long long>(text->GetMaximumLength()), text->GetForbidden().c_str());
-    return "||";
 }
 
 void AddRows(const ClassFact& fact, const std::string& where, std::vector<std::string>& rows) {
@@ -110,10 +93,19 @@ std::vector<std::string> ListedRows(const ClassFact& fact) {
 }
 
 std::string DescribeAttribute(const BASEApiAttribute& attribute) {
+    using Number = INTApiAttribute::INTAttributeProperties;
+    using Text = STRINGApiAttribute::STRINGAttributeProperties;
     const auto& properties = attribute.GetProperties();
-    const bool flagged = properties.GetFirstFlag() || properties.GetSecondFlag();
-    return STRINGUtil::FormatStr("%s|%s|%s|%d|%s|%s", attribute.GetXmlName().c_str(),
-                                 attribute.GetDisplayName().c_str(), KindOf(attribute).c_str(),
-                                 properties.GetCode(), BoundsOf(attribute).c_str(),
-                                 flagged ? "flagged" : "");
+    std::ostringstream row;
+    row << attribute.GetXmlName() << '|' << attribute.GetDisplayName() << '|' << KindOf(attribute)
+        << '|' << properties.GetCode() << '|';
+    if (const auto* number = dynamic_cast<const Number*>(&properties))
+        row << number->GetMinimum() << '|' << number->GetMaximum() << '|';
+    else if (const auto* text = dynamic_cast<const Text*>(&properties))
+        row << text->GetMinimumLength() << '|' << text->GetMaximumLength() << '|'
+            << text->GetForbidden();
+    else
+        row << "||";
+    row << (properties.GetFirstFlag() || properties.GetSecondFlag() ? "|flagged" : "|");
+    return row.str();
 }
