@@ -112,6 +112,8 @@ const std::pair<std::string, std::string> documents[] = {
              "<Data>a--cm--b,c--nl--d\n,&lt;--cl--\n</Data></Thing></ReturnObjectArray>"),
              "<ReturnObjectArray><Thing><Name>c&#x0a;d</Name><Notes>a,b</Notes></Thing>"
              "<Thing><Name>&lt;:</Name><Notes></Notes></Thing></ReturnObjectArray>"},
+    {success("<ReturnObject><Thing><Header>Name</Header><Data>a\nb\n</Data></Thing></ReturnObject>"),
+             "<ReturnObject><Thing><Name>a</Name></Thing></ReturnObject>"},
     {success("<ReturnMethodObject><Unknown/><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"),
              "<ReturnMethodObject><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"},
     {"<compapi><ApiMethodReturn><Successful>True</Successful></ApiMethodReturn><ReturnInt>7</ReturnInt></compapi>",
@@ -162,7 +164,7 @@ TEST(ReplyDocumentTest, IsWhatAReturnWritesInEachEncoding) {
 
 TEST(MethodReturnTest, WritesCommaSeparatedSections) {
     const ReturnPtr made = process(replyWith(
-        success("<ReturnObjectArray><Thing><Name>a,b</Name></Thing><Thing><Name>c:&#x0a;d</Name>"
+        success("<ReturnObjectArray><Thing><Name>a,b</Name></Thing><Thing><Name>c:&#x09;d</Name>"
                 "<Notes>&amp;</Notes></Thing><Sample><Number>3</Number></Sample>"
                 "</ReturnObjectArray>")));
     EXPECT_EQ(made->GetReturnString(ObjectReturnEncodeEnum::Csv),

@@ -119,10 +119,15 @@ void Drive(const std::string& name, Get get, Set set) {
     EXPECT_EQ(escaped ? STRINGUtil::UnEscapeString(stored, false) : stored, text);
     EXPECT_EQ(escaped && stored.find_first_of("<>") != std::string::npos, false);
     EXPECT_EQ(owner->AllValues().size(), 1U);
-    // The setter is right by now: what it makes of the value that was read tells the getter.
     const Value value = get(*owner);
+    const auto read = ArgumentOf(value);
+    if constexpr (
+        requires { read == argument; } && !requires { read.front()->AllValues(); }) {
+        EXPECT_TRUE(read == argument);
+    }
+    // Records and filters are compared by the text that the setter makes of them.
     owner->PutStringDirect(name, "");
-    set(*owner, ArgumentOf(value));
+    set(*owner, read);
     EXPECT_EQ(owner->GetStringDirect(name), stored);
 }
 
