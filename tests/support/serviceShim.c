@@ -43,17 +43,6 @@ __attribute__((constructor)) static void prepare(void) {
         logFile = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
 }
 
-static int findEntry(const char* port, struct servent* entry, char* room, size_t size) {
-    static char* noAliases[] = {NULL};
-    if (size < sizeof "tcp")
-        return ERANGE;
-    *entry = (struct servent){.s_name = (char*)"ostrel-apimgr",
-                              .s_aliases = noAliases,
-                              .s_port = htons((uint16_t)atoi(port)),
-                              .s_proto = memcpy(room, "tcp", sizeof "tcp")};
-    return 0;
-}
-
 EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* entry, char* room,
                            size_t size, struct servent** result) {
     const char* port = getenv("SAN_TEST_APIMGR_PORT");
@@ -62,10 +51,15 @@ EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* 
     *result = NULL;
     if (!*port)
         return 0;
-    int error = findEntry(port, entry, room, size);
-    if (!error)
-        *result = entry;
-    return error;
+    if (size < sizeof "tcp")
+        return ERANGE;
+    static char* noAliases[] = {NULL};
+    *entry = (struct servent){.s_name = (char*)"ostrel-apimgr",
+                              .s_aliases = noAliases,
+                              .s_port = htons((uint16_t)atoi(port)),
+                              .s_proto = memcpy(room, "tcp", sizeof "tcp")};
+    *result = entry;
+    return 0;
 }
 
 static void writeEntry(int priority, const char* format, va_list arguments) {

@@ -56,7 +56,7 @@ TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
     });
     // Around the sizes of the reader's first buffer and of the socket's.
     for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
-        const std::string document = std::string(size, 'x');
+        const std::string document(size, 'x');
         EXPECT_TRUE(exchange(peer.port(), makeRequest(document)) == document) << size;
     }
 }

@@ -108,7 +108,8 @@ std::unique_ptr<Class> MakeFromRegistry() {
 template <class Class, class Get, class Set>
 void Drive(const std::string& name, Get get, Set set) {
     using Value = decltype(get(std::declval<const Class&>()));
-    const auto [argument, text] = SampleOf(static_cast<const Value*>(nullptr));
+    const auto sample = SampleOf(static_cast<const Value*>(nullptr));
+    const auto& argument = sample.first;
     const std::unique_ptr<Class> owner = MakeFromRegistry<Class>();
     ASSERT_NE(owner, nullptr);
     EXPECT_FALSE(owner->IsAttributeSet(name));
@@ -116,7 +117,7 @@ void Drive(const std::string& name, Get get, Set set) {
     set(*owner, argument);
     const std::string stored = owner->GetStringDirect(name);
     const bool escaped = std::is_base_of_v<BASEApiMethod, Class> && !stored.starts_with('<');
-    EXPECT_EQ(escaped ? STRINGUtil::UnEscapeString(stored, false) : stored, text);
+    EXPECT_EQ(escaped ? STRINGUtil::UnEscapeString(stored, false) : stored, sample.second);
     EXPECT_EQ(escaped && stored.find_first_of("<>") != std::string::npos, false);
     EXPECT_EQ(owner->AllValues().size(), 1U);
     const Value value = get(*owner);
