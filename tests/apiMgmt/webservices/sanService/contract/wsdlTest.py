@@ -1,11 +1,14 @@
-"""The service description says what the definition says; that a client can read it is tried with
-an independent one.
+"""The service description says what the definition says, and the generator reads it back; that
+others can is tried with independent clients.
 
 sanApi.wsdl is compared with the description that the generator writes from the definition. Both
 are brought to one plain form first, since they differ in layout and in what they leave to defaults.
 """
 import pathlib
+import re
+import subprocess
 import sys
+import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 
@@ -15,7 +18,7 @@ SOAP = "{http://schemas.xmlsoap.org/wsdl/soap/}"
 SERVICE = "urn:san-api:service"
 PLACEHOLDER = "@SERVICE_ADDRESS@"
 
-OURS, GENERATED = sys.argv[1:]
+OURS, GENERATED, WSDL2H, SOAPCPP2, IMPORTS = sys.argv[1:]
 
 
 def local(name):
@@ -101,6 +104,18 @@ class Description(unittest.TestCase):
                 header = operation.find(f"{WSDL}{way}/{SOAP}header")
                 self.assertEqual(header.get("use"), "literal")
                 self.assertEqual(local(header.get("message")), "HccApiHeader")
+
+    def test_the_generator_reads_it_back(self):
+        with tempfile.TemporaryDirectory() as folder:
+            header = f"{folder}/readBack.h"
+            for command in ([WSDL2H, "-o", header, OURS],
+                            [SOAPCPP2, "-1", "-x", "-L", "-S", "-i", f"-d{folder}", f"-I{IMPORTS}",
+                             header]):
+                done = subprocess.run(command, capture_output=True, text=True, check=False)
+                self.assertEqual(done.returncode, 0, done)
+            skeleton = pathlib.Path(folder, "soapSanApiPortBindingService.h").read_text()
+        self.assertEqual(re.findall(r"virtual int (\w+)\(ns1__", skeleton),
+                         [name for name, _ in operations_of(self.ours)])
 
     def test_it_stands_alone_but_for_one_placeholder(self):
         text = pathlib.Path(OURS).read_text()
