@@ -26,6 +26,12 @@ GPBIPCMsg makeRequest(const std::string& document = "<compapi></compapi>") {
     return request;
 }
 
+std::string documentOfSize(std::size_t size) {
+    std::string document;
+    document.resize(size, 'x');
+    return document;
+}
+
 /// The reply's document.
 std::string exchange(int port, const GPBIPCMsg& request = makeRequest()) {
     GPBIPCMsg reply;
@@ -56,7 +62,7 @@ TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
     });
     // Around the sizes of the reader's first buffer and of the socket's.
     for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
-        const std::string document(size, 'x');
+        const std::string document = documentOfSize(size);
         EXPECT_TRUE(exchange(peer.port(), makeRequest(document)) == document) << size;
     }
 }
@@ -107,7 +113,7 @@ TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });
-    const GPBIPCMsg longRequest = makeRequest(std::string(32'000'000, 'x'));
+    const GPBIPCMsg longRequest = makeRequest(documentOfSize(32'000'000));
     EXPECT_NE(failureOf(peer.port(), longRequest), "");
 }
 
@@ -115,7 +121,7 @@ TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
     std::atomic<int> connections = 0;
     ScriptedPeer peer([&](int) { ++connections; });
     EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
-    EXPECT_NE(failureOf(peer.port(), makeRequest(std::string(ipcFraming::maxBodySize, 'x'))), "");
+    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::maxBodySize))), "");
     EXPECT_NE(failureOf(0), "");
     EXPECT_NE(failureOf(65536), "");
     EXPECT_EQ(connections, 0);

@@ -84,6 +84,7 @@ TEST_F(DateTime, TellsWhatCannotBeFormatted) {
 
 TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
     std::vector<std::jthread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([i] {
             const DATETimeObject time(1794665045 + i * 86400L * 100);

@@ -84,6 +84,7 @@ const Value& ArgumentOf(const std::unique_ptr<Value>& value) {
 template <class Record>
 auto ArgumentOf(const std::vector<std::unique_ptr<Record>>& values) {
     std::vector<const BASEApiMethodObject*> argument;
+    argument.reserve(values.size());
     for (const auto& record : values)
         argument.push_back(record.get());
     return argument;
