@@ -114,9 +114,9 @@ Then run with --no-simulator"
 # The simulator waits for a port that an ended connection still has; then it says so.
 wait_for_simulator() {
     local waits=''
-    until grep -q '^listening' "$state/simulator.log"; do
+    until grep -qs '^listening' "$state/simulator.log"; do
         all_run || fail_with_logs "the simulator did not start"
-        if [ -z "$waits" ] && waits=$(grep '^waiting' "$state/simulator.log"); then
+        if [ -z "$waits" ] && waits=$(grep -s '^waiting' "$state/simulator.log"); then
             say "The simulator is ${waits}"
         fi
         sleep 0.1
