@@ -88,8 +88,11 @@ IpcServer::IpcServer(int port, Handler handler, Complaint complaint)
 
 bool IpcServer::isServed(int port) {
     const int fd = tcpSocket(0);
+    const sockaddr_in own = loopback(0);
     const sockaddr_in address = loopback(port);
+    // With a port of its own already, the socket cannot get the one asked about and meet itself.
     const bool served =
+        ::bind(fd, reinterpret_cast<const sockaddr*>(&own), sizeof(own)) == 0 &&
         ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
     ::close(fd);
     return served;

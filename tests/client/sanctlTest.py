@@ -9,7 +9,7 @@ import unittest
 import cannedServer
 import soap
 from cannedServer import NOTHING, fault, reply
-from programs import sanctl
+from programs import closed_port, sanctl
 
 SECRETS = {"SANCTL_PASSWORD": "pass-word-1", "SANCTL_TOKEN": "token-1",
            "SANCTL_HCC_KEY": "key-1"}
@@ -70,7 +70,9 @@ class SanctlTest(unittest.TestCase):
             done = sanctl("--url", url, "ping", "--timeout", "1")
         self.assertEqual(done.returncode, 3, done)
         self.assertIn("no whole answer within 1 s", done.stdout)
-        self.assertEqual(sanctl("--url", url, "ping").returncode, 3)
+        with closed_port() as port:
+            done = sanctl("--url", f"http://127.0.0.1:{port}/", "ping")
+        self.assertEqual(done.returncode, 3, done)
 
     def test_wrong_usage_sends_nothing(self):
         with cannedServer.serve(reply("Ping")) as server:

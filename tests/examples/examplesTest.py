@@ -1,10 +1,9 @@
 """The example programs against the array simulator."""
 
-import socket
 import unittest
 
 from arraySimulator import ArraySimulator
-from programs import BUILD, PRELOADED, run
+from programs import BUILD, PRELOADED, closed_port, run
 
 SEED = {"clusters": [{"id": "hcc-1", "name": "left & right", "key": "k1"},
                      {"id": "hcc-2", "name": "other", "key": "k2"}]}
@@ -28,8 +27,7 @@ class ListClusters(unittest.TestCase):
                 self.assertEqual(list_clusters(port, *arguments), (0, expected, ""))
 
     def test_says_that_no_api_manager_answers(self):
-        with socket.socket() as nobody:
-            nobody.bind(("127.0.0.1", 0))  # taken, and nothing listens
-            status, output, errors = list_clusters(nobody.getsockname()[1])
+        with closed_port() as port:
+            status, output, errors = list_clusters(port)
         self.assertEqual((status, output), (3, ""))
         self.assertIn("Unable to connect: Connection refused", errors)

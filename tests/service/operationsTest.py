@@ -2,13 +2,13 @@
 that fails."""
 
 import re
-import socket
 from xml.sax.saxutils import escape
 
 import harness
 import soap
 from arraySimulator import success
 from operations import OPERATIONS, SCSI, SKIPPED, VOLUME, elements
+from programs import closed_port
 
 USER, TOKEN = "marker-user:marker-pass", "marker-token"
 HEAD = soap.header(user=USER, token=TOKEN)
@@ -177,14 +177,12 @@ class OperationsTest(harness.ServiceCase):
                     self.assertEqual(request.request.count("<HccId>"), 1)
 
     def test_an_api_manager_that_is_not_there(self):
-        with socket.socket() as closed:
-            closed.bind(("127.0.0.1", 0))  # taken, and nobody listens
-            with harness.WebServer(api_manager_port=closed.getsockname()[1]) as server:
-                for body in BODIES.values():
-                    reply = server.post(soap.envelope(body, HEAD))
-                    self.assertEqual(soap.fault_of(reply), NO_RETURN)
-                self.assertIn(line("Received NULL response"), server.syslog())
-                self.assertNotIn("marker", "".join(server.syslog()) + server.error_log())
+        with closed_port() as port, harness.WebServer(api_manager_port=port) as server:
+            for body in BODIES.values():
+                reply = server.post(soap.envelope(body, HEAD))
+                self.assertEqual(soap.fault_of(reply), NO_RETURN)
+            self.assertIn(line("Received NULL response"), server.syslog())
+            self.assertNotIn("marker", "".join(server.syslog()) + server.error_log())
 
     @classmethod
     def tearDownClass(cls):

@@ -4,9 +4,11 @@ Where the build is comes from the environment that it sets for its tests; by han
 names one (default: build/debug).
 """
 
+import contextlib
 import functools
 import os
 import pathlib
+import socket
 import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -32,6 +34,14 @@ def run(*command, stdin="", **environment):
     return subprocess.run([str(part) for part in command], input=stdin, encoding="utf-8",
                           capture_output=True, timeout=300, check=False,
                           env={**inherited, **environment})
+
+
+@contextlib.contextmanager
+def closed_port():
+    """A loopback port on which nobody listens, nor can while this is open."""
+    with socket.socket() as taken:
+        taken.bind(("127.0.0.1", 0))
+        yield taken.getsockname()[1]
 
 
 sanctl = functools.partial(run, SANCTL)

@@ -3,6 +3,7 @@
 import concurrent.futures
 import contextlib
 import os
+import random
 import socket
 import struct
 import subprocess
@@ -89,8 +90,9 @@ class PortTest(unittest.TestCase):
     def test_port_that_a_connection_has_is_waited_for(self):
         with socket.create_server(("127.0.0.1", 0)) as listener, \
                 tempfile.TemporaryDirectory() as folder:
-            client = socket.create_connection(listener.getsockname())
-            port = client.getsockname()[1]
+            # Above those that the system gives away: others would share or take such a port.
+            port = random.randrange(61000, 65536)
+            client = socket.create_connection(listener.getsockname(), 20, ("127.0.0.1", port))
             command = [programs.SIMULATOR, "--control", os.path.join(folder, "control.sock"),
                        "--port", str(port)]
             with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as simulator, \
@@ -98,6 +100,7 @@ class PortTest(unittest.TestCase):
                 ending.callback(simulator.terminate)
                 self.assertIn(f"waiting for port {port}", simulator.stdout.readline())
                 listener.accept()[0].close()  # the side that closes first is the one that lingers
+                self.assertEqual(client.recv(1), b"")
                 client.close()
                 self.assertIn(f"listening on 127.0.0.1:{port}", simulator.stdout.readline())
                 second = programs.run(*command)
