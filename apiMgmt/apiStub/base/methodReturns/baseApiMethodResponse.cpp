@@ -163,8 +163,7 @@ void BASEApiMethod::ParseRespStatusNode(const parser::XMLElement* element,
 COMPObjectMethodReturn* BASEApiMethod::ParseReturnApiObjectXML(const parser::XMLElement* element,
                                                                bool isArray) const {
     auto made = std::make_unique<COMPObjectMethodReturn>(isArray);
-    made->ReadObjects(*element);
-    return made.release();
+    return made->ReadObjects(*element) ? made.release() : nullptr;
 }
 
 METHODObjectMethodReturn* BASEApiMethod::ParseReturnApiMethodObjectXML(

@@ -1,11 +1,13 @@
 #include "apiMgmt/apiStub/base/methodReturns/compObjectMethodReturn.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiObjectFactory.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/xmlText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 #include "apiMgmt/common/xmlParser/xmlElement.h"
+#include "apiMgmt/common/xmlParser/xmlParser.h"
 
 namespace {
 
@@ -55,10 +57,19 @@ std::string section(Position begin, Position end, ObjectReturnEncodeEnum encode)
     return element;
 }
 
-/// The header of a section; a section without one has a column for every attribute.
-std::string headerOf(const parser::XMLElement& element, const BASEApiObject& object) {
+/// The columns of a section; one without a header has a column for every attribute.
+APIAttributeList columnsOf(const parser::XMLElement& element, const BASEApiObject& object) {
     const parser::XMLElement* header = element.GetChildElemByTag(headerTag);
-    return header != nullptr ? header->GetElementContent() : object.CreateCSVHeader();
+    return header != nullptr ? object.ParseCSVHeader(header->GetElementContent())
+                             : object.GetAttributeList();
+}
+
+/// No fewer than the names and values of a section.
+std::size_t fieldsOf(const parser::XMLElement& element) {
+    const std::string fields = element.GetChildElemContentByTag(headerTag) + "\n" +
+                               element.GetChildElemContentByTag(dataTag) + "\n";
+    return static_cast<std::size_t>(std::count_if(
+        fields.begin(), fields.end(), [](char end) { return end == ',' || end == '\n'; }));
 }
 
 }  // namespace
@@ -85,31 +96,38 @@ std::string COMPObjectMethodReturn::GetReturnString(ObjectReturnEncodeEnum encod
     return Element(IsArray() ? "ReturnObjectArray" : "ReturnObject", objects);
 }
 
-void COMPObjectMethodReturn::ReadObjects(const parser::XMLElement& element) {
+bool COMPObjectMethodReturn::ReadObjects(const parser::XMLElement& element) {
+    std::size_t fields = 0;
     for (const auto* child = element.GetFirstChild(); child != nullptr && !IsFull();
          child = child->GetNextSibling()) {
-        ReadElement(*child);
+        auto object =
+            APIObjectRegistry::Instance().CreateObject(std::string(child->GetElementName()));
+        if (!object) {
+            continue;
+        }
+        if (child->GetChildElemByTag(dataTag) == nullptr ||
+            object->GetAttributeByName(dataTag) != nullptr) {
+            object->ParseElemNode(child);
+            Append(std::move(object));
+            continue;
+        }
+        fields += fieldsOf(*child);
+        if (fields > parser::XMLParser::maxElements) {
+            return false;
+        }
+        ReadSection(*child, *object);
     }
+    return true;
 }
 
-void COMPObjectMethodReturn::ReadElement(const parser::XMLElement& element) {
-    const std::string className(element.GetElementName());
-    auto object = APIObjectRegistry::Instance().CreateObject(className);
-    if (!object) {
-        return;
-    }
-    const parser::XMLElement* data = element.GetChildElemByTag(dataTag);
-    if (data == nullptr || object->GetAttributeByName(dataTag) != nullptr) {
-        object->ParseElemNode(&element);
-        Append(std::move(object));
-        return;
-    }
-    const std::string header = headerOf(element, *object);
+void COMPObjectMethodReturn::ReadSection(const parser::XMLElement& element,
+                                         const BASEApiObject& sample) {
+    const APIAttributeList columns = columnsOf(element, sample);
     std::vector<std::string> lines;
-    STRINGUtil::SplitString(data->GetElementContent(), '\n', lines);
+    STRINGUtil::SplitString(element.GetChildElemContentByTag(dataTag), '\n', lines);
     for (std::size_t i = 0; i < lines.size() && !IsFull(); ++i) {
-        auto listed = APIObjectRegistry::Instance().CreateObject(className);
-        listed->ParseCSV(header, lines[i]);
+        auto listed = APIObjectRegistry::Instance().CreateObject(sample.GetObjectName());
+        listed->ParseCSVData(columns, lines[i]);
         Append(std::move(listed));
     }
 }

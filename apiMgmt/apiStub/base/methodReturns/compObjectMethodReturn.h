@@ -22,9 +22,10 @@ public:
     std::string GetReturnString(ObjectReturnEncodeEnum encode) const override;
 
     /// Appends the objects that stand below `element`, in either encoding; a single return
-    /// takes the first. A class that no registry knows gives no object.
-    void ReadObjects(const parser::XMLElement& element);
+    /// takes the first. A class that no registry knows gives no object. False when the data have
+    /// more fields than an XML document may have elements: they would cost as much.
+    bool ReadObjects(const parser::XMLElement& element);
 
 private:
-    void ReadElement(const parser::XMLElement& element);
+    void ReadSection(const parser::XMLElement& element, const BASEApiObject& sample);
 };

@@ -104,6 +104,7 @@ public:
     /// Every fault of the reply becomes a failed return. The return belongs to the caller.
     BASEApiMethodReturn* ProcessResponse(const protoIPCMsg::GPBIPCMsg& reply) const;
     void ParseRespStatusNode(const parser::XMLElement* element, RESPErrorInfo& status) const;
+    /// The returns below belong to the caller; null when their objects would cost too much.
     COMPObjectMethodReturn* ParseReturnApiObjectXML(const parser::XMLElement* element,
                                                     bool isArray) const;
     METHODObjectMethodReturn* ParseReturnApiMethodObjectXML(const parser::XMLElement* element,

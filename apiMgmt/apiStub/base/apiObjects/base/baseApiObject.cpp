@@ -105,14 +105,25 @@ std::string BASEApiObject::CreateCSVHeaderAndData(const SelectionMap& selection)
     return CreateCSVHeader(selection) + "\n" + CreateCSVData(selection);
 }
 
-void BASEApiObject::ParseCSV(const std::string& header, const std::string& data) {
+APIAttributeList BASEApiObject::ParseCSVHeader(const std::string& header) const {
     std::vector<std::string> names;
-    std::vector<std::string> values;
     STRINGUtil::SplitString(header, CSVText::kSeparator, names, 0);
+    APIAttributeList columns;
+    columns.reserve(names.size());
+    for (const std::string& name : names) {
+        columns.push_back(GetAttributeByName(name));
+    }
+    return columns;
+}
+
+void BASEApiObject::ParseCSVData(const APIAttributeList& columns, const std::string& data) {
+    std::vector<std::string> values;
     STRINGUtil::SplitString(data, CSVText::kSeparator, values, 0);
-    values.resize(names.size());
-    for (std::size_t i = 0; i < names.size(); ++i)
-        PutStringDirect(names[i], CSVText::Unescape(values[i]));
+    for (std::size_t i = 0; i < std::min(columns.size(), values.size()); ++i) {
+        if (columns[i] && !values[i].empty()) {
+            PutStringDirect(columns[i]->GetXmlName(), CSVText::Unescape(values[i]));
+        }
+    }
 }
 
 BASEApiObject::SelectionMap BASEApiObject::GetCombinedAttributeNameList(

@@ -72,8 +72,11 @@ public:
     std::string CreateCSVHeaderAndData() const;
     std::string CreateCSVHeaderAndData(const APIAttributeList& attributes) const;
     std::string CreateCSVHeaderAndData(const SelectionMap& selection) const;
-    /// Takes over the values of a data line under the names of its header.
-    void ParseCSV(const std::string& header, const std::string& data);
+    /// The attributes that a header names, in its order; null for one that the object has not.
+    APIAttributeList ParseCSVHeader(const std::string& header) const;
+    /// Takes over the values of a data line, whose columns these are. An empty value leaves its
+    /// attribute unset; one without an attribute is passed over.
+    void ParseCSVData(const APIAttributeList& columns, const std::string& data);
     /// All attribute names of the objects, each mapped to whether an object has it set.
     static SelectionMap GetCombinedAttributeNameList(
         const std::vector<const BASEApiObject*>& objects);

@@ -65,10 +65,11 @@ TEST(ObjectText, CsvEscapesItsSeparators) {
     EXPECT_EQ(task.CreateCSVHeaderAndData(some), "InstanceName,Beyond\na--cm--b--cl--c--nl--d,");
 
     APITask copy;
-    copy.ParseCSV("InstanceId,InstanceName,Beyond", "1,a--cm--b--cl--c--nl--d");
-    EXPECT_EQ(copy.GetInstanceId(), "1");
+    copy.ParseCSVData(copy.ParseCSVHeader("Beyond,InstanceId,InstanceName,ObjectType"),
+                      "b,,a--cm--b--cl--c--nl--d");
     EXPECT_EQ(copy.GetInstanceName(), "a,b:c\nd");
-    EXPECT_TRUE(copy.IsAttributeSet("Beyond"));
+    for (const char* name : {"Beyond", "InstanceId", "ObjectType"})
+        EXPECT_FALSE(copy.IsAttributeSet(name)) << name;
 }
 
 TEST(ObjectText, CombinedNamesTellWhichAnObjectHas) {
