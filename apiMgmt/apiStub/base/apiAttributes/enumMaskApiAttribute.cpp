@@ -1,6 +1,5 @@
 #include "apiMgmt/apiStub/base/apiAttributes/enumMaskApiAttribute.h"
 
-#include "apiMgmt/apiStub/base/apiAttributes/filterMatching.h"
 #include "apiMgmt/apiStub/base/apiAttributes/listText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
@@ -17,5 +16,5 @@ std::vector<std::string> ENUMMASKApiAttribute::ParseString(const std::string& te
 
 bool ENUMMASKApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                        const std::string& value) const {
-    return MatchesAnyText(filter, ParseString(value));
+    return BASEApiAttribute::ApplyFilter(filter, value);
 }

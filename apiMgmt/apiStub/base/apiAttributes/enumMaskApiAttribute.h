@@ -14,6 +14,6 @@ public:
     /// Blanks that follow each other separate no empty item.
     std::vector<std::string> ParseString(const std::string& text) const;
 
-    /// Matches when one of the items does.
+    /// Compares the whole text.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

@@ -1,7 +1,5 @@
 #include "apiMgmt/apiStub/base/apiAttributes/filterMatching.h"
 
-#include <algorithm>
-
 #include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
@@ -32,11 +30,6 @@ bool MatchesText(const APIAttributeFilter& filter, const std::string& value) {
         return type == FILTERType::StartsWith ? at == 0 : at != std::string::npos;
     }
     return MatchesOrder(type, STRINGUtil::Comparecase(value, text) <=> 0);
-}
-
-bool MatchesAnyText(const APIAttributeFilter& filter, const std::vector<std::string>& items) {
-    return std::any_of(items.begin(), items.end(),
-                       [&](const std::string& item) { return MatchesText(filter, item); });
 }
 
 std::string FilterText(const APIAttributeFilter& filter) {

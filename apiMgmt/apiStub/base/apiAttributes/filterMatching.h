@@ -2,7 +2,6 @@
 
 #include <compare>
 #include <string>
-#include <vector>
 
 #include "apiMgmt/apiStub/base/filters/filterType.h"
 
@@ -19,9 +18,6 @@ bool MatchesOrder(FILTERType type, std::weak_ordering order);
 /// "iqin" (the value contains the condition's text) and "iqs" (the value begins with it).
 /// "&hy&" in the condition stands for a hyphen. An empty value never matches.
 bool MatchesText(const APIAttributeFilter& filter, const std::string& value);
-
-/// A list matches when one of its items does.
-bool MatchesAnyText(const APIAttributeFilter& filter, const std::vector<std::string>& items);
 
 /// The condition's comparison value with every "&hy&" turned back into a hyphen.
 std::string FilterText(const APIAttributeFilter& filter);

@@ -1,6 +1,5 @@
 #include "apiMgmt/apiStub/base/apiAttributes/objectApiAttribute.h"
 
-#include "apiMgmt/apiStub/base/apiAttributes/objectMatching.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/apiObjectInstance.h"
 
 std::string OBJECTApiAttribute::ToString(const APIObjectInstance& value) const {
@@ -13,6 +12,5 @@ std::unique_ptr<APIObjectInstance> OBJECTApiAttribute::ParseString(const std::st
 
 bool OBJECTApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                      const std::string& value) const {
-    const auto instance = ParseString(value);
-    return instance && MatchesInstance(filter, *instance);
+    return BASEApiAttribute::ApplyFilter(filter, value);
 }

@@ -16,6 +16,6 @@ public:
     /// The empty text gives none. The instance belongs to the caller.
     std::unique_ptr<APIObjectInstance> ParseString(const std::string& text) const;
 
-    /// Matches when the instance id, the instance name or the whole text form does.
+    /// Compares the whole text.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "apiMgmt/apiStub/base/apiAttributes/listText.h"
-#include "apiMgmt/apiStub/base/apiAttributes/objectMatching.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/apiObjectInstance.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
@@ -31,8 +30,5 @@ std::vector<APIObjectInstance> OBJECTARRAYApiAttribute::ParseString(const std::s
 
 bool OBJECTARRAYApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                           const std::string& value) const {
-    const auto instances = ParseString(value);
-    return std::any_of(instances.begin(), instances.end(), [&](const APIObjectInstance& instance) {
-        return MatchesInstance(filter, instance);
-    });
+    return BASEApiAttribute::ApplyFilter(filter, value);
 }

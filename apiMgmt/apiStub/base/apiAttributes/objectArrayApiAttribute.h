@@ -17,6 +17,6 @@ public:
     /// An empty piece is no reference and is skipped.
     std::vector<APIObjectInstance> ParseString(const std::string& text) const;
 
-    /// Matches when one of the references does.
+    /// Compares the whole text.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

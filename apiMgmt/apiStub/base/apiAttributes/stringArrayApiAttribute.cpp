@@ -1,6 +1,5 @@
 #include "apiMgmt/apiStub/base/apiAttributes/stringArrayApiAttribute.h"
 
-#include "apiMgmt/apiStub/base/apiAttributes/filterMatching.h"
 #include "apiMgmt/apiStub/base/apiAttributes/listText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
@@ -21,5 +20,5 @@ std::vector<std::string> STRINGARRAYApiAttribute::ParseString(const std::string&
 
 bool STRINGARRAYApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                           const std::string& value) const {
-    return MatchesAnyText(filter, ParseString(value));
+    return BASEApiAttribute::ApplyFilter(filter, value);
 }

@@ -13,6 +13,6 @@ public:
     std::string ToString(const std::vector<std::string>& value) const;
     std::vector<std::string> ParseString(const std::string& text) const;
 
-    /// Matches when one of the items does.
+    /// Compares the whole text.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };
