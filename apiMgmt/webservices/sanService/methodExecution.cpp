@@ -35,12 +35,12 @@ const BASEApiMethodReturn* SANService::ExecuteMethod(
 }
 
 SanApi::ns1__resultObject* SANService::AllocSoapResultObject() {
-    SanApi::ns1__resultObject* result =
-        SanApi::soap_instantiate_ns1__resultObject(this, -1, nullptr, nullptr, nullptr);
-    result->defaultMsg = AllocSoapString("");
-    result->catalogNumber = 0;
-    result->resultCode = 0;
-    return result;
+    SanApi::ns1__resultObject& result =
+        Made(SanApi::soap_instantiate_ns1__resultObject(this, -1, nullptr, nullptr, nullptr));
+    result.defaultMsg = AllocSoapString("");
+    result.catalogNumber = 0;
+    result.resultCode = 0;
+    return &result;
 }
 
 int SANService::ParseXMLResponse(SanApi::ns1__resultObject** result,

@@ -18,6 +18,7 @@ const std::string kFullVersion = ContractVersion();
 const std::string kMajorVersion = kFullVersion.substr(0, kFullVersion.find('.', 0));
 const std::string kVersionPrefix = kMajorVersion + ".";
 
+constexpr short kSoap11 = 1;
 constexpr char kInternalError[] = "Internal error serving san service request";
 
 }  // namespace
@@ -42,6 +43,9 @@ int SANService::DispatchChecked() {
     PopulateResponseHeaders();
     if (!refusal.empty()) {
         ServiceLog::Write(ServiceLog::kRefused, STRINGUtil::FormatStr("%s", refusal.c_str()));
+        if (version == 0) {
+            soap_set_version(this, kSoap11);  // a body without an envelope has set none
+        }
         return soap_senderfault(refusal.c_str(), "");
     }
     return SanApi::SanApiPortBindingService::dispatch();

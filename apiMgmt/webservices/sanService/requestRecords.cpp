@@ -12,13 +12,13 @@ namespace {
 const std::string* AddressText(const SanApi::ns1__InetAddress& address) {
     const auto& choice = address.union_InetAddress;
     switch (address.__union_InetAddress) {
-        case 1:
+        case SOAP_UNION_SanApi_ns1__union_InetAddress_ipv4Addr:
             return choice.ipv4Addr;
-        case 2:
+        case SOAP_UNION_SanApi_ns1__union_InetAddress_ipv6Addr:
             return choice.ipv6Addr;
-        case 3:
+        case SOAP_UNION_SanApi_ns1__union_InetAddress_dnsAddr:
             return choice.dnsAddr;
-        case 4:
+        case SOAP_UNION_SanApi_ns1__union_InetAddress_addr:
             return choice.addr;
         default:
             return nullptr;

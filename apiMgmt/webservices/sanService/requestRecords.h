@@ -30,7 +30,8 @@ private:
 enum class MissingAddress { Warn, Ignore };
 
 /// One APIIpv4AddressPort for each usable entry. An entry that is nil is skipped with the line
-/// @p skipped, one whose address has no text without a word.
+/// @p skipped, one without an address element as @p missing says, one whose address has no text
+/// without a word.
 RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
                                    const ServiceLog::FixedEntry& skipped, MissingAddress missing);
 

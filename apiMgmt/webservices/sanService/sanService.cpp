@@ -17,6 +17,7 @@ constexpr size_t kMaxListItems = 4096;
 constexpr int kStringMode = 0x02000000;
 static_assert(kStringMode == SOAP_C_UTFSTRING);
 
+constexpr int kAllLevels = 127;
 constexpr int kOldestProtobuf = 2005000;
 
 void LimitInput(soap& context) {
@@ -26,7 +27,7 @@ void LimitInput(soap& context) {
     context.recv_maxlength = kMaxBodyBytes;
     context.maxlength = kMaxStringBytes;
     context.maxlevel = kMaxNesting;
-    context.maxoccurs = kMaxListItems;
+    context.maxoccurs = kMaxListItems - 1;  // the engine looks before it adds
 }
 
 }  // namespace
@@ -54,7 +55,7 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
     } else {
         ServiceLog::Write(ServiceLog::kNoAddresses);
     }
-    SimpleLogger::setMask(127);
+    SimpleLogger::setMask(kAllLevels);
 }
 
 SanApi::SanApiPortBindingService* SANService::copy() {
@@ -67,7 +68,8 @@ soapRequestConf* SANService::getRequestConfiguration() {
 }
 
 std::string* SANService::AllocSoapString(const std::string& s) {
-    std::string* text = SanApi::soap_instantiate_std__string(this, -1, nullptr, nullptr, nullptr);
-    *text = s;
-    return text;
+    std::string& text =
+        Made(SanApi::soap_instantiate_std__string(this, -1, nullptr, nullptr, nullptr));
+    text = s;
+    return &text;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <map>
+#include <new>
 #include <string>
-#include <vector>
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
@@ -10,7 +10,6 @@
 #include "host/include/soapRequestConf.h"
 
 class BASEApiMethod;
-class BASEApiMethodObject;
 class BASEApiMethodReturn;
 
 /// Fault text for a request or response object that is not there. Exported.
@@ -88,6 +87,15 @@ protected:
     int ParseXMLResponse(SanApi::ns1__resultObject** result, const BASEApiMethodReturn* ret);
 
 private:
+    /// What the engine made; it gives null where memory ends.
+    template <typename Object>
+    static Object& Made(Object* object) {
+        if (object == nullptr) {
+            throw std::bad_alloc();
+        }
+        return *object;
+    }
+
     int DispatchChecked();
     std::string DecodeCredentials(const SanApi::xsd__base64Binary& userPass);
     SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);

@@ -21,11 +21,11 @@ const APINorvaneScsiInformation* ScsiInformationOf(const BASEApiMethodReturn* re
 
 SanApi::ns1__scsiInfo* SANService::AllocScsiInfo(const std::string& deviceId,
                                                  const std::string& serial) {
-    SanApi::ns1__scsiInfo* info =
-        SanApi::soap_instantiate_ns1__scsiInfo(this, -1, nullptr, nullptr, nullptr);
-    info->deviceId = deviceId;
-    info->serialNumber = AllocSoapString(serial);
-    return info;
+    SanApi::ns1__scsiInfo& info =
+        Made(SanApi::soap_instantiate_ns1__scsiInfo(this, -1, nullptr, nullptr, nullptr));
+    info.deviceId = deviceId;
+    info.serialNumber = AllocSoapString(serial);
+    return &info;
 }
 
 int SANService::HccAttachVolume(SanApi::ns1__HccAttachVolume* request,

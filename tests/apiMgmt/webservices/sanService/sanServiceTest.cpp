@@ -122,6 +122,7 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
         {"SOAP 1.2",                envelope(kRename, header, kSoap12),             kSoap12},
         {"a type error",            envelope("<s:NewPrimaryCfmAddresses><mgmtIpAddresses><port>x</port></mgmtIpAddresses>"
                                              "</s:NewPrimaryCfmAddresses>", header), client},
+        {"no envelope",             "<a/>",                                         client},
         {"an envelope cut short",   envelope(kRename, header).substr(0, 150),       client},
         // clang-format on
     };
