@@ -16,10 +16,10 @@ constexpr std::size_t kLargestBuffer = std::size_t{64} * 1024;
 std::optional<std::int64_t> Read(const std::string& text, const char* format) {
     std::tm fields{};
     fields.tm_mday = 1;
+    fields.tm_isdst = -1;  // mktime finds out what held then
     if (!strptime(text.c_str(), format, &fields))
         return std::nullopt;
-    fields.tm_isdst = -1;  // mktime finds out what held then
-    fields.tm_wday = -1;   // mktime sets it, so that -1 seconds can be told from a failure
+    fields.tm_wday = -1;  // mktime sets it, so that -1 seconds can be told from a failure
     const std::time_t seconds = std::mktime(&fields);
     if (seconds == -1 && fields.tm_wday == -1)
         return std::nullopt;

@@ -7,8 +7,8 @@ class TARNResponseStatus;
 
 /// An API method cannot be built, is not valid, or has failed on the array.
 ///
-///     throw APIMethodError("Required attribute Name not set", ErrorStateEnum::ParsingError,
-///                          kSource, __LINE__, kNotSetMsg, "%s", "Name");
+///     throw APIMethodError(ErrorStateEnum::InvalidRequest, kSource, __LINE__,
+///                          "Required attribute Name not set");
 class APIMethodError : public GENERALError {
 public:
     APIMethodError(ErrorStateEnum errorState, const std::string& file, std::int32_t line,

@@ -45,7 +45,8 @@ public:
         }
     }
 
-    /// Takes the objects of `objects` in place of those held before.
+    /// Takes the objects of `objects` in place of those held before, which it deletes as the
+    /// destructor would have.
     void SetReturnObject(const std::vector<Object*>& objects) {
         if (m_ownsObjects) {
             DeleteAllBut(objects);
