@@ -22,8 +22,9 @@ struct VALUEBounds {
     }
 };
 
-/// Accepts every value. The pair is the one with which such attributes are declared.
+/// Both accept every value. They differ in the numbers that an attribute tells of itself.
 inline constexpr VALUEBounds NoBounds{-2147483647, -1};
+inline constexpr VALUEBounds Unbounded{-1, -1};
 
 constexpr VALUEBounds AtLeast(std::int64_t minimum) {
     return {minimum, -1};

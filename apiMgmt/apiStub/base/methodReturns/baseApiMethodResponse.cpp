@@ -49,11 +49,33 @@ ErrorStateEnum errorStateOf(const std::string& text) {
                                        : gErrorStateEnumIdStrList.GetId(text);
 }
 
+BASEApiMethodReturn* withBool(const BASEApiMethod&, const parser::XMLElement& element) {
+    return new BOOLMethodReturn(STRINGUtil::ConvertStringToBool(element.GetElementContent()));
+}
+
+BASEApiMethodReturn* withInt(const BASEApiMethod&, const parser::XMLElement& element) {
+    return new INTMethodReturn(decimal(element.GetElementContent()));
+}
+
+BASEApiMethodReturn* withString(const BASEApiMethod&, const parser::XMLElement& element) {
+    return new STRINGMethodReturn(element.GetElementContent());
+}
+
 template <class Return>
-BASEApiMethodReturn* withText(const parser::XMLElement& element) {
+BASEApiMethodReturn* withName(const BASEApiMethod&, const parser::XMLElement& element) {
     auto made = std::make_unique<Return>(true);
     made->SetReturnObject(element.GetElementContent());
     return made.release();
+}
+
+template <bool isArray>
+BASEApiMethodReturn* withObjects(const BASEApiMethod& method, const parser::XMLElement& element) {
+    return method.ParseReturnApiObjectXML(&element, isArray);
+}
+
+template <bool isArray>
+BASEApiMethodReturn* withRecords(const BASEApiMethod& method, const parser::XMLElement& element) {
+    return method.ParseReturnApiMethodObjectXML(&element, isArray);
 }
 
 /// One kind of return value: the element that carries it, and what makes the return.
@@ -65,31 +87,22 @@ struct ReturnKind {
 // The first kind whose element is present decides. To add one: a return class of its own, its
 // row here, and a seed for the fuzz target of reply documents.
 // clang-format off
-constexpr ReturnKind returnKinds[] = {
-    {"ReturnBool", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return new BOOLMethodReturn(STRINGUtil::ConvertStringToBool(element.GetElementContent())); }},
-    {"ReturnInt", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return new INTMethodReturn(decimal(element.GetElementContent())); }},
-    {"ReturnString", [](const BASEApiMethod&, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return new STRINGMethodReturn(element.GetElementContent()); }},
-    {"ReturnObject", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return method.ParseReturnApiObjectXML(&element, false); }},
-    {"ReturnObjectArray", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return method.ParseReturnApiObjectXML(&element, true); }},
-    {"ReturnMethodObject", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return method.ParseReturnApiMethodObjectXML(&element, false); }},
-    {"ReturnMethodObjectArray", [](const BASEApiMethod& method, const parser::XMLElement& element) -> BASEApiMethodReturn* {
-        return method.ParseReturnApiMethodObjectXML(&element, true); }},
-    {"ReturnEnumMask", [](const BASEApiMethod&, const parser::XMLElement& element) {
-        return withText<ENUMMaskMethodReturn>(element); }},
-    {"ReturnEnum", [](const BASEApiMethod&, const parser::XMLElement& element) {
-        return withText<ENUMMethodReturn>(element); }},
+constexpr ReturnKind kReturnKinds[] = {
+    {"ReturnBool",              withBool},
+    {"ReturnInt",               withInt},
+    {"ReturnString",            withString},
+    {"ReturnObject",            withObjects<false>},
+    {"ReturnObjectArray",       withObjects<true>},
+    {"ReturnMethodObject",      withRecords<false>},
+    {"ReturnMethodObjectArray", withRecords<true>},
+    {"ReturnEnumMask",          withName<ENUMMaskMethodReturn>},
+    {"ReturnEnum",              withName<ENUMMethodReturn>},
 };
 // clang-format on
 
 /// The return of the first kind found below `parent`; null when there is none.
 BASEApiMethodReturn* valueBelow(const BASEApiMethod& method, const parser::XMLElement& parent) {
-    for (const ReturnKind& kind : returnKinds) {
+    for (const ReturnKind& kind : kReturnKinds) {
         if (const parser::XMLElement* element = parent.GetChildElemByTag(kind.tag)) {
             return kind.make(method, *element);
         }

@@ -1,6 +1,6 @@
 // Enumerations of the contract. The text on the wire is the identifier after the type's name: "_"
 // stands for a hyphen, "_x0020" for a blank. The values count from 0 in the order written and must
-// stay as they are: clients of this interface family store the numbers.
+// stay as they are: a client may send the number in place of the text.
 //
 // How to add a value: at the end of its enumeration here, and in sanApi.wsdl.
 

@@ -1,5 +1,7 @@
 // The operations of the skeleton, in the order in which the dispatcher compares the tag of the body
 // element and in which the virtual slots follow each other. The SOAPAction is not looked at.
+//
+// How to add one: its messages in sanServed.h, its prototype at the end here.
 
 // clang-format off
 //gsoap ns1 service method-action: AddHccToSan ""

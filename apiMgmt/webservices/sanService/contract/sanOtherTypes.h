@@ -1,5 +1,7 @@
 // Data objects that belong to the interface family and that no served message carries. Status
 // members are texts on purpose, also where an enumeration holds their values.
+//
+// How to add one: as in sanTypes.h.
 
 // clang-format off
 class ns1__NetworkInterfaceObject {
@@ -42,7 +44,7 @@ class ns1__hcnObject {
     std::vector<ns1__InetAddress*>       cacheNetworkInterfaces 0;
     std::string*                         cfmStatus 0;
     std::vector<std::string>             hcVolumeIds 0;
-    ns1__hcnDiscoverableObject* hcnInfo nullptr 1;
+    ns1__hcnDiscoverableObject*          hcnInfo nullptr 1;
     std::string                          hcnStatus 1;
     int*                                 hcnStatusEventId 0;
     std::vector<ns1__interfaceObject*>   sanInterfaces 0;
@@ -87,9 +89,9 @@ class ns1__hcVolumeObject {
     std::string              createDate 1;
     std::string              hccId 1;
     std::vector<std::string> hcnIds 0;
-    ns1__scsiInfo*  origScsiInfo nullptr 1;
+    ns1__scsiInfo*           origScsiInfo nullptr 1;
     std::string              sanId 1;
-    ns1__scsiInfo*  aliasScsiInfo nullptr 1;
+    ns1__scsiInfo*           aliasScsiInfo nullptr 1;
     std::string              sanVolumeId 1;
     std::string*             scsiId 0;
     ULONG64                  sizeInBytes 1;

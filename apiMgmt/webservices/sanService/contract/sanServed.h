@@ -7,7 +7,7 @@
 class ns1__Ping {
 };
 class ns1__PingResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__AddHccToSan {
@@ -18,7 +18,7 @@ class ns1__AddHccToSan {
     std::vector<ns1__IpAddressPort*> cfmIpAddresses 1;
 };
 class ns1__AddHccToSanResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__RemoveHccFromSan {
@@ -26,7 +26,7 @@ class ns1__RemoveHccFromSan {
     std::string                      hccId 1;
 };
 class ns1__RemoveHccFromSanResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__RenameHccInSan {
@@ -36,16 +36,16 @@ class ns1__RenameHccInSan {
     std::string                      name 1;
 };
 class ns1__RenameHccInSanResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__AddServer {
     std::string                          sanId 1;
-    ns1__hcnDiscoverableObject* hcnInfo nullptr 1;
+    ns1__hcnDiscoverableObject*          hcnInfo nullptr 1;
     std::vector<ns1__interfaceObject*>   intfInfo 0;
 };
 class ns1__AddServerResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__RemoveServer {
@@ -54,7 +54,7 @@ class ns1__RemoveServer {
     std::string                      hcnId 1;
 };
 class ns1__RemoveServerResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 // The only served operation whose reply carries no result object.
@@ -63,7 +63,7 @@ class ns1__NewPrimaryCfmAddresses {
     std::vector<ns1__IpAddressPort*> mgmtIpAddresses 1;
 };
 class ns1__NewPrimaryCfmAddressesResponse {
-    ns1__void*              return_ nullptr 1;
+    ns1__void*                       return_ nullptr 1;
 };
 
 class ns1__HccAttachVolume {
@@ -73,8 +73,8 @@ class ns1__HccAttachVolume {
     std::string                      sanVolumeId 1;
 };
 class ns1__HccAttachVolumeResponse {
-    ns1__scsiInfo*          origScsiInfo nullptr 1;
-    ns1__scsiInfo*          aliasScsiInfo nullptr 1;
+    ns1__scsiInfo*                   origScsiInfo nullptr 1;
+    ns1__scsiInfo*                   aliasScsiInfo nullptr 1;
 };
 
 class ns1__HccDetachVolume {
@@ -83,7 +83,7 @@ class ns1__HccDetachVolume {
     std::string                      sanVolumeId 1;
 };
 class ns1__HccDetachVolumeResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__MakeDataAvailable {
@@ -93,7 +93,7 @@ class ns1__MakeDataAvailable {
     std::string                      sanVolumeId 1;
 };
 class ns1__MakeDataAvailableResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__MakeDataUnavailable {
@@ -103,7 +103,7 @@ class ns1__MakeDataUnavailable {
     std::string                      sanVolumeId 1;
 };
 class ns1__MakeDataUnavailableResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__FlushComplete {
@@ -113,7 +113,7 @@ class ns1__FlushComplete {
     std::string                      snapshotId 1;
 };
 class ns1__FlushCompleteResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 
 class ns1__SnapshotPrepareComplete {
@@ -123,6 +123,6 @@ class ns1__SnapshotPrepareComplete {
     std::string                      snapshotId 1;
 };
 class ns1__SnapshotPrepareCompleteResponse {
-    ns1__resultObject*      return_ nullptr 1;
+    ns1__resultObject*               return_ nullptr 1;
 };
 // clang-format on

@@ -34,7 +34,7 @@ class ns1__InetAddress {
 };
 
 class ns1__IpAddressPort {
-    ns1__InetAddress*   ipAddress nullptr 1;
+    ns1__InetAddress*            ipAddress nullptr 1;
     ns1__InetPortNumber          port 1;
 };
 
@@ -56,8 +56,8 @@ class ns1__hcnDiscoverableObject {
     std::string*                             hostname 0;
     std::vector<ns1__IpAddressPort*>         mgmtIpAddresses 0;
     std::vector<ns1__IpAddressPort*>         cacheIpAddresses 0;
-    ns1__operatingSystemObject*     os nullptr 1;
-    ns1__versionInformationObject*  norvaneVersion nullptr 1;
+    ns1__operatingSystemObject*              os nullptr 1;
+    ns1__versionInformationObject*           norvaneVersion nullptr 1;
 };
 
 // One storage-facing interface of a node. Without intfType no transport type is known.

@@ -1,6 +1,8 @@
-// Operations of the interface family that clusters serve to others and this service does not: a
-// request for one of them ends in the fault for an unknown method. Their messages are declared so
-// that the generated code has the shape of the whole family; the members are left out.
+// Operations of the interface family that this service does not serve: a request for one of them
+// ends in the fault for an unknown method. Their messages are declared so that the generated code
+// has the shape of the whole family; the members are left out.
+//
+// How to serve one: move its two classes to sanServed.h, and go on as is said there.
 
 // clang-format off
 class ns1__GetVersion {};

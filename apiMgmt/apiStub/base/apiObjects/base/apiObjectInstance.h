@@ -7,8 +7,7 @@ class BASEApiObject;
 
 /// A reference to one object of the management API.
 ///
-///     APIObjectInstance("101.5", "TarnServer", "My Server").ToString()  // "101.5 TarnServer My
-///     Server"
+///     APIObjectInstance("7", "TarnServer", "My Server").ToString()  // "7 TarnServer My Server"
 class APIObjectInstance {
 public:
     APIObjectInstance(std::string instanceId, std::string objectType, std::string instanceName);

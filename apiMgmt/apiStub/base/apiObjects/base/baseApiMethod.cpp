@@ -18,6 +18,11 @@ bool Contains(const Names& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+APIMethodError NotSet(const std::string& names, std::int32_t line) {
+    return {ErrorStateEnum::InvalidRequest, kSource, line,
+            STRINGUtil::FormatStr("Required attribute %s not set", names.c_str())};
+}
+
 }  // namespace
 
 BASEApiMethod::BASEApiMethod(bool isAssociation) : m_isAssociation(isAssociation) {}
@@ -87,8 +92,7 @@ void BASEApiMethod::StoreText(const std::string& name, const std::string& text) 
 void BASEApiMethod::RequireAttributes(NameList names) const {
     for (const char* name : names)
         if (!IsAttributeSet(name))
-            throw APIMethodError(ErrorStateEnum::InvalidRequest, kSource, __LINE__,
-                                 STRINGUtil::FormatStr("Required attribute %s not set", name));
+            throw NotSet(name, __LINE__);
 }
 
 void BASEApiMethod::RequireOneOf(NameList names) const {
@@ -98,8 +102,7 @@ void BASEApiMethod::RequireOneOf(NameList names) const {
             return;
         all = STRINGUtil::AddToList(all, name);
     }
-    throw APIMethodError(ErrorStateEnum::InvalidRequest, kSource, __LINE__,
-                         STRINGUtil::FormatStr("Required attribute %s not set", all.c_str()));
+    throw NotSet(all, __LINE__);
 }
 
 std::string BASEApiMethod::RenderXML(bool async, bool xmlEncode, NameList unwritten) const {

@@ -9,7 +9,7 @@ class TARNStatusBaseApiObject : public TARNBaseApiObject {
     //            XML name       display name      kind              code bounds
     API_ATTRIBUTE(Status,        "Status",         ENUM<StatusEnum>, 25);
     API_ATTRIBUTE(ChildStatus,   "Child Status",   ENUM<StatusEnum>, 25);
-    API_ATTRIBUTE(StatusMessage, "Status Message", STRING,           32,  Between(-1, -1));
+    API_ATTRIBUTE(StatusMessage, "Status Message", STRING,           32,  Unbounded);
     // clang-format on
     API_ATTRIBUTE_LIST_THEN(TARNBaseApiObject, Status, ChildStatus, StatusMessage);
 };

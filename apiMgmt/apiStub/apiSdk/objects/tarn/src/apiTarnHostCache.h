@@ -48,8 +48,8 @@ class APITarnHostCache : public APITarnServer {
 };
 
 // To add a method: name it in the class above, state it here, register it in the source file.
-// The display name and the bounds of an attribute differ from method to method; the array's
-// messages quote them, so each stays as it is.
+// The display name and the bounds of an attribute differ from method to method; the messages of a
+// failed validation quote them, so each stays as it is.
 // clang-format off
 class APITarnHostCache::APITarnHostCacheGetMethod : public BASEApiMethod {
     API_METHOD(TarnHostCache, Get, false, Reporter);
