@@ -1,14 +1,9 @@
-// Runs a fuzz target without libFuzzer:
-//
-//     target [--runs N] [--seed S] FILE-OR-DIRECTORY...
-//
-// gives it every file as it is, then N inputs made by mutating them. The same seed (default 1)
-// makes the same inputs, so that a failing run can be repeated. What fails is in the file
-// crash-TARGET of the current directory afterwards.
+// Runs a fuzz target without libFuzzer; `usage` says how.
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -19,17 +14,37 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
 
+constexpr std::string_view usage = R"(usage: TARGET [--runs N] [--seed S] FILE-OR-DIRECTORY...
+
+Gives the target every file as it is, then N inputs (default 0) made by mutating them. The same
+seed (default 1) makes the same inputs, so that a failing run can be repeated. What fails is in
+the file crash-TARGET of the current directory afterwards.
+)";
+
+constexpr int usageError = 64;
 constexpr std::size_t maxInputSize = 8192;
 constexpr std::size_t maxRepeats = 64;
 constexpr std::size_t maxMutations = 4;
 
 using Random = std::mt19937_64;
+
+struct Options {
+    std::uint64_t runs = 0;
+    std::uint64_t seed = 1;
+    std::vector<std::string> seeds;
+};
+
+[[noreturn]] void refuse(std::string_view subject, std::string_view reason) {
+    std::cerr << subject << ": " << reason << '\n';
+    std::exit(usageError);
+}
 
 std::size_t below(Random& random, std::size_t limit) {
     return limit == 0 ? 0 : static_cast<std::size_t>(random() % limit);
@@ -72,6 +87,8 @@ std::string mutate(Random& random, const std::vector<std::string>& seeds) {
 
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
+    if (!file)
+        refuse(path.string(), "cannot be read");
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
@@ -86,6 +103,37 @@ void collect(const std::filesystem::path& path, std::vector<std::string>& seeds)
     }
     for (const auto& file : files)
         seeds.push_back(readFile(file));
+}
+
+std::uint64_t numberOf(std::string_view option, std::string_view text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size())
+        refuse(option, "needs a number");
+    return number;
+}
+
+Options optionsOf(const std::vector<std::string_view>& arguments) {
+    Options options;
+    for (auto at = arguments.begin(); at != arguments.end(); ++at) {
+        if (*at == "--help") {
+            std::cout << usage;
+            std::exit(0);
+        }
+        if (*at == "--runs" || *at == "--seed") {
+            const std::string_view option = *at;
+            if (++at == arguments.end())
+                refuse(option, "needs a number");
+            (option == "--runs" ? options.runs : options.seed) = numberOf(option, *at);
+        } else if (at->starts_with('-')) {
+            refuse(*at, "unknown option; see --help");
+        } else {
+            collect(*at, options.seeds);
+        }
+    }
+    if (options.seeds.empty())
+        refuse("no input files", "see --help");
+    return options;
 }
 
 /// `crashFile` holds the input that runs, so that it is there when the process dies of it. It is
@@ -105,30 +153,16 @@ void run(int crashFile, const std::string& input) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::uint64_t runs = 0;
-    std::uint64_t seed = 1;
-    std::vector<std::string> seeds;
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if ((argument == "--runs" || argument == "--seed") && i + 1 < argc) {
-            (argument == "--runs" ? runs : seed) = std::strtoull(argv[++i], nullptr, 10);
-        } else {
-            collect(argument, seeds);
-        }
-    }
-    if (seeds.empty()) {
-        std::cerr << "no input files\n";
-        return 64;
-    }
+    const Options options = optionsOf({argv + 1, argv + argc});
     const std::string path = "crash-" + std::filesystem::path(argv[0]).filename().string();
     const int crashFile = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    for (const std::string& input : seeds)
+    for (const std::string& input : options.seeds)
         run(crashFile, input);
-    Random random(seed);
-    for (std::uint64_t i = 0; i < runs; ++i)
-        run(crashFile, mutate(random, seeds));
+    Random random(options.seed);
+    for (std::uint64_t i = 0; i < options.runs; ++i)
+        run(crashFile, mutate(random, options.seeds));
     ::close(crashFile);
     std::filesystem::remove(path);
-    std::cout << seeds.size() << " files, " << runs << " mutated inputs\n";
+    std::cout << options.seeds.size() << " files, " << options.runs << " mutated inputs\n";
     return 0;
 }
