@@ -153,7 +153,7 @@ def log_daemon():
     """A log daemon where none runs; without one the C library writes every line to the console,
     at many times the cost."""
     collector = str(ROOT / "scripts" / "logCollector.py")
-    if subprocess.run([collector, "--probe"], check=False).returncode == 0:
+    if subprocess.run([collector, "--probe"], check=False, capture_output=True).returncode == 0:
         yield
     elif not os.access(LOG_SOCKET.parent, os.W_OK):
         print("no log daemon runs: the log lines of d cost more here than they would")

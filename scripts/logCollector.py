@@ -2,19 +2,22 @@
 """Collects what programs send to the system log, where no log daemon runs.
 
     logCollector.py FILE [SOCKET]
-    logCollector.py --probe [SOCKET]    only says whether one runs: status 0 when it does
+    logCollector.py --probe [SOCKET]    only says whether one runs: status 0 when it does, and
+                                        prints the FILE when it is another of this program
 
 Binds the socket (default /dev/log), appends each message to FILE with a time in front, and
 removes the socket when SIGTERM or SIGINT ends it. Ends with status 1 when a daemon listens there.
 """
 
 import os
+import pathlib
 import re
 import signal
 import socket
 import sys
 import time
 
+DEFAULT_SOCKET = "/dev/log"
 LONGEST = 65536
 PRIORITY = re.compile(rb"^<\d{1,3}>")
 # The sender's own time, as the C library writes it; the collector's has the date and zone.
@@ -31,6 +34,22 @@ def is_served(path):
             except OSError:
                 pass
     return False
+
+
+def collected_file(path):
+    """The file of the collector that runs at the path; nothing when it is a daemon that does.
+    Command lines tell, since they are gone with their process, however that ends."""
+    for command_line in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            words = command_line.read_bytes().decode(errors="replace").split("\0")[:-1]
+        except OSError:
+            continue  # ended meanwhile
+        if len(words) < 3 or os.path.basename(words[1]) != os.path.basename(__file__):
+            continue
+        file, served = (words[2:] + [DEFAULT_SOCKET])[:2]
+        if served == path and file != "--probe":
+            return file
+    return ""
 
 
 def bind(path):
@@ -53,9 +72,12 @@ def line_of(message):
 
 
 def main():
-    path = sys.argv[2] if len(sys.argv) > 2 else "/dev/log"
+    path = sys.argv[2] if len(sys.argv) > 2 else DEFAULT_SOCKET
     if sys.argv[1] == "--probe":
-        sys.exit(0 if is_served(path) else 1)
+        if not is_served(path):
+            sys.exit(1)
+        print(collected_file(path), end="")
+        sys.exit(0)
     for ending in (signal.SIGTERM, signal.SIGINT):
         signal.signal(ending, lambda *_: sys.exit(0))
     with open(sys.argv[1], "ab", buffering=0) as target, bind(path) as collector:

@@ -10,6 +10,8 @@ usage: scripts/run.sh [--port N] [--no-simulator] [--mpm event|prefork] [--build
 Builds a release and runs it on this machine's loopback: a private Apache httpd with the module
 and the plug-in, and an array simulator that stands in for the array's API manager. Prints the
 service's URLs when a Ping has been answered. Ctrl-C or SIGTERM ends everything that it started.
+Its files are in build/release/run/PORT. Runs of different ports can live beside each other: give
+the later ones --no-simulator, and they use the first one's simulator.
 
   --port N               TCP port of the service, by default 8080
   --no-simulator         an API manager is already there; it is looked for at the port of the
@@ -36,19 +38,32 @@ while [ $# -gt 0 ]; do
     [ $# -gt 0 ] && shift
 done
 case "$mpm" in event|prefork) ;; *) die "--mpm is event or prefork" ;; esac
-[[ "$port" =~ ^[0-9]{1,5}$ ]] && [ "$port" -ge 1 ] && [ "$port" -le 65535 ] ||
+[[ "$port" =~ ^[1-9][0-9]{0,4}$ ]] && [ "$port" -le 65535 ] ||
     die "--port is a number from 1 to 65535"
+
+release="$root/build/release"
+state="$release/run/$port"
+url="http://127.0.0.1:$port/sanService"
+api_port=$({ getent services ostrel-apimgr/tcp || true; } | awk '{ sub("/.*", "", $2); print $2 }')
+api_port=${api_port:-35000}
+
+is_taken() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
+refuse_port() { die "port $port is taken; choose another with --port"; }
+
+if [ "$run" = yes ]; then
+    ! is_taken "$port" || refuse_port
+    [ "$simulate" = no ] || ! is_taken "$api_port" || die "port $api_port is taken: is an API \
+manager there already? Then run with --no-simulator"
+fi
 
 install_packages build run
 build release mod_gsoap sanService sanSim simctl sanctl
 [ "$run" = yes ] || exit 0
 
-release="$root/build/release"
-state="$release/run"
-url="http://127.0.0.1:$port/sanService"
-api_port=$({ getent services ostrel-apimgr/tcp || true; } | awk '{ sub("/.*", "", $2); print $2 }')
-api_port=${api_port:-35000}
+# A run that is only starting has its port not yet, and has the lock of its folder.
 mkdir -p "$state"
+exec 9>"$state/lock"
+flock -n 9 || refuse_port
 
 # The process ids of what runs, in the order of its start.
 started=()
@@ -58,7 +73,7 @@ started=()
 start() {
     local name=$1
     shift
-    setsid "$@" </dev/null >>"$state/$name.log" 2>&1 &
+    setsid "$@" </dev/null >>"$state/$name.log" 2>&1 9>&- &
     started+=($!)
 }
 
@@ -82,12 +97,17 @@ all_run() {
     done
 }
 
-is_taken() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
-
-# Where the service's log lines go; without a log daemon they are collected into a file.
+# Where the service's log lines go; without a log daemon they are collected into a file. The
+# collector of another run takes the lines of this one as well.
 start_log_collector() {
-    log_place="the system log: journalctl -t SANService, or /var/log/syslog"
-    [ -S /dev/log ] && "$root/scripts/logCollector.py" --probe && return
+    if [ -S /dev/log ] && log_place=$("$root/scripts/logCollector.py" --probe); then
+        if [ -n "$log_place" ]; then
+            log_place+=" (of another run, while that lasts)"
+        else
+            log_place="the system log: journalctl -t SANService, or /var/log/syslog"
+        fi
+        return
+    fi
     if [ ! -w /dev ]; then
         log_place="nowhere: no log daemon listens on /dev/log, and only root can stand in for it"
         return
@@ -102,8 +122,6 @@ start_log_collector() {
 }
 
 start_simulator() {
-    is_taken "$api_port" && die "port $api_port is taken: is an API manager there already? \
-Then run with --no-simulator"
     # Its page stands next to the service; when that port is taken, on any free one.
     local page_port=$((port + 1))
     { [ "$page_port" -le 65535 ] && ! is_taken "$page_port"; } || page_port=0
@@ -159,7 +177,6 @@ TEXT
 
 start_apache() {
     modules=$(apxs -q LIBEXECDIR)
-    is_taken "$port" && die "port $port is taken; choose another with --port"
     write_configuration
     start apache /usr/sbin/apache2 -d "$state" -f "$state/httpd.conf" -DFOREGROUND
 }
@@ -232,7 +249,7 @@ Ctrl-C ends it.
 TEXT
 }
 
-rm -f "$state"/*.log
+rm -f "$state"/*.log "$state/httpd.pid"
 write_ping
 start_log_collector
 [ "$simulate" = no ] || start_simulator
