@@ -9,11 +9,12 @@ words, so that one comparison holds them to what the array answered. The scenari
               a detach and a leave, with texts beyond ASCII in both directions
 
 Without SAN_CLIENTS=all in the environment only zeep runs. With --versions the program prints the
-versions for the table in docs/clients.md instead.
+versions that are installed instead; docs/clients.md says how to call it.
 
 How to add one: its program beside this file, a row in CLIENTS, its packages as "all" in
 scripts/packages.txt, and its row in docs/clients.md.
 """
+import contextlib
 import dataclasses
 import os
 import pathlib
@@ -117,7 +118,14 @@ class ClientsTest(harness.ServiceCase):
                 self.assertEqual(len(joined), 1)
 
 
-if __name__ == "__main__" and "--versions" in sys.argv:
-    for client in CLIENTS:
+def installed_version(client):
+    with contextlib.suppress(FileNotFoundError):
         done = programs.run(*client.version, **client.environment)
-        print(f"{client.name}: {(done.stdout + done.stderr).strip()}")
+        if done.returncode == 0:
+            return done.stdout.strip()
+    return "not installed"
+
+
+if __name__ == "__main__" and "--versions" in sys.argv:
+    for each in CLIENTS:
+        print(f"{each.name}: {installed_version(each)}")
