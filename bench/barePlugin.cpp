@@ -81,8 +81,9 @@ public:
         syslog(LOG_WARNING, "%s", "level(4) category(SANService) message(Serving Ping request)");
 #endif
 #ifdef BARE_EXCHANGE
-        if (!exchangeOnce())
+        if (!exchangeOnce()) {
             return soap_receiverfault("The exchange failed", "");
+        }
 #endif
 #ifdef BARE_LOG
         closelog();

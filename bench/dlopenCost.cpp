@@ -40,8 +40,9 @@ struct Cost {
 /// The records of one type at the file offset; Fail when they do not lie inside the file.
 template <class Record>
 std::vector<Record> ReadRecords(const std::string& file, std::size_t offset, std::size_t count) {
-    if (offset > file.size() || count > (file.size() - offset) / sizeof(Record))
+    if (offset > file.size() || count > (file.size() - offset) / sizeof(Record)) {
         Fail("not a whole shared object");
+    }
     std::vector<Record> records(count);
     std::memcpy(records.data(), file.data() + offset, count * sizeof(Record));
     return records;
@@ -52,26 +53,31 @@ std::vector<std::string> NeededLibraries(const char* path) {
     std::ifstream stream(path, std::ios::binary);
     const std::string file((std::istreambuf_iterator<char>(stream)), {});
     const Elf64_Ehdr header = ReadRecords<Elf64_Ehdr>(file, 0, 1).front();
-    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64)
+    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+        header.e_ident[EI_CLASS] != ELFCLASS64) {
         Fail(std::string(path) + " is no 64-bit shared object");
+    }
     const auto sections = ReadRecords<Elf64_Shdr>(file, header.e_shoff, header.e_shnum);
     std::vector<std::string> names;
     for (const Elf64_Shdr& section : sections) {
-        if (section.sh_type != SHT_DYNAMIC || section.sh_link >= sections.size())
+        if (section.sh_type != SHT_DYNAMIC || section.sh_link >= sections.size()) {
             continue;
+        }
         const std::size_t count = section.sh_size / sizeof(Elf64_Dyn);
         for (const Elf64_Dyn& entry : ReadRecords<Elf64_Dyn>(file, section.sh_offset, count)) {
             const std::size_t name = sections[section.sh_link].sh_offset + entry.d_un.d_val;
-            if (entry.d_tag == DT_NEEDED && name < file.size())
+            if (entry.d_tag == DT_NEEDED && name < file.size()) {
                 names.emplace_back(file.c_str() + name);
+            }
         }
     }
     return names;
 }
 
 void Load(const char* path, int binding) {
-    if (!dlopen(path, binding | RTLD_GLOBAL))
+    if (!dlopen(path, binding | RTLD_GLOBAL)) {
         Fail(dlerror());
+    }
 }
 
 /// Memory that this process shares with no other and not with the page cache.
@@ -79,19 +85,21 @@ double PrivateKiB() {
     std::ifstream rollup("/proc/self/smaps_rollup");
     double total = 0;
     std::string word;
-    while (rollup >> word)
+    while (rollup >> word) {
         if (word == "Private_Dirty:") {
             double kib = 0;
             rollup >> kib;
             total += kib;
         }
+    }
     return total;
 }
 
 Cost Measure(const char* path, const std::vector<std::string>& before) {
-    for (const std::string& library : before)
+    for (const std::string& library : before) {
         Load(library.c_str(), RTLD_LAZY);  // the engine's calls back into generated code
-    PrivateKiB();                          // its own buffers are there from now on
+    }
+    PrivateKiB();  // its own buffers are there from now on
     const double held = PrivateKiB();
     const auto start = std::chrono::steady_clock::now();
     Load(path, RTLD_NOW);
@@ -102,8 +110,9 @@ Cost Measure(const char* path, const std::vector<std::string>& before) {
 
 Cost MeasureInChild(const char* path, const std::vector<std::string>& before) {
     int ends[2];
-    if (pipe(ends) != 0)
+    if (pipe(ends) != 0) {
         Fail("no pipe");
+    }
     const pid_t child = fork();
     if (child == 0) {
         const Cost cost = Measure(path, before);
@@ -113,10 +122,12 @@ Cost MeasureInChild(const char* path, const std::vector<std::string>& before) {
     close(ends[1]);
     const bool whole = child > 0 && read(ends[0], &cost, sizeof(cost)) == sizeof(cost);
     close(ends[0]);
-    if (child > 0)
+    if (child > 0) {
         waitpid(child, nullptr, 0);
-    if (!whole)
+    }
+    if (!whole) {
         Fail("a run gave no figures");
+    }
     return cost;
 }
 

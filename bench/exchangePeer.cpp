@@ -24,12 +24,14 @@ bool receiveAll(int peer, char* target, size_t size) {
 
 void answer(int peer, const std::string& reply) {
     uint32_t length = 0;
-    if (!receiveAll(peer, reinterpret_cast<char*>(&length), sizeof length))
+    if (!receiveAll(peer, reinterpret_cast<char*>(&length), sizeof length)) {
         return;
+    }
     constexpr uint32_t longest = 1 << 20;
     static std::vector<char> content(longest);
-    if (ntohl(length) > longest || !receiveAll(peer, content.data(), ntohl(length)))
+    if (ntohl(length) > longest || !receiveAll(peer, content.data(), ntohl(length))) {
         return;
+    }
     ::send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
 }
 
@@ -41,8 +43,9 @@ int listenLocally() {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (::bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
         ::listen(listener, SOMAXCONN) != 0 ||
-        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
         return -1;
+    }
     std::printf("%d\n", ntohs(address.sin_port));
     std::fflush(stdout);
     return listener;
@@ -58,12 +61,14 @@ int main(int argc, char** argv) {
     std::ifstream file(argv[1], std::ios::binary);
     const std::string reply((std::istreambuf_iterator<char>(file)), {});
     const int listener = listenLocally();
-    if (listener < 0 || reply.empty())
+    if (listener < 0 || reply.empty()) {
         return 1;
+    }
     for (;;) {
         const int peer = ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (peer < 0)
+        if (peer < 0) {
             continue;
+        }
         answer(peer, reply);
         ::close(peer);
     }

@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     std::printf("ready\n");
     std::fflush(stdout);
     std::vector<char> message(65536);
-    for (;;)
+    for (;;) {
         (void)::recv(log, message.data(), message.size(), 0);
+    }
 }

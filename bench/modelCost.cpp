@@ -24,8 +24,9 @@ template <class Round>
 void measure(benchmark::State& state, Round round) {
     round();  // descriptors are built on first use
     const std::size_t before = allocationCount();
-    for ([[maybe_unused]] auto _ : state)
+    for ([[maybe_unused]] auto _ : state) {
         round();
+    }
     state.counters["allocations"] =
         static_cast<double>(allocationCount() - before) / static_cast<double>(state.iterations());
 }

@@ -209,7 +209,7 @@ void printRatios() {
     AddHccToSan method;
     fill(method);
     const std::string requestFrame = frameOf(makeRequest(method));
-    const std::string replyBody = replyFrame.substr(ipcFraming::headerSize);
+    const std::string replyBody = replyFrame.substr(ipcFraming::kHeaderSize);
     Cost bare;
     Cost exchange;
     Cost stub;

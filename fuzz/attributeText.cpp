@@ -13,8 +13,9 @@ void judge(const BASEApiAttribute& attribute, const std::string& text) {
     } catch (const APIMethodError&) {
         // what it is there for
     }
-    for (int type = 0; type <= 9; ++type)
+    for (int type = 0; type <= 9; ++type) {
         attribute.ApplyFilter({attribute.GetXmlName(), FILTERType{type}, text}, text);
+    }
 }
 
 }  // namespace

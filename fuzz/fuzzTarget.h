@@ -14,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 }
 
 inline void require(bool holds) {
-    if (!holds)
+    if (!holds) {
         std::abort();
+    }
 }

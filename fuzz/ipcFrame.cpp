@@ -26,8 +26,9 @@ ipcFraming::FrameReader::State feed(ipcFraming::FrameReader& reader, std::string
 }  // namespace
 
 void drive(std::string_view bytes) {
-    if (bytes.empty())
+    if (bytes.empty()) {
         return;
+    }
     const std::size_t step = std::size_t{1} + static_cast<unsigned char>(bytes[0]);
     ipcFraming::FrameReader reader;
     protoIPCMsg::GPBIPCMsg message;

@@ -10,8 +10,9 @@ void drive(std::string_view bytes) {
     method.GetRecords();
 
     APISampleRecord record;
-    if (!record.Parse(text))
+    if (!record.Parse(text)) {
         return;
+    }
     const std::string written = record.ToXMLString(true);
     APISampleRecord copy;
     require(copy.Parse(written) && copy.ToXMLString(true) == written);

@@ -57,8 +57,9 @@ void mutateOnce(Random& random, std::string& input, const std::string& other) {
     const std::string part = input.substr(at, below(random, 64));
     switch (below(random, 5)) {
         case 0:
-            if (at < input.size())
+            if (at < input.size()) {
                 input[at] = static_cast<char>(input[at] ^ (1 << below(random, 8)));
+            }
             break;
         case 1:
             input.insert(at, 1,
@@ -72,23 +73,26 @@ void mutateOnce(Random& random, std::string& input, const std::string& other) {
             input = input.substr(0, at) + other.substr(below(random, other.size() + 1));
             break;
         default:
-            for (std::size_t times = below(random, maxRepeats); times > 0; --times)
+            for (std::size_t times = below(random, maxRepeats); times > 0; --times) {
                 input.insert(at, part);
+            }
     }
 }
 
 std::string mutate(Random& random, const std::vector<std::string>& seeds) {
     std::string input = seeds[below(random, seeds.size())];
-    for (std::size_t count = 1 + below(random, maxMutations); count > 0; --count)
+    for (std::size_t count = 1 + below(random, maxMutations); count > 0; --count) {
         mutateOnce(random, input, seeds[below(random, seeds.size())]);
+    }
     input.resize(std::min(input.size(), maxInputSize));
     return input;
 }
 
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file)
+    if (!file) {
         refuse(path.string(), "cannot be read");
+    }
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
@@ -97,19 +101,23 @@ void collect(const std::filesystem::path& path, std::vector<std::string>& seeds)
     if (!std::filesystem::is_directory(path)) {
         files.insert(path);
     } else {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(path))
-            if (entry.is_regular_file())
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(path)) {
+            if (entry.is_regular_file()) {
                 files.insert(entry.path());
+            }
+        }
     }
-    for (const auto& file : files)
+    for (const auto& file : files) {
         seeds.push_back(readFile(file));
+    }
 }
 
 std::uint64_t numberOf(std::string_view option, std::string_view text) {
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size())
+    if (error != std::errc() || end != text.data() + text.size()) {
         refuse(option, "needs a number");
+    }
     return number;
 }
 
@@ -122,8 +130,9 @@ Options optionsOf(const std::vector<std::string_view>& arguments) {
         }
         if (*at == "--runs" || *at == "--seed") {
             const std::string_view option = *at;
-            if (++at == arguments.end())
+            if (++at == arguments.end()) {
                 refuse(option, "needs a number");
+            }
             (option == "--runs" ? options.runs : options.seed) = numberOf(option, *at);
         } else if (at->starts_with('-')) {
             refuse(*at, "unknown option; see --help");
@@ -131,8 +140,9 @@ Options optionsOf(const std::vector<std::string_view>& arguments) {
             collect(*at, options.seeds);
         }
     }
-    if (options.seeds.empty())
+    if (options.seeds.empty()) {
         refuse("no input files", "see --help");
+    }
     return options;
 }
 
@@ -156,11 +166,13 @@ int main(int argc, char** argv) {
     const Options options = optionsOf({argv + 1, argv + argc});
     const std::string path = "crash-" + std::filesystem::path(argv[0]).filename().string();
     const int crashFile = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    for (const std::string& input : options.seeds)
+    for (const std::string& input : options.seeds) {
         run(crashFile, input);
+    }
     Random random(options.seed);
-    for (std::uint64_t i = 0; i < options.runs; ++i)
+    for (std::uint64_t i = 0; i < options.runs; ++i) {
         run(crashFile, mutate(random, options.seeds));
+    }
     ::close(crashFile);
     std::filesystem::remove(path);
     std::cout << options.seeds.size() << " files, " << options.runs << " mutated inputs\n";

@@ -43,8 +43,9 @@ void drive(std::string_view bytes) {
     // The envelope's tag repeats the namespaces that the client chose for SOAP and schema, so only
     // what is inside of it is judged.
     const std::size_t start = reply.find("<SOAP-ENV:Envelope");
-    if (start == std::string::npos)
+    if (start == std::string::npos) {
         return;
+    }
     parser::XMLParser reader(nullptr);
     if (!reader.ParseXMLString("<SOAP-ENV:Envelope" + reply.substr(reply.find('>', start)))) {
         std::fprintf(stderr, "unreadable reply:\n%s\n", reply.c_str());

@@ -8,8 +8,9 @@ std::size_t walk(const parser::XMLElement& element) {
     require(!element.GetElementName().empty());
     std::size_t bytes = element.GetElementName().size() + element.GetElementContent().size();
     for (const auto* child = element.GetFirstChild(); child != nullptr;
-         child = child->GetNextSibling())
+         child = child->GetNextSibling()) {
         bytes += walk(*child);
+    }
     return bytes;
 }
 
@@ -19,6 +20,7 @@ void drive(std::string_view bytes) {
     parser::XMLParser reader(nullptr);
     const bool read = reader.ParseXMLString(bytes);
     require(read == (reader.GetDocumentElement() != nullptr));
-    if (read)
+    if (read) {
         walk(*reader.GetDocumentElement());
+    }
 }

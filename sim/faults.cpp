@@ -95,13 +95,13 @@ void withoutCommand(GPBIPCMsg& message) {
 // ---- the bytes ----
 
 void announce(ReplyPlan& plan, std::uint32_t length) {
-    ipcFraming::encodeLength(
-        length, std::span<char, ipcFraming::headerSize>(plan.bytes.data(), ipcFraming::headerSize));
+    ipcFraming::encodeLength(length, std::span<char, ipcFraming::kHeaderSize>(
+                                         plan.bytes.data(), ipcFraming::kHeaderSize));
     plan.closeAfter = true;
 }
 
 void garbage(ReplyPlan& plan, Rule /*rule*/) {
-    std::fill(plan.bytes.begin() + ipcFraming::headerSize, plan.bytes.end(), '\xff');
+    std::fill(plan.bytes.begin() + ipcFraming::kHeaderSize, plan.bytes.end(), '\xff');
 }
 
 void otherProtocol(ReplyPlan& plan, Rule /*rule*/) {
@@ -113,7 +113,7 @@ void lengthZero(ReplyPlan& plan, Rule /*rule*/) {
     announce(plan, 0);
 }
 void lengthTooLong(ReplyPlan& plan, Rule /*rule*/) {
-    announce(plan, static_cast<std::uint32_t>(ipcFraming::maxBodySize) + 1);
+    announce(plan, static_cast<std::uint32_t>(ipcFraming::kMaxBodySize) + 1);
 }
 void lengthHuge(ReplyPlan& plan, Rule /*rule*/) {
     announce(plan, 0xFFFFFFFFU);

@@ -32,8 +32,9 @@ TEST(AddressText, picksTheTypeByTheFormOfTheHost) {
         {"node-1.example.com:443", "3|node-1.example.com|443"},
         {"1and1.example:443", "3|1and1.example|443"},
     };
-    for (const auto& [text, expected] : rows)
+    for (const auto& [text, expected] : rows) {
         EXPECT_EQ(address(text), expected);
+    }
     for (const std::string text :
          {"", "10.0.0.5", "10.0.0.5:", "10.0.0.5:65536", "10.0.0.5:-1", "10.0.0.5: 80",
           "10.0.0.5:80x", "10.0.0.256:80", "::1:80", "[10.0.0.5]:80", "[::1]80", "[::1", ":80",
@@ -55,8 +56,9 @@ TEST(AddressText, takesOnlyAKnownTransportOffAnInterface) {
         {"10:00:00:90:fa:c7:00:fc:fc", "10:00:00:90:fa:c7:00:fc|1"},
         {"iqn.2001-04.com.example:node", "iqn.2001-04.com.example:node|0"},
     };
-    for (const auto& [text, expected] : rows)
+    for (const auto& [text, expected] : rows) {
         EXPECT_EQ(interface(text), expected);
+    }
     EXPECT_THROW(interface(""), std::invalid_argument);
     EXPECT_THROW(interface(":fc"), std::invalid_argument);
 }

@@ -13,8 +13,9 @@ TEST(CallStatistics, percentilesAreValuesThatWereMet) {
     const std::vector<std::pair<double, double>> rows = {
         {0.01, 1}, {0.1, 1}, {0.11, 2}, {0.5, 5}, {0.9, 9}, {0.99, 10}, {1, 10},
     };
-    for (const auto& [share, expected] : rows)
+    for (const auto& [share, expected] : rows) {
         EXPECT_EQ(client::CallStatistics::percentile(values, share), expected) << share;
+    }
     EXPECT_EQ(client::CallStatistics::percentile({7}, 0.5), 7);
 }
 

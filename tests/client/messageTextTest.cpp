@@ -23,8 +23,9 @@ TEST(MessageText, masksEverySecretElementHoweverItIsWritten) {
         {"no XML < at all", "no XML < at all"},
         {"", ""},
     };
-    for (const auto& [message, expected] : rows)
+    for (const auto& [message, expected] : rows) {
         EXPECT_EQ(client::maskSecrets(message), expected);
+    }
 }
 
 TEST(MessageText, indentsByDepthAndKeepsText) {
@@ -34,8 +35,9 @@ TEST(MessageText, indentsByDepthAndKeepsText) {
         {"</a></a><b>", "</a>\n</a>\n<b>"},
         {"text <never ends", "text <never ends"},
     };
-    for (const auto& [message, expected] : rows)
+    for (const auto& [message, expected] : rows) {
         EXPECT_EQ(client::indentXml(message), expected);
+    }
 }
 
 TEST(MessageText, showsNoControlCharacterToATerminal) {

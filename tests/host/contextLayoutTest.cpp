@@ -12,8 +12,9 @@
 extern "C" const contextMember* contextLayoutInC(void);
 
 TEST(ContextLayout, IsTheSameInBothLanguages) {
-    for (size_t i = 0; i < std::size(contextLayout); ++i)
+    for (size_t i = 0; i < std::size(contextLayout); ++i) {
         EXPECT_EQ(contextLayoutInC()[i].offset, contextLayout[i].offset) << contextLayout[i].name;
+    }
 }
 
 // The library was built elsewhere: what it sets must lie where the headers say, from the first
@@ -29,7 +30,8 @@ TEST(ContextLayout, IsTheLibrarysOwn) {
     EXPECT_EQ(context->socket, SOAP_INVALID_SOCKET);
     constexpr int usualCompression = 6;
     EXPECT_EQ(context->z_level, usualCompression);
-    for (size_t at = 0; at < guardSize; ++at)
+    for (size_t at = 0; at < guardSize; ++at) {
         ASSERT_EQ(room[sizeof(struct soap) + at], filler);
+    }
     soap_done(context);
 }

@@ -32,8 +32,9 @@ int serveAndRegister(struct soap* context) {
         },
         nullptr);
     int registered = 0;
-    for (const soap_plugin* next = context->plugins; next != nullptr; next = next->next)
+    for (const soap_plugin* next = context->plugins; next != nullptr; next = next->next) {
         ++registered;
+    }
     struct soap copy(*context);
     const std::string seen = std::to_string(registered);
     copy.fsend(&copy, seen.c_str(), seen.size());
@@ -41,12 +42,15 @@ int serveAndRegister(struct soap* context) {
 }
 
 int serveOddly(struct soap* context) {
-    if (behaviour == "registers")
+    if (behaviour == "registers") {
         return serveAndRegister(context);
-    if (behaviour == "serves without a copy")
+    }
+    if (behaviour == "serves without a copy") {
         return serveWithoutCopy(context);
-    if (behaviour == "throws")
+    }
+    if (behaviour == "throws") {
         throw std::runtime_error("words of the plug-in that nobody is to see");
+    }
     if (behaviour == "throws midway") {
         context->fsend(context, "half a reply", 12);
         throw 42;
@@ -58,10 +62,11 @@ int serveOddly(struct soap* context) {
 
 PLUGIN_ENTRY void apache_init_soap_interface(apache_soap_interface* table) {
     fillEngineTable(*table, serveOddly);
-    if (behaviour == "other length")
+    if (behaviour == "other length") {
         table->length = 192;
-    else if (behaviour == "other revision")
+    } else if (behaviour == "other revision") {
         table->revision = 7;
-    else if (behaviour == "no serve function")
+    } else if (behaviour == "no serve function") {
         table->serve = nullptr;
+    }
 }

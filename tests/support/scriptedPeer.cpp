@@ -21,8 +21,9 @@ int listenOnFreePort(int& port) {
     socklen_t size = sizeof(address);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     if (fd < 0 || ::bind(fd, generic, size) != 0 || ::getsockname(fd, generic, &size) != 0 ||
-        ::listen(fd, 64) != 0)
+        ::listen(fd, 64) != 0) {
         throw std::runtime_error("unable to listen on loopback");
+    }
     port = ntohs(address.sin_port);
     return fd;
 }

@@ -9,26 +9,26 @@
 
 namespace {
 
-constexpr const char* serviceName = "ostrel-apimgr";
-constexpr const char* protocolName = "tcp";
-constexpr int defaultPort = 35000;
+constexpr const char* kServiceName = "ostrel-apimgr";
+constexpr const char* kProtocolName = "tcp";
+constexpr int kDefaultPort = 35000;
 // What the entry may need with all its aliases; a longer one counts as none.
-constexpr std::size_t firstBufferSize = 1024;
-constexpr std::size_t lastBufferSize = std::size_t{1024} * 1024;
+constexpr std::size_t kFirstBufferSize = 1024;
+constexpr std::size_t kLastBufferSize = std::size_t{1024} * 1024;
 
 int lookUpPort() {
-    for (std::size_t size = firstBufferSize; size <= lastBufferSize; size *= 4) {
+    for (std::size_t size = kFirstBufferSize; size <= kLastBufferSize; size *= 4) {
         std::vector<char> buffer(size);
         servent entry{};
         servent* found = nullptr;
-        const int error = getservbyname_r(serviceName, protocolName, &entry, buffer.data(),
+        const int error = getservbyname_r(kServiceName, kProtocolName, &entry, buffer.data(),
                                           buffer.size(), &found);
         if (error != ERANGE) {
             return found != nullptr ? ntohs(static_cast<std::uint16_t>(found->s_port))
-                                    : defaultPort;
+                                    : kDefaultPort;
         }
     }
-    return defaultPort;
+    return kDefaultPort;
 }
 
 std::atomic<int> cachedPort{0};

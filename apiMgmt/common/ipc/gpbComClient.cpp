@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr const char* sourceFile = "apiMgmt/common/ipc/gpbComClient";
+constexpr const char* kSource = "apiMgmt/common/ipc/gpbComClient";
 
 [[noreturn]] void fail(const GPBComEndpoint& peer, int line, const std::string& what) {
-    throw APISocketError(sourceFile, line,
+    throw APISocketError(kSource, line,
                          STRINGUtil::FormatStr("%s:%d: %s", peer.GetAddress().c_str(),
                                                peer.GetPort(), what.c_str()));
 }

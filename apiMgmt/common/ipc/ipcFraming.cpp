@@ -10,13 +10,13 @@
 
 namespace ipcFraming {
 
-void encodeLength(std::uint32_t bodySize, std::span<char, headerSize> header) {
-    for (std::size_t i = 0; i < headerSize; ++i) {
-        header[i] = static_cast<char>(bodySize >> (8 * (headerSize - 1 - i)) & 0xFFU);
+void encodeLength(std::uint32_t bodySize, std::span<char, kHeaderSize> header) {
+    for (std::size_t i = 0; i < kHeaderSize; ++i) {
+        header[i] = static_cast<char>(bodySize >> (8 * (kHeaderSize - 1 - i)) & 0xFFU);
     }
 }
 
-std::uint32_t decodeLength(std::span<const char, headerSize> header) {
+std::uint32_t decodeLength(std::span<const char, kHeaderSize> header) {
     std::uint32_t bodySize = 0;
     for (const char byte : header) {
         bodySize = bodySize << 8U | static_cast<unsigned char>(byte);
@@ -27,14 +27,14 @@ std::uint32_t decodeLength(std::span<const char, headerSize> header) {
 bool encodeFrame(const protoIPCMsg::GPBIPCMsg& message, std::string& frame) {
     frame.clear();
     const std::size_t bodySize = message.ByteSizeLong();
-    if (bodySize == 0 || bodySize > maxBodySize) {
+    if (bodySize == 0 || bodySize > kMaxBodySize) {
         return false;
     }
-    frame.resize(headerSize + bodySize);
+    frame.resize(kHeaderSize + bodySize);
     encodeLength(static_cast<std::uint32_t>(bodySize),
-                 std::span<char, headerSize>(frame.data(), headerSize));
+                 std::span<char, kHeaderSize>(frame.data(), kHeaderSize));
     message.SerializeWithCachedSizesToArray(
-        reinterpret_cast<std::uint8_t*>(frame.data() + headerSize));
+        reinterpret_cast<std::uint8_t*>(frame.data() + kHeaderSize));
     return true;
 }
 
@@ -51,7 +51,7 @@ std::span<char> FrameReader::room() {
 
 void FrameReader::grow() {
     // Only a known body can fill the buffer, since the header fits it by far.
-    const std::size_t capacity = std::min(2 * m_capacity, headerSize + m_bodySize);
+    const std::size_t capacity = std::min(2 * m_capacity, kHeaderSize + m_bodySize);
     auto larger = std::make_unique_for_overwrite<char[]>(capacity);
     std::memcpy(larger.get(), data(), m_filled);
     m_heap = std::move(larger);
@@ -60,20 +60,20 @@ void FrameReader::grow() {
 
 FrameReader::State FrameReader::added(std::size_t count) {
     m_filled += count;
-    if (m_bodySize == 0 && m_filled >= headerSize) {
-        m_bodySize = decodeLength(std::span<const char, headerSize>(data(), headerSize));
-        if (m_bodySize == 0 || m_bodySize > maxBodySize) {
+    if (m_bodySize == 0 && m_filled >= kHeaderSize) {
+        m_bodySize = decodeLength(std::span<const char, kHeaderSize>(data(), kHeaderSize));
+        if (m_bodySize == 0 || m_bodySize > kMaxBodySize) {
             m_state = State::badLength;
         }
     }
-    if (m_state == State::wantsMore && m_bodySize > 0 && m_filled >= headerSize + m_bodySize) {
+    if (m_state == State::wantsMore && m_bodySize > 0 && m_filled >= kHeaderSize + m_bodySize) {
         m_state = State::complete;
     }
     return m_state;
 }
 
 std::string_view FrameReader::body() const {
-    return m_state == State::complete ? std::string_view(data() + headerSize, m_bodySize)
+    return m_state == State::complete ? std::string_view(data() + kHeaderSize, m_bodySize)
                                       : std::string_view();
 }
 

@@ -23,16 +23,16 @@ class GPBIPCMsg;
 ///     }
 namespace ipcFraming {
 
-constexpr std::size_t headerSize = 4;
+constexpr std::size_t kHeaderSize = 4;
 /// The longest body that may be announced, in bytes (64 MiB). A length of 0 is an error too.
-constexpr std::size_t maxBodySize = std::size_t{64} * 1024 * 1024;
+constexpr std::size_t kMaxBodySize = std::size_t{64} * 1024 * 1024;
 
 /// Writes the length of a body as the four bytes of a header.
-void encodeLength(std::uint32_t bodySize, std::span<char, headerSize> header);
-std::uint32_t decodeLength(std::span<const char, headerSize> header);
+void encodeLength(std::uint32_t bodySize, std::span<char, kHeaderSize> header);
+std::uint32_t decodeLength(std::span<const char, kHeaderSize> header);
 
 /// Puts the header and the serialized message into `frame`, replacing what it held.
-/// False when the message is empty or longer than maxBodySize; `frame` is then empty.
+/// False when the message is empty or longer than kMaxBodySize; `frame` is then empty.
 bool encodeFrame(const protoIPCMsg::GPBIPCMsg& message, std::string& frame);
 
 /// Replaces `message` by the one in `body`. False when the bytes are not a GPBIPCMsg.

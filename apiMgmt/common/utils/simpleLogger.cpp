@@ -15,18 +15,21 @@ constexpr int kAllLevels = 0xFF;
 
 /// How many bytes the control character takes that the text begins with; 0 when it begins with
 /// something else. Beside those of ASCII there are U+0080 to U+009F: terminals obey them too.
-std::size_t ControlLength(std::string_view text) {
+std::size_t controlLength(std::string_view text) {
     const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    if (byte(0) < 0x20 || byte(0) == 0x7F)
+    if (byte(0) < 0x20 || byte(0) == 0x7F) {
         return 1;
+    }
     const bool high = byte(0) == 0xC2 && text.size() > 1 && byte(1) >= 0x80 && byte(1) <= 0x9F;
     return high ? 2 : 0;
 }
 
-std::size_t FindControl(std::string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i)
-        if (ControlLength(text.substr(i)) != 0)
+std::size_t findControl(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (controlLength(text.substr(i)) != 0) {
             return i;
+        }
+    }
     return std::string_view::npos;
 }
 
@@ -34,8 +37,9 @@ std::size_t FindControl(std::string_view text) {
 class OneLine {
 public:
     explicit OneLine(const std::string& text) : m_text(text) {
-        if (FindControl(text) != std::string_view::npos)
+        if (findControl(text) != std::string_view::npos) {
             Escape();
+        }
     }
     const char* c_str() const { return m_escaped.empty() ? m_text.c_str() : m_escaped.c_str(); }
 
@@ -43,9 +47,10 @@ private:
     void Escape() {
         constexpr const char* kHex = "0123456789abcdef";
         for (std::string_view rest = m_text; !rest.empty();) {
-            const std::size_t length = ControlLength(rest);
-            if (length == 0)
+            const std::size_t length = controlLength(rest);
+            if (length == 0) {
                 m_escaped.push_back(rest.front());
+            }
             for (std::size_t i = 0; i < length; ++i) {
                 const auto byte = static_cast<unsigned char>(rest[i]);
                 m_escaped.append("\\x").append({kHex[byte >> 4], kHex[byte & 0xF]});
@@ -94,8 +99,9 @@ int SimpleLogger::ConvertToSyslogPriority(LOGLevel level) {
 
 void SimpleLogger::DoLog(LOGLevel level, const char* file, const char* func, int line,
                          const std::string& category, const std::string& message) {
-    if ((level & logLevelMask.load(std::memory_order_relaxed)) == 0)
+    if ((level & logLevelMask.load(std::memory_order_relaxed)) == 0) {
         return;
+    }
     const int priority = ConvertToSyslogPriority(level);
     const OneLine categoryLine(category);
     const OneLine messageLine(message);

@@ -43,42 +43,50 @@ constexpr Reference kReferences[] = {
 /// looked through.
 constexpr auto kSpecial = [] {
     std::array<bool, 256> special{};
-    for (std::size_t control = 0; control < 0x20; ++control)
+    for (std::size_t control = 0; control < 0x20; ++control) {
         special[control] = true;
-    for (const Reference& reference : kReferences)
+    }
+    for (const Reference& reference : kReferences) {
         special[static_cast<unsigned char>(reference.character)] = true;
+    }
     return special;
 }();
 
 /// What stands for a character in an escaped text; empty when it stands for itself.
-std::string_view ReferenceOf(char character, bool markupOnly) {
-    if (!kSpecial[static_cast<unsigned char>(character)])
+std::string_view referenceOf(char character, bool markupOnly) {
+    if (!kSpecial[static_cast<unsigned char>(character)]) {
         return {};
-    for (const Reference& reference : kReferences)
-        if (reference.character == character && (reference.markup || !markupOnly))
+    }
+    for (const Reference& reference : kReferences) {
+        if (reference.character == character && (reference.markup || !markupOnly)) {
             return reference.text;
+        }
+    }
     const bool control = static_cast<unsigned char>(character) < 0x20;
     return control && !markupOnly ? kControlReference : std::string_view();
 }
 
 /// The reference that the text begins with, or null.
-const Reference* FindReference(std::string_view text, bool markupOnly) {
-    for (const Reference& reference : kReferences)
-        if ((reference.markup || !markupOnly) && text.starts_with(reference.text))
+const Reference* findReference(std::string_view text, bool markupOnly) {
+    for (const Reference& reference : kReferences) {
+        if ((reference.markup || !markupOnly) && text.starts_with(reference.text)) {
             return &reference;
+        }
+    }
     return nullptr;
 }
 
 /// Written out, since assert() is gone from a release and the rule is not.
-void RequireArgument(const void* argument, const char* name, int line) {
-    if (argument)
+void requireArgument(const void* argument, const char* name, int line) {
+    if (argument) {
         return;
+    }
     std::fprintf(stderr, "%s:%d: Assertion `%s' failed.\n", kSource, line, name);
     std::abort();
 }
 
 template <int (*Map)(int)>
-std::string MapBytes(std::string text) {
+std::string mapBytes(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char byte) { return static_cast<char>(Map(byte)); });
     return text;
@@ -100,10 +108,12 @@ std::string STRINGUtil::FormatList(const char* format, va_list args) {
     va_copy(copy, args);
     const int length = std::vsnprintf(buffer.data(), buffer.size(), format, copy);
     va_end(copy);
-    if (length < 0)
+    if (length < 0) {
         return std::string("Error in format string: \"") + format + "\"";
-    if (static_cast<std::size_t>(length) < buffer.size())
+    }
+    if (static_cast<std::size_t>(length) < buffer.size()) {
         return buffer.data();
+    }
 
     std::string text(static_cast<std::size_t>(length), '\0');
     va_copy(copy, args);
@@ -117,13 +127,15 @@ void STRINGUtil::SplitString(const std::string& text, const std::string& delimit
                              std::vector<std::string>& out, unsigned long maxParts) {
     assert(!delimiter.empty());
     out.clear();
-    if (text.empty())
+    if (text.empty()) {
         return;
+    }
     std::size_t position = 0;
     while (maxParts == 0 || out.size() + 1 < maxParts) {
         const std::size_t end = text.find(delimiter, position);
-        if (end == std::string::npos)
+        if (end == std::string::npos) {
             break;
+        }
         out.push_back(text.substr(position, end - position));
         position = end + delimiter.size();
     }
@@ -167,8 +179,9 @@ int STRINGUtil::Comparecase(const std::string& a, const std::string& b) {
 void STRINGUtil::ReplaceAll(std::string& text, const std::string& from, const std::string& to) {
     assert(!from.empty());
     std::size_t found = text.find(from);
-    if (found == std::string::npos)
+    if (found == std::string::npos) {
         return;
+    }
     std::string replaced;  // in place, every hit would move the rest of the text
     std::size_t position = 0;
     for (; found != std::string::npos; found = text.find(from, position)) {
@@ -193,25 +206,27 @@ void STRINGUtil::Trim(std::string& text) {
 }
 
 std::string STRINGUtil::ToUpperCase(const std::string& text) {
-    return MapBytes<std::toupper>(text);
+    return mapBytes<std::toupper>(text);
 }
 
 std::string STRINGUtil::ToLowerCase(const std::string& text) {
-    return MapBytes<std::tolower>(text);
+    return mapBytes<std::tolower>(text);
 }
 
 std::string STRINGUtil::EscapeString(const std::string& text, bool markupOnly) {
     std::size_t size = 0;
-    for (const char character : text)
-        size += std::max<std::size_t>(ReferenceOf(character, markupOnly).size(), 1);
+    for (const char character : text) {
+        size += std::max<std::size_t>(referenceOf(character, markupOnly).size(), 1);
+    }
     std::string escaped;
     escaped.reserve(size);  // every value of a request comes by here: one allocation, never two
     for (const char character : text) {
-        const std::string_view reference = ReferenceOf(character, markupOnly);
-        if (reference.empty())
+        const std::string_view reference = referenceOf(character, markupOnly);
+        if (reference.empty()) {
             escaped.push_back(character);
-        else
+        } else {
             escaped.append(reference);
+        }
     }
     return escaped;
 }
@@ -224,9 +239,10 @@ std::string STRINGUtil::UnEscapeString(const std::string& text, bool markupOnly)
         const std::size_t before = std::min(rest.find('&'), rest.size());
         plain.append(rest.substr(0, before));
         rest.remove_prefix(before);
-        if (rest.empty())
+        if (rest.empty()) {
             break;
-        const Reference* reference = FindReference(rest, markupOnly);
+        }
+        const Reference* reference = findReference(rest, markupOnly);
         plain.push_back(reference ? reference->character : '&');
         rest.remove_prefix(reference ? reference->text.size() : 1);
     }
@@ -239,9 +255,10 @@ std::string STRINGUtil::ExtractFilenameFromPath(const std::string& path) {
 
 char* STRINGUtil::SafeStrncpy(char* destination, const char* source, unsigned long size) {
     static char empty[1] = "";
-    RequireArgument(destination, "ipDestination", __LINE__);
-    if (size == 0)
+    requireArgument(destination, "ipDestination", __LINE__);
+    if (size == 0) {
         return empty;
+    }
     std::strncpy(destination, source ? source : "", source ? size : 1);
     destination[source ? size - 1 : 0] = '\0';
     return destination;
@@ -254,16 +271,18 @@ bool STRINGUtil::ParseIpV6Address(const std::string& text, std::string& address,
     if (slash != std::string::npos) {
         const char* end = text.data() + text.size();
         const auto [stop, error] = std::from_chars(text.data() + slash + 1, end, bits);
-        if (error != std::errc() || stop != end || bits < 0 || bits > kIpV6Bits)
+        if (error != std::errc() || stop != end || bits < 0 || bits > kIpV6Bits) {
             return false;
+        }
     }
     in6_addr binary;
     std::array<char, INET6_ADDRSTRLEN> spelling;
     const std::string spelled = text.substr(0, slash);
     if (spelled.find('\0') != std::string::npos ||
         inet_pton(AF_INET6, spelled.c_str(), &binary) != 1 ||
-        !inet_ntop(AF_INET6, &binary, spelling.data(), spelling.size()))
+        !inet_ntop(AF_INET6, &binary, spelling.data(), spelling.size())) {
         return false;
+    }
     address = spelling.data();
     prefixLength = bits;
     return true;
@@ -271,8 +290,9 @@ bool STRINGUtil::ParseIpV6Address(const std::string& text, std::string& address,
 
 std::string STRINGUtil::FormatBase36String(const std::string& text, char fill, unsigned int width) {
     const auto isDigit = [](unsigned char byte) { return byte < 0x80 && std::isalnum(byte); };
-    if (text.empty() || !std::all_of(text.begin(), text.end(), isDigit))
+    if (text.empty() || !std::all_of(text.begin(), text.end(), isDigit)) {
         return {};
+    }
     const std::string padding(width > text.size() ? width - text.size() : 0, fill);
     return padding + ToUpperCase(text);
 }

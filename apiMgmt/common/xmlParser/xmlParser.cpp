@@ -59,7 +59,7 @@ private:
         if (m_refused) {
             return;  // Expat may report what stood in the same token
         }
-        if (++m_depth > XMLParser::maxDepth || m_elements.size() == m_elements.capacity()) {
+        if (++m_depth > XMLParser::kMaxDepth || m_elements.size() == m_elements.capacity()) {
             refuse();
             return;
         }
@@ -137,7 +137,7 @@ std::string_view withoutUsualDeclaration(std::string_view text) {
 using ExpatParser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
 // What a parser took for its work it keeps; one that read more than this is not kept.
-constexpr std::size_t maxKeptSize = std::size_t{64} * 1024;
+constexpr std::size_t kMaxKeptSize = std::size_t{64} * 1024;
 
 /// The thread's own parser, ready for a document. Setting one up anew is a sixth of what a short
 /// reply takes.
@@ -161,21 +161,21 @@ XMLParser::XMLParser(const char* name) : m_name(name != nullptr ? name : "") {}
 bool XMLParser::ParseXMLString(std::string_view text) {
     m_elements.clear();
     m_text.clear();
-    if (text.size() > maxSize) {
+    if (text.size() > kMaxSize) {
         return false;
     }
     text = withoutUsualDeclaration(text);
     m_source.assign(text);
     m_text.reserve(text.size());
     const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
-    m_elements.reserve(std::min(tags, maxElements));
+    m_elements.reserve(std::min(tags, kMaxElements));
 
     thread_local ExpatParser kept(nullptr, &XML_ParserFree);
     XML_Parser expat = readyParser(kept);
     const DocumentBuilder builder(expat, m_source, m_text, m_elements);
     const bool read = XML_Parse(expat, m_source.data(), static_cast<int>(m_source.size()),
                                 XML_TRUE) == XML_STATUS_OK;
-    if (m_source.size() > maxKeptSize) {
+    if (m_source.size() > kMaxKeptSize) {
         kept.reset();
     }
     if (!read) {

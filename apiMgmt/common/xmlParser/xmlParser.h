@@ -16,14 +16,14 @@ namespace parser {
 ///         use(reader.GetDocumentElement()->GetChildElemContentByTag("Error"));
 ///
 /// Documents come from outside, so it refuses what a plain document has no use for: a document
-/// type declaration (and with it every entity of one's own), nesting beyond maxDepth, more than
-/// maxElements elements, more than maxSize bytes. The text is UTF-8, whatever its declaration
+/// type declaration (and with it every entity of one's own), nesting beyond kMaxDepth, more than
+/// kMaxElements elements, more than kMaxSize bytes. The text is UTF-8, whatever its declaration
 /// says.
 class XMLParser {
 public:
-    static constexpr std::size_t maxSize = std::size_t{64} * 1024 * 1024;
-    static constexpr std::size_t maxElements = 1'000'000;
-    static constexpr std::size_t maxDepth = 128;
+    static constexpr std::size_t kMaxSize = std::size_t{64} * 1024 * 1024;
+    static constexpr std::size_t kMaxElements = 1'000'000;
+    static constexpr std::size_t kMaxDepth = 128;
 
     /// `name` is what the parser calls itself to a debugger; it may be null.
     explicit XMLParser(const char* name);

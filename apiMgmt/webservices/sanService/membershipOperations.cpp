@@ -15,7 +15,7 @@ int SANService::Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* resp
 int SANService::AddHccToSan(SanApi::ns1__AddHccToSan* request,
                             SanApi::ns1__AddHccToSanResponse* response) {
     return ServeOperation(ServiceLog::kAddHcc, request, response, [&] {
-        const RequestRecords addresses = BuildAddressRecords(
+        const RequestRecords addresses = buildAddressRecords(
             request->cfmIpAddresses, ServiceLog::kAddHccSkip, MissingAddress::Warn);
         if (addresses.IsEmpty()) {
             return soap_senderfault("AddHccToSan: IpAddresses not specified or invalid", "");
@@ -66,10 +66,10 @@ int SANService::AddServer(SanApi::ns1__AddServer* request,
             method.SetOsType(node->os->osType);
             method.SetOsVersion(node->os->osRelease);
         }
-        const RequestRecords addresses = BuildAddressRecords(
+        const RequestRecords addresses = buildAddressRecords(
             node->mgmtIpAddresses, ServiceLog::kAddServerSkip, MissingAddress::Warn);
         method.SetIpv4AddressPortList(addresses.View());
-        const RequestRecords interfaces = BuildInterfaceRecords(request->intfInfo);
+        const RequestRecords interfaces = buildInterfaceRecords(request->intfInfo);
         if (!interfaces.IsEmpty()) {
             method.SetHcnStorageInterfaceList(interfaces.View());
         }
@@ -92,7 +92,7 @@ int SANService::NewPrimaryCfmAddresses(SanApi::ns1__NewPrimaryCfmAddresses* requ
     return ServeOperation(ServiceLog::kNewCfm, request, response, [&] {
         APITarnHostCache::APITarnHostCacheNewPrimaryCfmAddressMethod method;
         method.SetHccId(request->hccId);
-        const RequestRecords addresses = BuildAddressRecords(
+        const RequestRecords addresses = buildAddressRecords(
             request->mgmtIpAddresses, ServiceLog::kNewCfmSkip, MissingAddress::Ignore);
         if (!addresses.IsEmpty()) {
             method.SetManagementIpAddressList(addresses.View());

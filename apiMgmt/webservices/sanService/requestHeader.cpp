@@ -8,13 +8,13 @@
 namespace {
 
 // The version of the messages that this service speaks, as the contract states it.
-std::string ContractVersion() {
+std::string contractVersion() {
     SanApi::ns1__HccApiXsd xsd;
     xsd.soap_default(nullptr);
     return xsd.version;
 }
 
-const std::string kFullVersion = ContractVersion();
+const std::string kFullVersion = contractVersion();
 const std::string kMajorVersion = kFullVersion.substr(0, kFullVersion.find('.', 0));
 const std::string kVersionPrefix = kMajorVersion + ".";
 

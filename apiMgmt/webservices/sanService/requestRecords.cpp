@@ -9,7 +9,7 @@ namespace {
 
 // The text of whichever kind of address the entry carries; null when it carries none. The kind
 // is not looked at: the record turns what is no IPv4 address into "0.0.0.0".
-const std::string* AddressText(const SanApi::ns1__InetAddress& address) {
+const std::string* addressText(const SanApi::ns1__InetAddress& address) {
     const auto& choice = address.union_InetAddress;
     switch (address.__union_InetAddress) {
         case SOAP_UNION_SanApi_ns1__union_InetAddress_ipv4Addr:
@@ -26,7 +26,7 @@ const std::string* AddressText(const SanApi::ns1__InetAddress& address) {
 }
 
 // The transport that a kind of interface stands for; a kind that is not known sets none.
-std::optional<FrontEndTransportTypeEnum> TransportOf(SanApi::ns1__InterfaceType type) {
+std::optional<FrontEndTransportTypeEnum> transportOf(SanApi::ns1__InterfaceType type) {
     switch (type) {
         case SanApi::ns1__InterfaceType__unknown:
             return FrontEndTransportTypeEnum::Unknown;
@@ -41,7 +41,7 @@ std::optional<FrontEndTransportTypeEnum> TransportOf(SanApi::ns1__InterfaceType 
 
 }  // namespace
 
-RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
+RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
                                    const ServiceLog::FixedEntry& skipped, MissingAddress missing) {
     RequestRecords records;
     for (const SanApi::ns1__IpAddressPort* entry : entries) {
@@ -50,7 +50,7 @@ RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*
             continue;
         }
         const std::string* text =
-            entry->ipAddress != nullptr ? AddressText(*entry->ipAddress) : nullptr;
+            entry->ipAddress != nullptr ? addressText(*entry->ipAddress) : nullptr;
         if (text == nullptr || text->empty()) {
             continue;
         }
@@ -62,7 +62,7 @@ RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*
     return records;
 }
 
-RequestRecords BuildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries) {
+RequestRecords buildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries) {
     RequestRecords records;
     for (const SanApi::ns1__interfaceObject* entry : entries) {
         if (entry == nullptr) {
@@ -70,7 +70,7 @@ RequestRecords BuildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObj
         }
         auto record = std::make_unique<APINorvaneInterfaceInformation>();
         if (entry->intfType != nullptr) {
-            if (const auto transport = TransportOf(*entry->intfType)) {
+            if (const auto transport = transportOf(*entry->intfType)) {
                 record->SetInterfaceType(*transport);
             }
         }

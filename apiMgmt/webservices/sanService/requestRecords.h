@@ -32,8 +32,8 @@ enum class MissingAddress { Warn, Ignore };
 /// One APIIpv4AddressPort for each usable entry. An entry that is nil is skipped with the line
 /// @p skipped, one without an address element as @p missing says, one whose address has no text
 /// without a word.
-RequestRecords BuildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
+RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
                                    const ServiceLog::FixedEntry& skipped, MissingAddress missing);
 
 /// One APINorvaneInterfaceInformation for each entry that is not nil.
-RequestRecords BuildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries);
+RequestRecords buildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries);

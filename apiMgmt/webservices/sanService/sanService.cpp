@@ -20,7 +20,7 @@ static_assert(kStringMode == SOAP_C_UTFSTRING);
 constexpr int kAllLevels = 127;
 constexpr int kOldestProtobuf = 2005000;
 
-void LimitInput(soap& context) {
+void limitInput(soap& context) {
     // References between elements are no part of the contract; following them only lets a client
     // burn processor time.
     soap_set_imode(&context, SOAP_XML_TREE);
@@ -39,7 +39,7 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
       m_apiMgrAddress(apiMgrAddress),
       m_apiMgrPort(apiMgrPort) {
     SanApiPortBindingService_init(kStringMode, kStringMode);
-    LimitInput(*this);
+    limitInput(*this);
     // The reply reaches the web server in one piece instead of one for each tag.
     soap_set_omode(this, SOAP_IO_BUFFER);
     google::protobuf::internal::VerifyVersion(GOOGLE_PROTOBUF_VERSION, kOldestProtobuf,

@@ -11,7 +11,7 @@
 namespace {
 
 // The SCSI identities that a return carries, or null. Owned by the return.
-const APINorvaneScsiInformation* ScsiInformationOf(const BASEApiMethodReturn* ret) {
+const APINorvaneScsiInformation* scsiInformationOf(const BASEApiMethodReturn* ret) {
     const auto* typed = dynamic_cast<const METHODObjectMethodReturn*>(ret);
     return typed != nullptr ? dynamic_cast<const APINorvaneScsiInformation*>(typed->GetObject())
                             : nullptr;
@@ -39,7 +39,7 @@ int SANService::HccAttachVolume(SanApi::ns1__HccAttachVolume* request,
         if (const int refused = ParseXMLResponse(&unused, ret.get()); refused != SOAP_OK) {
             return refused;
         }
-        const APINorvaneScsiInformation* scsi = ScsiInformationOf(ret.get());
+        const APINorvaneScsiInformation* scsi = scsiInformationOf(ret.get());
         if (scsi == nullptr) {
             return soap_receiverfault("Failed to attach volume", "");
         }

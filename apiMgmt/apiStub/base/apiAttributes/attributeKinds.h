@@ -133,14 +133,16 @@ struct ENUMMASK : UNBOUNDED<ENUMMASKApiAttribute, std::vector<Enum>> {
                              const std::vector<Enum>& value) {
         std::vector<std::string> names;
         names.reserve(value.size());
-        for (const Enum item : value)
+        for (const Enum item : value) {
             names.push_back(GetEnumIdStrList(item).GetXmlName(item));
+        }
         return attribute.ToString(names);
     }
     static std::vector<Enum> Parse(const ENUMMASKApiAttribute& attribute, const std::string& text) {
         std::vector<Enum> items;
-        for (const std::string& name : attribute.ParseString(text))
+        for (const std::string& name : attribute.ParseString(text)) {
             items.push_back(GetEnumIdStrList(Enum{}).GetId(name));
+        }
         return items;
     }
 };
@@ -166,12 +168,14 @@ struct METHODOBJECTARRAY
         const METHODOBJECTARRAYApiAttribute& /*attribute*/, const std::string& text) {
         std::vector<std::unique_ptr<Record>> records;
         parser::XMLParser reader(nullptr);
-        if (!reader.ParseXMLString("<list>" + text + "</list>"))
+        if (!reader.ParseXMLString("<list>" + text + "</list>")) {
             return records;
+        }
         const auto elements =
             reader.GetDocumentElement()->GetChildElemsByTagName(Record::GetObjectNameStatic());
-        for (const parser::XMLElement* element : elements)
+        for (const parser::XMLElement* element : elements) {
             records.emplace_back(std::make_unique<Record>())->ParseElemNode(element);
+        }
         return records;
     }
 };

@@ -101,18 +101,20 @@ namespace apiKind {
 
 template <class Kind, class Owner>
 typename Kind::Value Load(const Owner& owner, const typename Kind::Attribute& attribute) {
-    if constexpr (Kind::isMarkup)
+    if constexpr (Kind::isMarkup) {
         return Kind::Parse(attribute, owner.GetStringDirect(attribute.GetXmlName()));
-    else
+    } else {
         return Kind::Parse(attribute, owner.LoadText(attribute.GetXmlName()));
+    }
 }
 
 template <class Kind, class Owner>
 void Store(Owner& owner, const typename Kind::Attribute& attribute, typename Kind::Argument value) {
-    if constexpr (Kind::isMarkup)
+    if constexpr (Kind::isMarkup) {
         owner.PutStringDirect(attribute.GetXmlName(), Kind::Print(attribute, value));
-    else
+    } else {
         owner.StoreText(attribute.GetXmlName(), Kind::Print(attribute, value));
+    }
 }
 
 inline APIAttributeList Joined(APIAttributeList first, const APIAttributeList& second) {

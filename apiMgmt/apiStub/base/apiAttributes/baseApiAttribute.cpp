@@ -32,10 +32,11 @@ BASEApiAttribute::BASEAttributeProperties::~BASEAttributeProperties() = default;
 
 BASEApiAttribute::BASEApiAttribute(std::unique_ptr<const BASEAttributeProperties> properties)
     : m_properties(std::move(properties)) {
-    if (!m_properties)
+    if (!m_properties) {
         throw APIMethodError("Base API Attribute constructor: NULL pointer for properties",
                              ErrorStateEnum::InvalidArguments, kSource, __LINE__,
                              kNullPropertiesMsg, nullptr);
+    }
 }
 
 BASEApiAttribute::BASEApiAttribute(const std::string& xmlName, std::int32_t code, bool firstFlag,
@@ -51,5 +52,5 @@ bool BASEApiAttribute::Validate(const std::string& /*value*/) const {
 
 bool BASEApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                    const std::string& value) const {
-    return MatchesText(filter, value);
+    return matchesText(filter, value);
 }

@@ -60,7 +60,7 @@ public:
 
     /// Whether an object whose attribute has this text passes the condition. An empty value
     /// never does, nor does any under an operator that the kind does not know. A kind without
-    /// a rule of its own compares its whole text as MatchesText (filterMatching.h) says.
+    /// a rule of its own compares its whole text as matchesText (filterMatching.h) says.
     virtual bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const = 0;
 
     const BASEAttributeProperties& GetProperties() const { return *m_properties; }

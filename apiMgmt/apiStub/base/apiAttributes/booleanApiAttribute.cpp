@@ -15,5 +15,5 @@ bool BOOLEANApiAttribute::ParseString(const std::string& text) const {
 bool BOOLEANApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                       const std::string& value) const {
     return !value.empty() &&
-           MatchesOrder(filter.GetType(), ParseString(value) <=> ParseString(filter.GetValue()));
+           matchesOrder(filter.GetType(), ParseString(value) <=> ParseString(filter.GetValue()));
 }

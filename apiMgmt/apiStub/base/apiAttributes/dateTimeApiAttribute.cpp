@@ -14,8 +14,9 @@ DATETimeObject DATETIMEApiAttribute::ParseString(const std::string& text) const 
 
 bool DATETIMEApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                        const std::string& value) const {
-    if (value.empty())
+    if (value.empty()) {
         return false;
-    const int order = ParseString(value).Compare(ParseString(FilterText(filter)));
-    return MatchesOrder(filter.GetType(), order <=> 0);
+    }
+    const int order = ParseString(value).Compare(ParseString(filterText(filter)));
+    return matchesOrder(filter.GetType(), order <=> 0);
 }

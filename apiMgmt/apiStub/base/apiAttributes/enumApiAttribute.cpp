@@ -11,5 +11,5 @@ std::string ENUMApiAttribute::ParseString(const std::string& text) const {
 
 bool ENUMApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                    const std::string& value) const {
-    return MatchesText(filter, ParseString(value));
+    return matchesText(filter, ParseString(value));
 }

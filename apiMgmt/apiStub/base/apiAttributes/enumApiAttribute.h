@@ -13,6 +13,6 @@ public:
     /// Drops white space at both ends.
     std::string ParseString(const std::string& text) const;
 
-    /// Compares the names as MatchesText does.
+    /// Compares the names as matchesText does.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

@@ -15,8 +15,8 @@ struct ENUMIdStr {
 /// The part of a list that does not depend on the enumeration.
 namespace enumList {
 /// True when `text` is a decimal number and nothing else; a number beyond int is clamped.
-bool ParseNumber(std::string_view text, int& number);
-bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+bool parseNumber(std::string_view text, int& number);
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
 }  // namespace enumList
 
 /// The items of an enumeration with look-up both ways. A constant without start-up code.
@@ -46,17 +46,21 @@ public:
 
     /// Names are compared ignoring case.
     Enum GetId(std::string_view xmlName) const {
-        for (const auto& row : m_rows)
-            if (enumList::EqualsIgnoringCase(row.xmlName, xmlName))
+        for (const auto& row : m_rows) {
+            if (enumList::equalsIgnoringCase(row.xmlName, xmlName)) {
                 return row.id;
+            }
+        }
         int number = 0;
-        return enumList::ParseNumber(xmlName, number) ? Enum{number} : m_fallback;
+        return enumList::parseNumber(xmlName, number) ? Enum{number} : m_fallback;
     }
     /// The item with that display text, ignoring case; the fallback when there is none.
     Enum GetIdFromDisplayText(std::string_view displayText) const {
-        for (const auto& row : m_rows)
-            if (enumList::EqualsIgnoringCase(row.displayText, displayText))
+        for (const auto& row : m_rows) {
+            if (enumList::equalsIgnoringCase(row.displayText, displayText)) {
                 return row.id;
+            }
+        }
         return m_fallback;
     }
     std::string GetXmlName(Enum id) const {
@@ -73,9 +77,11 @@ public:
 
 private:
     const ENUMIdStr<Enum>* Find(Enum id) const {
-        for (const auto& row : m_rows)
-            if (row.id == id)
+        for (const auto& row : m_rows) {
+            if (row.id == id) {
                 return &row;
+            }
+        }
         return nullptr;
     }
 

@@ -4,7 +4,7 @@
 #include "apiMgmt/common/utils/stringUtil.h"
 
 std::string ENUMMASKApiAttribute::ToString(const std::vector<std::string>& value) const {
-    return JoinItems(value, " ");
+    return joinItems(value, " ");
 }
 
 std::vector<std::string> ENUMMASKApiAttribute::ParseString(const std::string& text) const {

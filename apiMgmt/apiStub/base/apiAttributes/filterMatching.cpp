@@ -3,7 +3,7 @@
 #include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
-bool MatchesOrder(FILTERType type, std::weak_ordering order) {
+bool matchesOrder(FILTERType type, std::weak_ordering order) {
     switch (type) {
         case FILTERType::Equal:
             return std::is_eq(order);
@@ -20,19 +20,20 @@ bool MatchesOrder(FILTERType type, std::weak_ordering order) {
     }
 }
 
-bool MatchesText(const APIAttributeFilter& filter, const std::string& value) {
-    if (value.empty())
+bool matchesText(const APIAttributeFilter& filter, const std::string& value) {
+    if (value.empty()) {
         return false;
-    const std::string text = FilterText(filter);
+    }
+    const std::string text = filterText(filter);
     const FILTERType type = filter.GetType();
     if (type == FILTERType::Contains || type == FILTERType::StartsWith) {
         const auto at = STRINGUtil::ToLowerCase(value).find(STRINGUtil::ToLowerCase(text));
         return type == FILTERType::StartsWith ? at == 0 : at != std::string::npos;
     }
-    return MatchesOrder(type, STRINGUtil::Comparecase(value, text) <=> 0);
+    return matchesOrder(type, STRINGUtil::Comparecase(value, text) <=> 0);
 }
 
-std::string FilterText(const APIAttributeFilter& filter) {
+std::string filterText(const APIAttributeFilter& filter) {
     std::string text = filter.GetValue();
     STRINGUtil::ReplaceAll(text, kEscapedHyphen, "-");
     return text;

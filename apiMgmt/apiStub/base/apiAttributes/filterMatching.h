@@ -12,12 +12,12 @@ class APIAttributeFilter;
 
 /// Whether two values that compare as `order` satisfy an operator from 2 ("=") to 6 ("<=");
 /// false for every other operator.
-bool MatchesOrder(FILTERType type, std::weak_ordering order);
+bool matchesOrder(FILTERType type, std::weak_ordering order);
 
-/// Text against the condition's text, ignoring case: the operators of MatchesOrder, and
+/// Text against the condition's text, ignoring case: the operators of matchesOrder, and
 /// "iqin" (the value contains the condition's text) and "iqs" (the value begins with it).
 /// "&hy&" in the condition stands for a hyphen. An empty value never matches.
-bool MatchesText(const APIAttributeFilter& filter, const std::string& value);
+bool matchesText(const APIAttributeFilter& filter, const std::string& value);
 
 /// The condition's comparison value with every "&hy&" turned back into a hyphen.
-std::string FilterText(const APIAttributeFilter& filter);
+std::string filterText(const APIAttributeFilter& filter);

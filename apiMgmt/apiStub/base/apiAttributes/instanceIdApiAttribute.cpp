@@ -4,5 +4,5 @@
 
 bool INSTANCEIDApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                          const std::string& value) const {
-    return MatchesText(filter, value);
+    return matchesText(filter, value);
 }

@@ -12,6 +12,6 @@ public:
     std::string ToString(std::string value) const { return value; }
     std::string ParseString(std::string text) const { return text; }
 
-    /// Ids are names: compares as MatchesText does, not by number.
+    /// Ids are names: compares as matchesText does, not by number.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

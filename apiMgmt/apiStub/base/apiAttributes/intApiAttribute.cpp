@@ -75,24 +75,28 @@ std::int64_t INTApiAttribute::ParseString(const std::string& text) const {
 
 bool INTApiAttribute::Validate(const std::string& value) const {
     const auto* bounds = dynamic_cast<const INTAttributeProperties*>(&GetProperties());
-    if (!bounds)
+    if (!bounds) {
         return true;
+    }
     const std::int64_t number = ParseString(value);
     const std::int64_t minimum = bounds->GetMinimum();
     const std::int64_t maximum = bounds->GetMaximum();
     const bool tooSmall = minimum >= 0 && number < minimum;
     const bool tooLarge = maximum >= 0 && number > maximum;
-    if (!tooSmall && !tooLarge)
+    if (!tooSmall && !tooLarge) {
         return true;
-    if (minimum < 0)
+    }
+    if (minimum < 0) {
         ThrowAboveMaximum(GetDisplayName(), number, maximum);
-    if (maximum < 0)
+    }
+    if (maximum < 0) {
         ThrowBelowMinimum(GetDisplayName(), number, minimum);
+    }
     ThrowOutsideBoth(GetDisplayName(), number, minimum, maximum);
 }
 
 bool INTApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                   const std::string& value) const {
     return !value.empty() &&
-           MatchesOrder(filter.GetType(), ParseString(value) <=> ParseString(filter.GetValue()));
+           matchesOrder(filter.GetType(), ParseString(value) <=> ParseString(filter.GetValue()));
 }

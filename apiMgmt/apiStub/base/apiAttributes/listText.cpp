@@ -2,20 +2,21 @@
 
 #include "apiMgmt/common/utils/stringUtil.h"
 
-std::string JoinItems(const std::vector<std::string>& items, const std::string& separator) {
+std::string joinItems(const std::vector<std::string>& items, const std::string& separator) {
     std::string text;
     for (const std::string& item : items) {
-        if (&item != &items.front())
+        if (&item != &items.front()) {
             text += separator;
+        }
         text += item;
     }
     return text;
 }
 
-void EscapeListItem(std::string& item) {
+void escapeListItem(std::string& item) {
     STRINGUtil::ReplaceAll(item, kListSeparator, kEscapedListSeparator);
 }
 
-void UnescapeListItem(std::string& item) {
+void unescapeListItem(std::string& item) {
     STRINGUtil::ReplaceAll(item, kEscapedListSeparator, kListSeparator);
 }

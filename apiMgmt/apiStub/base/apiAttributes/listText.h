@@ -7,6 +7,6 @@
 inline constexpr const char* kListSeparator = ":";
 inline constexpr const char* kEscapedListSeparator = "-co-";
 
-std::string JoinItems(const std::vector<std::string>& items, const std::string& separator);
-void EscapeListItem(std::string& item);
-void UnescapeListItem(std::string& item);
+std::string joinItems(const std::vector<std::string>& items, const std::string& separator);
+void escapeListItem(std::string& item);
+void unescapeListItem(std::string& item);

@@ -5,9 +5,11 @@
 std::string METHODOBJECTARRAYApiAttribute::ToString(
     const std::vector<const BASEApiMethodObject*>& value) const {
     std::string text;
-    for (const BASEApiMethodObject* item : value)
-        if (item)
+    for (const BASEApiMethodObject* item : value) {
+        if (item) {
             text += item->ToXMLString(true);
+        }
+    }
     return text;
 }
 

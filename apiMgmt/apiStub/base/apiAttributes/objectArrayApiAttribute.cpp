@@ -9,9 +9,10 @@
 std::string OBJECTARRAYApiAttribute::ToString(const std::vector<APIObjectInstance>& value) const {
     std::vector<std::string> items;
     items.reserve(value.size());
-    for (const APIObjectInstance& instance : value)
-        EscapeListItem(items.emplace_back(instance.ToString()));
-    return JoinItems(items, kListSeparator);
+    for (const APIObjectInstance& instance : value) {
+        escapeListItem(items.emplace_back(instance.ToString()));
+    }
+    return joinItems(items, kListSeparator);
 }
 
 std::vector<APIObjectInstance> OBJECTARRAYApiAttribute::ParseString(const std::string& text) const {
@@ -21,9 +22,10 @@ std::vector<APIObjectInstance> OBJECTARRAYApiAttribute::ParseString(const std::s
     instances.reserve(items.size());
     for (std::string& item : items) {
         STRINGUtil::Trim(item);
-        UnescapeListItem(item);
-        if (!item.empty())
+        unescapeListItem(item);
+        if (!item.empty()) {
             instances.push_back(*APIObjectInstance::ParseString(item));
+        }
     }
     return instances;
 }

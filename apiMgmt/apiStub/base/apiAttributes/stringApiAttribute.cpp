@@ -100,23 +100,28 @@ STRINGApiAttribute::STRINGApiAttribute(std::unique_ptr<const BASEAttributeProper
 
 bool STRINGApiAttribute::Validate(const std::string& value) const {
     const auto* bounds = dynamic_cast<const STRINGAttributeProperties*>(&GetProperties());
-    if (!bounds)
+    if (!bounds) {
         return true;
+    }
     const std::int64_t minimum = bounds->GetMinimumLength();
     const std::int64_t maximum = bounds->GetMaximumLength();
     const auto length = static_cast<std::int64_t>(value.size());
-    if (minimum == 0 && maximum == 0)
+    if (minimum == 0 && maximum == 0) {
         return true;
-    if (minimum >= 0 && minimum > length)
+    }
+    if (minimum >= 0 && minimum > length) {
         ThrowTooShort(GetDisplayName(), value, minimum);
-    if (maximum >= 0 && maximum < length)
+    }
+    if (maximum >= 0 && maximum < length) {
         ThrowTooLong(GetDisplayName(), value, maximum);
-    if (value.find_first_of(bounds->GetForbidden()) != std::string::npos)
+    }
+    if (value.find_first_of(bounds->GetForbidden()) != std::string::npos) {
         ThrowForbidden(GetDisplayName(), value, bounds->GetForbidden());
+    }
     return true;
 }
 
 bool STRINGApiAttribute::ApplyFilter(const APIAttributeFilter& filter,
                                      const std::string& value) const {
-    return MatchesText(filter, value);
+    return matchesText(filter, value);
 }

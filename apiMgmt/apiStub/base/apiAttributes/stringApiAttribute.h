@@ -60,6 +60,6 @@ public:
 
     /// Message ids: 10763 too short, 10764 too long, 10011 a forbidden character.
     bool Validate(const std::string& value) const override;
-    /// Compares as MatchesText does.
+    /// Compares as matchesText does.
     bool ApplyFilter(const APIAttributeFilter& filter, const std::string& value) const override;
 };

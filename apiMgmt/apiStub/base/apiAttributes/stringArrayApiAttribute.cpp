@@ -5,16 +5,18 @@
 
 std::string STRINGARRAYApiAttribute::ToString(const std::vector<std::string>& value) const {
     std::vector<std::string> items = value;
-    for (std::string& item : items)
-        EscapeListItem(item);
-    return JoinItems(items, kListSeparator);
+    for (std::string& item : items) {
+        escapeListItem(item);
+    }
+    return joinItems(items, kListSeparator);
 }
 
 std::vector<std::string> STRINGARRAYApiAttribute::ParseString(const std::string& text) const {
     std::vector<std::string> items;
     STRINGUtil::SplitString(text, kListSeparator, items, 0);
-    for (std::string& item : items)
-        UnescapeListItem(item);
+    for (std::string& item : items) {
+        unescapeListItem(item);
+    }
     return items;
 }
 

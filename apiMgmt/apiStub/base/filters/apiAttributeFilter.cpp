@@ -34,8 +34,9 @@ APIAttributeFilter::APIAttributeFilter(std::string name, FILTERType type, std::s
 APIAttributeFilter APIAttributeFilter::Parse(const std::string& text) {
     std::vector<std::string> pieces;
     STRINGUtil::SplitString(text, " ", pieces, 3);
-    if (pieces.size() != 3)
+    if (pieces.size() != 3) {
         return {};
+    }
     STRINGUtil::ReplaceAll(pieces[2], kEscapedHyphen, "-");
     return {pieces[0], GetFilterTypeFromString(pieces[1]), pieces[2]};
 }
@@ -47,15 +48,19 @@ std::string APIAttributeFilter::ToString() const {
 }
 
 FILTERType APIAttributeFilter::GetFilterTypeFromString(const std::string& text) {
-    for (const OperatorText& row : kOperators)
-        if (row.text == text)
+    for (const OperatorText& row : kOperators) {
+        if (row.text == text) {
             return row.type;
+        }
+    }
     return FILTERType::None;
 }
 
 std::string APIAttributeFilter::GetFilterTypeAsString(FILTERType type) {
-    for (const OperatorText& row : kOperators)
-        if (row.type == type)
+    for (const OperatorText& row : kOperators) {
+        if (row.type == type) {
             return std::string(row.text);
+        }
+    }
     return {};
 }

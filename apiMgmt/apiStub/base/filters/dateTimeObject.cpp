@@ -13,16 +13,18 @@ constexpr const char* kCompactFormat = "%m/%d/%Y-%H:%M:%S";
 constexpr std::size_t kFirstBuffer = 64;
 constexpr std::size_t kLargestBuffer = std::size_t{64} * 1024;
 
-std::optional<std::int64_t> Read(const std::string& text, const char* format) {
+std::optional<std::int64_t> readText(const std::string& text, const char* format) {
     std::tm fields{};
     fields.tm_mday = 1;
     fields.tm_isdst = -1;  // mktime finds out what held then
-    if (!strptime(text.c_str(), format, &fields))
+    if (!strptime(text.c_str(), format, &fields)) {
         return std::nullopt;
+    }
     fields.tm_wday = -1;  // mktime sets it, so that -1 seconds can be told from a failure
     const std::time_t seconds = std::mktime(&fields);
-    if (seconds == -1 && fields.tm_wday == -1)
+    if (seconds == -1 && fields.tm_wday == -1) {
         return std::nullopt;
+    }
     return seconds;
 }
 
@@ -30,7 +32,7 @@ std::optional<std::int64_t> Read(const std::string& text, const char* format) {
 // writes no more than it is given room for.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-std::string Format(const std::tm& fields, const std::string& format) {
+std::string formatFields(const std::tm& fields, const std::string& format) {
     // strftime tells an empty result and one that does not fit apart by nothing but this blank.
     // It ends at a zero byte, and so must what the blank is put behind.
     const std::string padded = format.substr(0, format.find('\0')) + " ";
@@ -56,12 +58,13 @@ DATETimeObject::DATETimeObject(const std::string& text) {
 }
 
 DATETimeObject::DATETimeObject(const std::string& text, const std::string& format)
-    : m_seconds(Read(text, format.c_str()).value_or(0)) {}
+    : m_seconds(readText(text, format.c_str()).value_or(0)) {}
 
 void DATETimeObject::AddTimeInSeconds(std::int64_t seconds) {
     using Limits = std::numeric_limits<std::int64_t>;
-    if (__builtin_add_overflow(m_seconds, seconds, &m_seconds))
+    if (__builtin_add_overflow(m_seconds, seconds, &m_seconds)) {
         m_seconds = seconds < 0 ? Limits::min() : Limits::max();
+    }
 }
 
 int DATETimeObject::Compare(const DATETimeObject& other) const {
@@ -71,8 +74,9 @@ int DATETimeObject::Compare(const DATETimeObject& other) const {
 std::tm DATETimeObject::GetAsTMStruct() const {
     const std::time_t seconds = m_seconds;
     std::tm fields{};
-    if (!localtime_r(&seconds, &fields))
+    if (!localtime_r(&seconds, &fields)) {
         throw std::out_of_range("instant beyond the calendar");
+    }
     return fields;
 }
 
@@ -107,7 +111,7 @@ int DATETimeObject::GetMinutesElapsedOfTheDay() const {
 
 std::string DATETimeObject::FormatAs(const std::string& format) const {
     try {
-        return Format(GetAsTMStruct(), format);
+        return formatFields(GetAsTMStruct(), format);
     } catch (const std::exception& error) {
         std::cout << "Exception formatting datetime: " << error.what();
         return {};
@@ -119,8 +123,9 @@ std::string DATETimeObject::ToString() const {
 }
 
 void DATETimeObject::Parse(const std::string& text) {
-    auto seconds = Read(text, kWrittenFormat);
-    if (!seconds)
-        seconds = Read(text, kCompactFormat);
+    auto seconds = readText(text, kWrittenFormat);
+    if (!seconds) {
+        seconds = readText(text, kCompactFormat);
+    }
     m_seconds = seconds.value_or(0);
 }

@@ -47,9 +47,11 @@ std::string FILTERItem::GetFilterTypeAsString(TARNFilterType type) {
 }
 
 TARNFilterType FILTERItem::GetTarnFilterType(FILTERType type) {
-    for (const auto& row : kMapping)
-        if (row.from == type)
+    for (const auto& row : kMapping) {
+        if (row.from == type) {
             return row.to;
+        }
+    }
     return TARNFilterType::Unknown;
 }
 

@@ -29,8 +29,9 @@ GETListFilterType GETListFilter::ParseListFilterType(const std::string& text) {
 
 std::string GETListFilter::ToString() const {
     std::string text = GETListFilterTypeAsString() + " ";
-    for (const APIAttributeFilter& filter : m_filters)
+    for (const APIAttributeFilter& filter : m_filters) {
         text += filter.ToString() + "-";
+    }
     return text;
 }
 
@@ -47,8 +48,9 @@ bool GETListFilter::Parse(const std::string& text) {
     STRINGUtil::SplitString(rest, "-", pieces, 0);
     for (std::string& piece : pieces) {
         STRINGUtil::Trim(piece);
-        if (!piece.empty())
+        if (!piece.empty()) {
             m_filters.push_back(APIAttributeFilter::Parse(piece));
+        }
     }
     return GetFilterCount() != 0;
 }
@@ -56,8 +58,9 @@ bool GETListFilter::Parse(const std::string& text) {
 std::vector<FILTERItem> GETListFilter::GenerateFilterList() const {
     std::vector<FILTERItem> items;
     items.reserve(m_filters.size());
-    for (const APIAttributeFilter& filter : m_filters)
+    for (const APIAttributeFilter& filter : m_filters) {
         items.emplace_back(filter.GetName(), filter.GetValue(),
                            FILTERItem::GetTarnFilterType(filter.GetType()));
+    }
     return items;
 }

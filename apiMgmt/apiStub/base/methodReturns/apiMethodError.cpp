@@ -35,9 +35,10 @@ APIMethodError::~APIMethodError() = default;
 
 std::string APIMethodError::GetLogMessage() const {
     const std::string summary = GENERALError::GetLogMessage();
-    if (m_errorCode < 1)
+    if (m_errorCode < 1) {
         return STRINGUtil::FormatStr("Error state[%d], Summary[%s]", static_cast<int>(m_errorState),
                                      summary.c_str());
+    }
     // The second part stands first: that is how the array prints the pair.
     return STRINGUtil::FormatStr("Error code[%d], extErrorCode[%u:%d], Summary[%s]", m_errorCode,
                                  m_extErrorCode2, m_extErrorCode1, summary.c_str());

@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr const char* badMessage = "Invalid content in response message";
-constexpr const char* badDocument = "Invalid response in return XML";
+constexpr const char* kBadMessage = "Invalid content in response message";
+constexpr const char* kBadDocument = "Invalid response in return XML";
 
 using Elements = std::vector<const parser::XMLElement*>;
 
@@ -30,7 +30,7 @@ BASEApiMethodReturn* malformed(const char* summary, const std::string& detail) {
 }
 
 BASEApiMethodReturn* badCount(std::size_t count) {
-    return malformed(badDocument,
+    return malformed(kBadDocument,
                      STRINGUtil::FormatStr(
                          "Incorrect number of APIMethodReturn elements.  Expected 1, found [%u].",
                          static_cast<unsigned>(count)));
@@ -131,11 +131,11 @@ BASEApiMethodReturn* BASEApiMethod::ProcessResponse(const protoIPCMsg::GPBIPCMsg
     const char* detail = nullptr;
     const std::string* document = responseDocument(reply, detail);
     if (document == nullptr) {
-        return malformed(badMessage, detail);
+        return malformed(kBadMessage, detail);
     }
     parser::XMLParser reader(nullptr);
     if (!reader.ParseXMLString(*document)) {
-        return malformed(badMessage, "Failed to parse XML response data");
+        return malformed(kBadMessage, "Failed to parse XML response data");
     }
     const parser::XMLElement& root = *reader.GetDocumentElement();
     const Elements found = root.GetChildElemsByTagName(APIApiMethodReturn::GetObjectNameStatic());

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr const char* headerTag = "Header";
-constexpr const char* dataTag = "Data";
+constexpr const char* kHeaderTag = "Header";
+constexpr const char* kDataTag = "Data";
 
 using Objects = std::vector<BASEApiObject*>;
 using Position = Objects::const_iterator;
@@ -49,9 +49,9 @@ std::string section(Position begin, Position end, ObjectReturnEncodeEnum encode)
     }
     std::string inner;
     if (withHeader) {
-        XMLText::AppendElement(inner, headerTag, (*begin)->CreateCSVHeader(selection));
+        XMLText::AppendElement(inner, kHeaderTag, (*begin)->CreateCSVHeader(selection));
     }
-    XMLText::AppendElement(inner, dataTag, data);
+    XMLText::AppendElement(inner, kDataTag, data);
     std::string element;
     XMLText::AppendElement(element, (*begin)->GetObjectName(), inner);
     return element;
@@ -59,15 +59,15 @@ std::string section(Position begin, Position end, ObjectReturnEncodeEnum encode)
 
 /// The columns of a section; one without a header has a column for every attribute.
 APIAttributeList columnsOf(const parser::XMLElement& element, const BASEApiObject& object) {
-    const parser::XMLElement* header = element.GetChildElemByTag(headerTag);
+    const parser::XMLElement* header = element.GetChildElemByTag(kHeaderTag);
     return header != nullptr ? object.ParseCSVHeader(header->GetElementContent())
                              : object.GetAttributeList();
 }
 
 /// No fewer than the names and values of a section.
 std::size_t fieldsOf(const parser::XMLElement& element) {
-    const std::string fields = element.GetChildElemContentByTag(headerTag) + "\n" +
-                               element.GetChildElemContentByTag(dataTag) + "\n";
+    const std::string fields = element.GetChildElemContentByTag(kHeaderTag) + "\n" +
+                               element.GetChildElemContentByTag(kDataTag) + "\n";
     return static_cast<std::size_t>(std::count_if(
         fields.begin(), fields.end(), [](char end) { return end == ',' || end == '\n'; }));
 }
@@ -105,14 +105,14 @@ bool COMPObjectMethodReturn::ReadObjects(const parser::XMLElement& element) {
         if (!object) {
             continue;
         }
-        if (child->GetChildElemByTag(dataTag) == nullptr ||
-            object->GetAttributeByName(dataTag) != nullptr) {
+        if (child->GetChildElemByTag(kDataTag) == nullptr ||
+            object->GetAttributeByName(kDataTag) != nullptr) {
             object->ParseElemNode(child);
             Append(std::move(object));
             continue;
         }
         fields += fieldsOf(*child);
-        if (fields > parser::XMLParser::maxElements) {
+        if (fields > parser::XMLParser::kMaxElements) {
             return false;
         }
         ReadSection(*child, *object);
@@ -124,7 +124,7 @@ void COMPObjectMethodReturn::ReadSection(const parser::XMLElement& element,
                                          const BASEApiObject& sample) {
     const APIAttributeList columns = columnsOf(element, sample);
     std::vector<std::string> lines;
-    STRINGUtil::SplitString(element.GetChildElemContentByTag(dataTag), '\n', lines);
+    STRINGUtil::SplitString(element.GetChildElemContentByTag(kDataTag), '\n', lines);
     for (std::size_t i = 0; i < lines.size() && !IsFull(); ++i) {
         auto listed = APIObjectRegistry::Instance().CreateObject(sample.GetObjectName());
         listed->ParseCSVData(columns, lines[i]);

@@ -10,13 +10,13 @@ std::string ENUMMaskMethodReturn::GetReturnString(ObjectReturnEncodeEnum) const 
 }
 
 std::vector<std::string> ENUMMaskMethodReturn::GetEnumList(const std::string& mask) {
-    static constexpr const char* whiteSpace = " \f\n\r\t\v";
+    static constexpr const char* kWhiteSpace = " \f\n\r\t\v";
     std::vector<std::string> names;
-    std::size_t begin = mask.find_first_not_of(whiteSpace);
+    std::size_t begin = mask.find_first_not_of(kWhiteSpace);
     while (begin != std::string::npos) {
-        const std::size_t end = mask.find_first_of(whiteSpace, begin);
+        const std::size_t end = mask.find_first_of(kWhiteSpace, begin);
         names.push_back(mask.substr(begin, end - begin));
-        begin = mask.find_first_not_of(whiteSpace, end);
+        begin = mask.find_first_not_of(kWhiteSpace, end);
     }
     return names;
 }

@@ -27,8 +27,9 @@ public:
             SkipSet("-+ #0'");
             Count();
             const bool limited = *m_rest == '.';
-            if (limited)
+            if (limited) {
                 ++m_rest;
+            }
             const int precision = limited ? Count() : -1;
             const std::string_view size = SkipSet("hlqjzt");
             return *m_rest && Take(*m_rest++, size, precision, text);
@@ -53,26 +54,28 @@ private:
 
     bool Take(char conversion, std::string_view size, int precision, std::string& text) {
         const bool wide = !size.empty() && size.front() != 'h';
-        if (std::strchr("di", conversion))
+        if (std::strchr("di", conversion)) {
             text = std::to_string(wide ? va_arg(m_args, long long) : va_arg(m_args, int));
-        else if (std::strchr("uxXo", conversion))
+        } else if (std::strchr("uxXo", conversion)) {
             text = std::to_string(wide ? va_arg(m_args, unsigned long long)
                                        : va_arg(m_args, unsigned int));
-        else if (std::strchr("eEfFgG", conversion))
+        } else if (std::strchr("eEfFgG", conversion)) {
             text = STRINGUtil::FormatStr("%g", va_arg(m_args, double));
-        else if (conversion == 'c')
+        } else if (conversion == 'c') {
             text.assign(1, static_cast<char>(va_arg(m_args, int)));
-        else if (conversion == 'p')
+        } else if (conversion == 'p') {
             text = STRINGUtil::FormatStr("%p", va_arg(m_args, void*));
-        else if (conversion == 's' && !wide)
+        } else if (conversion == 's' && !wide) {
             text = Text(va_arg(m_args, const char*), precision);
-        else
+        } else {
             return false;
+        }
         return true;
     }
     static std::string Text(const char* argument, int precision) {
-        if (!argument)
+        if (!argument) {
             return {};
+        }
         return precision < 0
                    ? std::string(argument)
                    : std::string(argument, strnlen(argument, static_cast<std::size_t>(precision)));
@@ -118,11 +121,13 @@ GENERALError::GENERALError(const std::string& message, const std::string& file, 
 
 void GENERALError::SaveArgList(const char* format, va_list args) {
     m_savedArgs.clear();
-    if (!format)
+    if (!format) {
         return;
+    }
     ArgListReader reader(format, args);
-    for (std::string text; reader.Next(text);)
+    for (std::string text; reader.Next(text);) {
         m_savedArgs.push_back(text);
+    }
 }
 
 std::string GENERALError::GetLogMessage() const {
@@ -131,8 +136,9 @@ std::string GENERALError::GetLogMessage() const {
 
 std::string GENERALError::GetMsgParameters() const {
     std::string parameters;
-    for (std::size_t i = 0; i < m_savedArgs.size(); ++i)
+    for (std::size_t i = 0; i < m_savedArgs.size(); ++i) {
         parameters.append(i == 0 ? "" : "|").append(m_savedArgs[i]);
+    }
     return parameters;
 }
 

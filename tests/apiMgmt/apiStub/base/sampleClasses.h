@@ -92,15 +92,18 @@ inline void rewrite(APISample& sample) {
     sample.SetEnum(sample.GetEnum());
     sample.SetMask(sample.GetMask());
     sample.SetTexts(sample.GetTexts());
-    if (const auto parent = sample.GetParent())
+    if (const auto parent = sample.GetParent()) {
         sample.SetParent(*parent);
+    }
     sample.SetParents(sample.GetParents());
-    if (const auto record = sample.GetRecord())
+    if (const auto record = sample.GetRecord()) {
         sample.SetRecord(*record);
+    }
     const auto records = sample.GetRecords();
     std::vector<const BASEApiMethodObject*> pointers;
-    for (const auto& record : records)
+    for (const auto& record : records) {
         pointers.push_back(record.get());
+    }
     sample.SetRecords(pointers);
     sample.SetFilter(sample.GetFilter());
     sample.SetTime(sample.GetTime());

@@ -121,7 +121,7 @@ TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
     std::atomic<int> connections = 0;
     ScriptedPeer peer([&](int) { ++connections; });
     EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
-    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::maxBodySize))), "");
+    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::kMaxBodySize))), "");
     EXPECT_NE(failureOf(0), "");
     EXPECT_NE(failureOf(65536), "");
     EXPECT_EQ(connections, 0);

@@ -42,11 +42,12 @@ TEST_F(SimpleLoggerTest, EachLevelHasItsBitAndItsPriority) {
         int level, priority;
     } cases[] = {{1, 0},  {2, 1},   {4, 2}, {8, 3}, {16, 4},  {32, 5},
                  {64, 6}, {128, 7}, {0, 6}, {3, 6}, {256, 6}, {255, 6}};
-    for (const auto& test : cases)
+    for (const auto& test : cases) {
         EXPECT_EQ(
             SimpleLogger::ConvertToSyslogPriority(static_cast<SimpleLogger::LOGLevel>(test.level)),
             test.priority)
             << test.level;
+    }
 }
 
 TEST_F(SimpleLoggerTest, MaskAndHeaderDecideWhatIsWritten) {
@@ -93,7 +94,7 @@ TEST_F(SimpleLoggerTest, ClientTextStaysOneLineAndIsNoFormat) {
 TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
     constexpr std::size_t kThreads = 4, kLines = 200;
     std::vector<std::jthread> threads;
-    for (std::size_t t = 0; t < kThreads; ++t)
+    for (std::size_t t = 0; t < kThreads; ++t) {
         threads.emplace_back([] {
             for (std::size_t i = 0; i < kLines; ++i) {
                 SimpleLogger::setMask(127);
@@ -101,6 +102,7 @@ TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
                 Log(SimpleLogger::LOGDebug, "quiet");
             }
         });
+    }
     threads.clear();  // waits for all
     EXPECT_EQ(logLevelMask, 127);
     EXPECT_THAT(SyslogCapture::Lines(),

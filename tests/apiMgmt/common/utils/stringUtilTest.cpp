@@ -57,11 +57,12 @@ TEST(StringUtilSplit, ByTextAndByCharacter) {
     };
     for (const auto& test : cases) {
         Strings out = {"old"};
-        if (test.maxParts == kByCharacter)
+        if (test.maxParts == kByCharacter) {
             STRINGUtil::SplitString(test.text, ',', out);
-        else
+        } else {
             STRINGUtil::SplitString(test.text, test.delimiter, out,
                                     static_cast<unsigned long>(test.maxParts));
+        }
         EXPECT_EQ(out, test.expected) << test.text << " limit " << test.maxParts;
     }
 }
@@ -81,10 +82,12 @@ TEST(StringUtil, TextsThatMeanTrueOrANumber) {
         // clang-format on
     };
     for (const auto& row : rows) {
-        for (const std::string& text : row.accepted)
+        for (const std::string& text : row.accepted) {
             EXPECT_TRUE(row.judge(text)) << text;
-        for (const std::string& text : row.refused)
+        }
+        for (const std::string& text : row.refused) {
             EXPECT_FALSE(row.judge(text)) << text;
+        }
     }
     EXPECT_FALSE(STRINGUtil::StartsWith("2.1", ""));
     EXPECT_EQ(STRINGUtil::Comparecase("AbC", "aBc"), 0);
@@ -138,8 +141,9 @@ TEST(StringUtil, TextsAreChanged) {
         {base36("a-b"), ""},        {base36("a b"), ""},              {base36("\xc3\xa4"), ""},
         // clang-format on
     };
-    for (const auto& [changed, expected] : cases)
+    for (const auto& [changed, expected] : cases) {
         EXPECT_EQ(changed, expected);
+    }
 }
 
 TEST(StringUtilSafeStrncpy, EndsTheTextWithinTheSize) {
@@ -208,8 +212,9 @@ TEST(LegalXmlText, DropsWhatADocumentMayNotHold) {
         {"\xe4\xb8" "b\xf0\x9f\x92",                    "b"},
         // clang-format on
     };
-    for (const auto& [given, legal] : cases)
+    for (const auto& [given, legal] : cases) {
         EXPECT_EQ(legalXmlText(given), legal) << given;
+    }
 }
 
 }  // namespace

@@ -10,8 +10,9 @@ using parser::XMLParser;
 
 std::string repeated(const std::string& text, std::size_t count) {
     std::string all;
-    while (count-- > 0)
+    while (count-- > 0) {
         all += text;
+    }
     return all;
 }
 
@@ -64,9 +65,9 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
         {"document type", "<!DOCTYPE a><a/>"},       {"prefix alone", "<a><p:/></a>"},
         {"declaration alone", usualDeclaration},     {"mark after it", usualDeclaration + "\xef\xbb\xbf<a/>"},
         {"two of them", usualDeclaration + "<?xml version='1.0'?><a/>"},
-        {"too deep", nested(XMLParser::maxDepth + 1)},
-        {"too many elements", "<a>" + repeated("<b/>", XMLParser::maxElements) + "</a>"},
-        {"too long", "<a>" + std::string(XMLParser::maxSize, 'x') + "</a>"},
+        {"too deep", nested(XMLParser::kMaxDepth + 1)},
+        {"too many elements", "<a>" + repeated("<b/>", XMLParser::kMaxElements) + "</a>"},
+        {"too long", "<a>" + std::string(XMLParser::kMaxSize, 'x') + "</a>"},
         {"bytes of a declared one-byte code", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>"},
         {"entities that grow", "<!DOCTYPE a [<!ENTITY b 'bb'><!ENTITY c '&b;&b;'>]><a>&c;</a>"},
         {"external entity", "<!DOCTYPE a [<!ENTITY b SYSTEM '/etc/hostname'>]><a>&b;</a>"},
@@ -82,10 +83,10 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
 
 TEST(XmlParserTest, ReadsUpToItsLimits) {
     XMLParser reader(nullptr);
-    EXPECT_TRUE(reader.ParseXMLString(nested(XMLParser::maxDepth)));
+    EXPECT_TRUE(reader.ParseXMLString(nested(XMLParser::kMaxDepth)));
     EXPECT_TRUE(
-        reader.ParseXMLString("<a>" + repeated("<b/>", XMLParser::maxElements - 1) + "</a>"));
-    EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), XMLParser::maxElements - 1);
+        reader.ParseXMLString("<a>" + repeated("<b/>", XMLParser::kMaxElements - 1) + "</a>"));
+    EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), XMLParser::kMaxElements - 1);
 }
 
 TEST(XmlParserTest, FindsChildrenByLocalName) {

@@ -126,8 +126,9 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
         {"an envelope cut short",   envelope(kRename, header).substr(0, 150),       client},
         // clang-format on
     };
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_THAT(FakeModule().Serve(row.request), HasSubstr(row.inReply)) << row.what;
+    }
     const std::string nil = envelope("<s:RenameHccInSan xsi:nil='true'/>", header);
     EXPECT_THAT(wire::joined(FakeModule().Serve(nil)), EndsWith(wire::sample("Fault")));
 }

@@ -11,8 +11,9 @@ ATTRIBUTEValues::ATTRIBUTEValues(ValueMap values) : m_values(std::move(values)) 
 
 bool ATTRIBUTEValues::GetStringDirect(const std::string& name, std::string& value) const {
     const auto entry = m_values.find(name);
-    if (entry == m_values.end())
+    if (entry == m_values.end()) {
         return false;
+    }
     value = entry->second;
     return true;
 }
@@ -35,11 +36,13 @@ bool ATTRIBUTEValues::IsAttributeSet(const BASEApiAttribute* attribute) const {
     return attribute && IsAttributeSet(attribute->GetXmlName());
 }
 
-const BASEApiAttribute* ATTRIBUTEValues::FindAttribute(const APIAttributeList& attributes,
+const BASEApiAttribute* ATTRIBUTEValues::findAttribute(const APIAttributeList& attributes,
                                                        const std::string& name) {
-    for (const BASEApiAttribute* attribute : attributes)
-        if (attribute->GetXmlName() == name)
+    for (const BASEApiAttribute* attribute : attributes) {
+        if (attribute->GetXmlName() == name) {
             return attribute;
+        }
+    }
     return nullptr;
 }
 
@@ -47,16 +50,19 @@ void ATTRIBUTEValues::AppendElements(std::string& xml, const APIAttributeList& a
                                      bool escape, bool unsetToo) const {
     for (const BASEApiAttribute* attribute : attributes) {
         const std::string& name = attribute->GetXmlName();
-        if (!unsetToo && !IsAttributeSet(name))
+        if (!unsetToo && !IsAttributeSet(name)) {
             continue;
+        }
         const std::string& value = GetStringDirect(name);
         XMLText::AppendElement(xml, name, escape ? STRINGUtil::EscapeString(value, false) : value);
     }
 }
 
 void ATTRIBUTEValues::StoreChildren(const parser::XMLElement* element) {
-    if (!element)
+    if (!element) {
         return;
-    for (const auto& [tag, content] : element->GetChildTagVals())
+    }
+    for (const auto& [tag, content] : element->GetChildTagVals()) {
         PutStringDirect(std::string(tag), std::string(content));
+    }
 }

@@ -24,9 +24,10 @@ bool BASEApiAssociation::AsyncAllowed() const {
 }
 
 void BASEApiAssociation::ValidateRequiredAttributes() const {
-    if (GetInstanceId().empty())
+    if (GetInstanceId().empty()) {
         throw APIMethodError(
             STRINGUtil::FormatStr("InstanceID not specified for association [%s::%s]",
                                   GetObjectName().c_str(), GetMethodName().c_str()),
             ErrorStateEnum::InvalidValue, kSource, __LINE__, kNoInstanceIdMsg, nullptr);
+    }
 }

@@ -14,11 +14,11 @@ constexpr const char* kLiteObject = "LiteObj";
 constexpr std::size_t kFrameSize = 224;
 
 template <class Names>
-bool Contains(const Names& names, const std::string& name) {
+bool contains(const Names& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-APIMethodError NotSet(const std::string& names, std::int32_t line) {
+APIMethodError notSet(const std::string& names, std::int32_t line) {
     return {ErrorStateEnum::InvalidRequest, kSource, line,
             STRINGUtil::FormatStr("Required attribute %s not set", names.c_str())};
 }
@@ -58,7 +58,7 @@ void BASEApiMethod::ValidateRequiredAttributes() const {}
 void BASEApiMethod::ValidateRequiredOrAttributes() const {}
 
 const BASEApiAttribute* BASEApiMethod::GetAttributeByName(const std::string& name) const {
-    return FindAttribute(GetAttributeList(), name);
+    return findAttribute(GetAttributeList(), name);
 }
 
 void BASEApiMethod::SetLiteObjectRequest() {
@@ -72,8 +72,9 @@ bool BASEApiMethod::IsRequestLite() const {
 void BASEApiMethod::ValidateAttributes() const {
     for (const BASEApiAttribute* attribute : GetAttributeList()) {
         const std::string& name = attribute->GetXmlName();
-        if (IsAttributeSet(name) && !CanIgnoreValidation(name))
+        if (IsAttributeSet(name) && !CanIgnoreValidation(name)) {
             attribute->Validate(LoadText(name));
+        }
     }
 }
 
@@ -90,25 +91,29 @@ void BASEApiMethod::StoreText(const std::string& name, const std::string& text) 
 }
 
 void BASEApiMethod::RequireAttributes(NameList names) const {
-    for (const char* name : names)
-        if (!IsAttributeSet(name))
-            throw NotSet(name, __LINE__);
+    for (const char* name : names) {
+        if (!IsAttributeSet(name)) {
+            throw notSet(name, __LINE__);
+        }
+    }
 }
 
 void BASEApiMethod::RequireOneOf(NameList names) const {
     std::string all;
     for (const char* name : names) {
-        if (IsAttributeSet(name))
+        if (IsAttributeSet(name)) {
             return;
+        }
         all = STRINGUtil::AddToList(all, name);
     }
-    throw NotSet(all, __LINE__);
+    throw notSet(all, __LINE__);
 }
 
 std::string BASEApiMethod::RenderXML(bool async, bool xmlEncode, NameList unwritten) const {
     std::size_t size = kFrameSize + GetObjectName().size() + GetMethodName().size();
-    for (const auto& [name, value] : AllValues())
+    for (const auto& [name, value] : AllValues()) {
         size += XMLText::ElementSize(name, value);
+    }
 
     std::string xml;
     xml.reserve(size);
@@ -120,9 +125,11 @@ std::string BASEApiMethod::RenderXML(bool async, bool xmlEncode, NameList unwrit
     XMLText::AppendElement(xml, "ObjectEncodeType", xmlEncode ? "xml" : "csv");
     if (!AllValues().empty()) {
         XMLText::AppendStartTag(xml, "Attributes");
-        for (const auto& [name, value] : AllValues())
-            if (!name.empty() && !Contains(unwritten, name))
+        for (const auto& [name, value] : AllValues()) {
+            if (!name.empty() && !contains(unwritten, name)) {
                 XMLText::AppendElement(xml, name, value);
+            }
+        }
         XMLText::AppendEndTag(xml, "Attributes");
     }
     XMLText::AppendEndTag(xml, "ApiMethod");

@@ -5,7 +5,7 @@
 BASEApiMethodObject::~BASEApiMethodObject() = default;
 
 const BASEApiAttribute* BASEApiMethodObject::GetAttributeByName(const std::string& name) const {
-    return FindAttribute(GetAttributeList(), name);
+    return findAttribute(GetAttributeList(), name);
 }
 
 std::string BASEApiMethodObject::ToXMLString(bool escape) const {
@@ -18,8 +18,9 @@ std::string BASEApiMethodObject::ToXMLString(bool escape) const {
 
 bool BASEApiMethodObject::Parse(const std::string& text) {
     parser::XMLParser reader(nullptr);
-    if (!reader.ParseXMLString(text))
+    if (!reader.ParseXMLString(text)) {
         return false;
+    }
     ParseElemNode(reader.GetDocumentElement());
     return true;
 }

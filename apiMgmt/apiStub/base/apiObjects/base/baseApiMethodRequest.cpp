@@ -14,36 +14,37 @@
 
 namespace {
 
-constexpr const char* sourceFile = "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod";
+constexpr const char* kSource = "apiMgmt/apiStub/base/apiObjects/base/baseApiMethod";
 // Part of the interface with operators, like the line numbers of the log.
-constexpr int noIdentityLine = 324;
-constexpr unsigned noIdentityMessageId = 10001;
-constexpr const char* noIdentity = "Unable to create GPB request. Session identifier not specified";
+constexpr int kNoIdentityLine = 324;
+constexpr unsigned kNoIdentityMessageId = 10001;
+constexpr const char* kNoIdentity =
+    "Unable to create GPB request. Session identifier not specified";
 
-constexpr const char* documentTag = "compapi";
-constexpr const char* connectionTag = "ApiConnection";
-constexpr std::size_t localeSize = 5;  // as in "en_US"; any other text is no locale
-constexpr const char* localClient = "127.0.0.1";
-constexpr std::size_t messageMemory = 4096;
+constexpr const char* kDocumentTag = "compapi";
+constexpr const char* kConnectionTag = "ApiConnection";
+constexpr std::size_t kLocaleSize = 5;  // as in "en_US"; any other text is no locale
+constexpr const char* kLocalClient = "127.0.0.1";
+constexpr std::size_t kMessageMemory = 4096;
 
 /// The element that tells whose session a request belongs to.
 std::string connectionElement(const std::string& sessionKey, const std::string& locale) {
     std::string inner;
     XMLText::AppendElement(inner, "sessionkey", sessionKey);
-    if (locale.size() == localeSize) {
+    if (locale.size() == kLocaleSize) {
         XMLText::AppendElement(inner, "locale", locale);
     }
     std::string element;
-    XMLText::AppendElement(element, connectionTag, inner);
+    XMLText::AppendElement(element, kConnectionTag, inner);
     return element;
 }
 
 void fillDocument(std::string& document, const std::string& connection, const std::string& method) {
-    document.reserve(connection.size() + method.size() + XMLText::ElementSize(documentTag, ""));
-    XMLText::AppendStartTag(document, documentTag);
+    document.reserve(connection.size() + method.size() + XMLText::ElementSize(kDocumentTag, ""));
+    XMLText::AppendStartTag(document, kDocumentTag);
     document += connection;
     document += method;
-    XMLText::AppendEndTag(document, documentTag);
+    XMLText::AppendEndTag(document, kDocumentTag);
 }
 
 void addHeader(protoIPCMsg::APICmdReqMsg& command, const APIHccReqHeader& header) {
@@ -71,7 +72,7 @@ BASEApiMethodReturn* exchange(const BASEApiMethod& method, const APIHccReqHeader
                               const std::string& locale) {
     // Both messages with all their parts in one piece of memory, which for a usual call is this
     // one; a longer text goes to the heap.
-    alignas(std::max_align_t) std::array<char, messageMemory> memory;
+    alignas(std::max_align_t) std::array<char, kMessageMemory> memory;
     google::protobuf::Arena arena(memory.data(), memory.size());
     auto& request = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
     auto& reply = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
@@ -98,13 +99,13 @@ void BASEApiMethod::BuildGPBApiRequest(protoIPCMsg::GPBIPCMsg& request,
                                        const std::map<std::string, std::string>* blobs,
                                        const std::string& locale) const {
     if (header == nullptr && sessionKey.empty()) {
-        throw APIMethodError(noIdentity, ErrorStateEnum::InvalidRequest, sourceFile, noIdentityLine,
-                             noIdentityMessageId, nullptr);
+        throw APIMethodError(kNoIdentity, ErrorStateEnum::InvalidRequest, kSource, kNoIdentityLine,
+                             kNoIdentityMessageId, nullptr);
     }
     request.set_msgtype(protoIPCMsg::IPC_API_REQUEST);
     protoIPCMsg::APIReqMsg& apiRequest = *request.mutable_apireqmsg();
     apiRequest.set_cmdtype(protoIPCMsg::API_COMMAND);
-    apiRequest.set_clientaddress(header != nullptr ? header->clientAddress : localClient);
+    apiRequest.set_clientaddress(header != nullptr ? header->clientAddress : kLocalClient);
     protoIPCMsg::APICmdReqMsg& command = *apiRequest.mutable_cmdreqmsg();
     const std::string connection =
         header != nullptr ? std::string() : connectionElement(sessionKey, locale);

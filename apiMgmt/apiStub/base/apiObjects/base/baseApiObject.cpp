@@ -13,11 +13,12 @@ namespace {
 
 constexpr const char* kAsyncTask = "AsyncTask";
 
-std::vector<std::string> NamesOf(const APIAttributeList& attributes) {
+std::vector<std::string> namesOf(const APIAttributeList& attributes) {
     std::vector<std::string> names;
     names.reserve(attributes.size());
-    for (const BASEApiAttribute* attribute : attributes)
+    for (const BASEApiAttribute* attribute : attributes) {
         names.push_back(attribute->GetXmlName());
+    }
     return names;
 }
 
@@ -38,7 +39,7 @@ void BASEApiObject::PutStringDirect(const std::string& name, const std::string& 
 }
 
 const BASEApiAttribute* BASEApiObject::GetAttributeByName(const std::string& name) const {
-    return FindAttribute(GetAttributeList(), name);
+    return findAttribute(GetAttributeList(), name);
 }
 
 APIObjectInstance BASEApiObject::GetObjectIdentifier() const {
@@ -74,11 +75,11 @@ std::string BASEApiObject::CreateCSVHeader() const {
 }
 
 std::string BASEApiObject::CreateCSVHeader(const APIAttributeList& attributes) {
-    return JoinItems(NamesOf(attributes), CSVText::kSeparator);
+    return joinItems(namesOf(attributes), CSVText::kSeparator);
 }
 
 std::string BASEApiObject::CreateCSVHeader(const SelectionMap& selection) const {
-    return JoinItems(SelectNames(selection), CSVText::kSeparator);
+    return joinItems(SelectNames(selection), CSVText::kSeparator);
 }
 
 std::string BASEApiObject::CreateCSVData() const {
@@ -86,7 +87,7 @@ std::string BASEApiObject::CreateCSVData() const {
 }
 
 std::string BASEApiObject::CreateCSVData(const APIAttributeList& attributes) const {
-    return JoinValues(NamesOf(attributes));
+    return JoinValues(namesOf(attributes));
 }
 
 std::string BASEApiObject::CreateCSVData(const SelectionMap& selection) const {
@@ -129,28 +130,33 @@ void BASEApiObject::ParseCSVData(const APIAttributeList& columns, const std::str
 BASEApiObject::SelectionMap BASEApiObject::GetCombinedAttributeNameList(
     const std::vector<const BASEApiObject*>& objects) {
     SelectionMap names;
-    for (const BASEApiObject* object : objects)
-        for (const BASEApiAttribute* attribute : object->GetAttributeList())
+    for (const BASEApiObject* object : objects) {
+        for (const BASEApiAttribute* attribute : object->GetAttributeList()) {
             names[attribute->GetXmlName()] |= object->IsAttributeSet(attribute);
+        }
+    }
     return names;
 }
 
 std::vector<std::string> BASEApiObject::SelectNames(const SelectionMap& selection) const {
-    std::vector<std::string> names = NamesOf(GetAttributeList());
+    std::vector<std::string> names = namesOf(GetAttributeList());
     std::erase_if(names, [&](const std::string& name) {
         const auto entry = selection.find(name);
         return entry == selection.end() || !entry->second;
     });
-    for (const auto& [name, selected] : selection)
-        if (selected && !GetAttributeByName(name))
+    for (const auto& [name, selected] : selection) {
+        if (selected && !GetAttributeByName(name)) {
             names.push_back(name);
+        }
+    }
     return names;
 }
 
 std::string BASEApiObject::JoinValues(const std::vector<std::string>& names) const {
     std::vector<std::string> values;
     values.reserve(names.size());
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         values.push_back(CSVText::Escape(GetStringDirect(name)));
-    return JoinItems(values, CSVText::kSeparator);
+    }
+    return joinItems(values, CSVText::kSeparator);
 }

@@ -13,13 +13,15 @@ constexpr struct {
 }  // namespace
 
 std::string CSVText::Escape(std::string value) {
-    for (const auto& row : kEscapes)
+    for (const auto& row : kEscapes) {
         STRINGUtil::ReplaceAll(value, row.character, row.escape);
+    }
     return value;
 }
 
 std::string CSVText::Unescape(std::string value) {
-    for (const auto& row : kEscapes)
+    for (const auto& row : kEscapes) {
         STRINGUtil::ReplaceAll(value, row.escape, row.character);
+    }
     return value;
 }

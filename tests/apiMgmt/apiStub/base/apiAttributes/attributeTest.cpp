@@ -62,8 +62,9 @@ TEST(AttributeCheck, SaysExactlyWhatIsWrong) {
         EXPECT_STREQ(error.what(), row.message.c_str()) << row.value;
         EXPECT_EQ(error.GetLocalizedMsgId(), row.messageId);
         EXPECT_EQ(error.GetMsgParameters(), row.parameters);
-        if (row.messageId == 0)
+        if (row.messageId == 0) {
             continue;
+        }
         EXPECT_EQ(error.GetErrorState(), ErrorStateEnum::ParsingError);
         EXPECT_EQ(error.GetSourceFile(), row.messageId < 10763 && row.messageId != 10011
                                              ? "intApiAttribute"
@@ -116,14 +117,16 @@ const std::map<const BASEApiAttribute*, std::vector<Condition>> conditions = {
 // clang-format on
 
 TEST(AttributeFilter, EachKindComparesInItsOwnWay) {
-    for (const auto& [attribute, rows] : conditions)
-        for (const Condition& row : rows)
+    for (const auto& [attribute, rows] : conditions) {
+        for (const Condition& row : rows) {
             EXPECT_EQ(attribute->ApplyFilter(
                           {"X", APIAttributeFilter::GetFilterTypeFromString(row.type), row.operand},
                           row.value),
                       row.matches)
                 << attribute->GetXmlName() << ' ' << row.value << ' ' << row.type << ' '
                 << row.operand;
+        }
+    }
 }
 
 // Under ThreadSanitizer this shows that the first use needs no further guard.
@@ -137,13 +140,14 @@ TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
     constexpr std::size_t count = 8;
     std::vector<const APIAttributeList*> lists(count);
     std::vector<std::jthread> threads;
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         threads.emplace_back([&lists, i] {
             Fresh record;
             record.SetA("text");
             record.SetB(FilterTimeEnum::LastDay);
             lists[i] = &record.GetAttributeList();
         });
+    }
     threads.clear();  // waits for all
     EXPECT_THAT(lists, testing::Each(lists.front()));
     EXPECT_THAT(*lists.front(), testing::ElementsAre(Fresh::GetAAttr(), Fresh::GetBAttr()));

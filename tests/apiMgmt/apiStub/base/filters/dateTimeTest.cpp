@@ -85,7 +85,7 @@ TEST_F(DateTime, TellsWhatCannotBeFormatted) {
 TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
     std::vector<std::jthread> threads;
     threads.reserve(4);
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         threads.emplace_back([i] {
             const DATETimeObject time(1794665045 + i * 86400L * 100);
             const std::string text = time.ToString();
@@ -94,6 +94,7 @@ TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
                 EXPECT_EQ(DATETimeObject(text), time);
             }
         });
+    }
 }
 
 }  // namespace

@@ -15,8 +15,9 @@ TEST(AttributeFilterText, OperatorsReadAndWrite) {
         EXPECT_EQ(APIAttributeFilter::GetFilterTypeFromString(text), FILTERType{number}) << text;
         EXPECT_EQ(APIAttributeFilter::GetFilterTypeAsString(FILTERType{number}), written) << text;
     }
-    for (const int number : {-1, 1, 9})
+    for (const int number : {-1, 1, 9}) {
         EXPECT_EQ(APIAttributeFilter::GetFilterTypeAsString(FILTERType{number}), "");
+    }
 }
 
 TEST(AttributeFilterText, ReadsThreePieces) {
@@ -64,8 +65,9 @@ TEST(ListFilterText, RoundTrips) {
 TEST(ListFilterItems, CarryTheArraysOperators) {
     GETListFilter filter;
     EXPECT_EQ(filter.GetType(), GETListFilterType::None);
-    for (const int type : {0, 2, 3, 4, 5, 6, 7, 8})
+    for (const int type : {0, 2, 3, 4, 5, 6, 7, 8}) {
         filter.AddAttributeFilter("A", FILTERType{type}, "v");
+    }
     std::string types;
     for (const FILTERItem& item : filter.GenerateFilterList()) {
         EXPECT_EQ(item.GetName() + item.GetValue(), "Av");

@@ -24,8 +24,9 @@ ReturnPtr process(const GPBIPCMsg& reply) {
 
 /// A return's value as it is written, or "failed STATE|error|localized error|detail".
 std::string outcomeOf(const BASEApiMethodReturn& outcome) {
-    if (outcome.GetSuccessful())
+    if (outcome.GetSuccessful()) {
         return outcome.GetReturnString(ObjectReturnEncodeEnum::Xml);
+    }
     return "failed " + std::to_string(static_cast<int>(outcome.GetErrorCode())) + "|" +
            outcome.GetError() + "|" + outcome.GetLocalizedError() + "|" + outcome.GetErrorDetail();
 }
@@ -146,8 +147,9 @@ const std::string values[] = {
 // clang-format on
 
 TEST(ReplyDocumentTest, GivesOneReturn) {
-    for (const auto& [document, outcome] : documents)
+    for (const auto& [document, outcome] : documents) {
         EXPECT_EQ(outcomeOf(*process(replyWith(document))), outcome) << document;
+    }
 }
 
 TEST(ReplyDocumentTest, IsWhatAReturnWritesInEachEncoding) {

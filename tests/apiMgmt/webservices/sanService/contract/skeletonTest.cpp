@@ -45,8 +45,9 @@ TEST(Skeleton, hasItsVirtualFunctionsInTheAgreedOrder) {
         // clang-format on
     };
     long slot = 2;
-    for (const auto& [name, actual] : expected)
+    for (const auto& [name, actual] : expected) {
         EXPECT_EQ(actual, slot++) << name;
+}
 }
 
 }  // namespace

@@ -58,15 +58,17 @@ std::string rewrite(soap* context, const char* tag, const std::string& text) {
         if (soap_begin_recv(context) || soap_envelope_begin_in(context) ||
             soap_recv_header(context) || soap_body_begin_in(context) ||
             !message.soap_get(context, tag, nullptr) || soap_body_end_in(context) ||
-            soap_envelope_end_in(context) || soap_end_recv(context))
+            soap_envelope_end_in(context) || soap_end_recv(context)) {
             return;
+}
         soap_serializeheader(context);
         message.soap_serialize(context);
         if (!soap_begin_send(context) && !soap_envelope_begin_out(context) &&
             !soap_putheader(context) && !soap_body_begin_out(context) &&
             !message.soap_put(context, tag, "") && !soap_body_end_out(context) &&
-            !soap_envelope_end_out(context))
+            !soap_envelope_end_out(context)) {
             soap_end_send(context);
+}
     });
     return context->error ? "error " + std::to_string(context->error) : joined(written);
 }

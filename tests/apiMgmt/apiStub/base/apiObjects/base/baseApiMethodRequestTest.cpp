@@ -138,9 +138,11 @@ TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
         method.SetKey(texts[1]);
         record.SetComment(texts[2]);
         method.SetRecords({&record});
-        for (std::string& text : texts)
-            for (char& each : text)
+        for (std::string& text : texts) {
+            for (char& each : text) {
                 each = static_cast<unsigned char>(each) < 0x20 ? '\n' : each;
+            }
+        }
 
         parser::XMLParser reader(nullptr);
         if (!reader.ParseXMLString(method.GetXMLString(false, true))) {

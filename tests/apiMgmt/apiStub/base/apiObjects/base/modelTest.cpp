@@ -68,8 +68,9 @@ TEST(ObjectText, CsvEscapesItsSeparators) {
     copy.ParseCSVData(copy.ParseCSVHeader("Beyond,InstanceId,InstanceName,ObjectType"),
                       "b,,a--cm--b--cl--c--nl--d");
     EXPECT_EQ(copy.GetInstanceName(), "a,b:c\nd");
-    for (const char* name : {"Beyond", "InstanceId", "ObjectType"})
+    for (const char* name : {"Beyond", "InstanceId", "ObjectType"}) {
         EXPECT_FALSE(copy.IsAttributeSet(name)) << name;
+    }
 }
 
 TEST(ObjectText, CombinedNamesTellWhichAnObjectHas) {

@@ -85,8 +85,9 @@ template <class Record>
 auto ArgumentOf(const std::vector<std::unique_ptr<Record>>& values) {
     std::vector<const BASEApiMethodObject*> argument;
     argument.reserve(values.size());
-    for (const auto& record : values)
+    for (const auto& record : values) {
         argument.push_back(record.get());
+    }
     return argument;
 }
 
@@ -220,22 +221,27 @@ std::vector<ClassAccessors> AllAccessors() {
 }
 
 TEST(SdkAccessors, SetAndGetEveryAttribute) {
-    for (const ClassAccessors& entry : AllAccessors())
+    for (const ClassAccessors& entry : AllAccessors()) {
         for (const Accessor& accessor : entry.accessors) {
             SCOPED_TRACE(entry.fact + " " + accessor.xmlName);
             accessor.drive();
         }
+    }
 }
 
 TEST(SdkAccessors, EveryStatedAttributeHasThemAndItsDescriptor) {
     std::set<std::string> stated;
     std::set<std::string> found;
-    for (const ClassFact& fact : AllFacts())
-        for (const AttributeFact& attribute : fact.attributes)
+    for (const ClassFact& fact : AllFacts()) {
+        for (const AttributeFact& attribute : fact.attributes) {
             stated.insert(fact.name + " " + attribute.row);
-    for (const ClassAccessors& entry : AllAccessors())
-        for (const Accessor& accessor : entry.accessors)
+        }
+    }
+    for (const ClassAccessors& entry : AllAccessors()) {
+        for (const Accessor& accessor : entry.accessors) {
             found.insert(entry.fact + " " + DescribeAttribute(*accessor.attribute));
+        }
+    }
     EXPECT_EQ(found, stated);
 }
 

@@ -15,14 +15,16 @@ constexpr std::size_t kUnlistedColumn = 7;
 AttributeFact ReadAttribute(const std::string& line) {
     std::vector<std::string> columns;
     STRINGUtil::SplitString(line, "|", columns);
-    for (std::string& column : columns)
+    for (std::string& column : columns) {
         STRINGUtil::Trim(column);
+    }
     AttributeFact fact;
     fact.xmlName = columns.front();
     fact.listed = columns.size() <= kUnlistedColumn;
     columns.resize(kUnlistedColumn);
-    for (const std::string& column : columns)
+    for (const std::string& column : columns) {
         fact.row += column + "|";
+    }
     return fact;
 }
 
@@ -31,14 +33,17 @@ ClassFact ReadClass(const std::string& line) {
     ClassFact fact;
     std::string key;
     std::istringstream words(line);
-    for (std::string word; words >> word;)
-        if (keys.contains(word))
+    for (std::string word; words >> word;) {
+        if (keys.contains(word)) {
             fact.words.try_emplace(key = word);
-        else if (word != "-")
+        } else if (word != "-") {
             fact.words[key].push_back(word);
+        }
+    }
     std::vector<std::string> names = fact.words[""];
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         fact.name += (fact.name.empty() ? "" : " ") + name;
+    }
     names.resize(3);
     fact.kind = names[0];
     fact.object = names[1];
@@ -50,12 +55,14 @@ std::vector<ClassFact> ReadFacts() {
     std::ifstream file(FACTS_FILE);
     std::vector<ClassFact> facts;
     for (std::string line; std::getline(file, line);) {
-        if (line.empty() || line.front() == '#')
+        if (line.empty() || line.front() == '#') {
             continue;
-        if (line.front() == ' ')
+        }
+        if (line.front() == ' ') {
             facts.back().attributes.push_back(ReadAttribute(line));
-        else
+        } else {
             facts.push_back(ReadClass(line));
+        }
     }
     return facts;
 }
@@ -69,10 +76,13 @@ std::string KindOf(const BASEApiAttribute& attribute) {
 
 void AddRows(const ClassFact& fact, const std::string& where, std::vector<std::string>& rows) {
     const auto base = fact.words.find(where);
-    for (const ClassFact& other : AllFacts())
-        if (base != fact.words.end() && other.object == base->second[0] && other.method.empty())
-            for (const std::string& row : ListedRows(other))
+    for (const ClassFact& other : AllFacts()) {
+        if (base != fact.words.end() && other.object == base->second[0] && other.method.empty()) {
+            for (const std::string& row : ListedRows(other)) {
                 rows.push_back(row);
+            }
+        }
+    }
 }
 
 }  // namespace
@@ -85,9 +95,11 @@ const std::vector<ClassFact>& AllFacts() {
 std::vector<std::string> ListedRows(const ClassFact& fact) {
     std::vector<std::string> rows;
     AddRows(fact, "after", rows);
-    for (const AttributeFact& attribute : fact.attributes)
-        if (attribute.listed)
+    for (const AttributeFact& attribute : fact.attributes) {
+        if (attribute.listed) {
             rows.push_back(attribute.row);
+        }
+    }
     AddRows(fact, "then", rows);
     return rows;
 }
@@ -99,13 +111,14 @@ std::string DescribeAttribute(const BASEApiAttribute& attribute) {
     std::ostringstream row;
     row << attribute.GetXmlName() << '|' << attribute.GetDisplayName() << '|' << KindOf(attribute)
         << '|' << properties.GetCode() << '|';
-    if (const auto* number = dynamic_cast<const Number*>(&properties))
+    if (const auto* number = dynamic_cast<const Number*>(&properties)) {
         row << number->GetMinimum() << '|' << number->GetMaximum() << '|';
-    else if (const auto* text = dynamic_cast<const Text*>(&properties))
+    } else if (const auto* text = dynamic_cast<const Text*>(&properties)) {
         row << text->GetMinimumLength() << '|' << text->GetMaximumLength() << '|'
             << text->GetForbidden();
-    else
+    } else {
         row << "||";
+    }
     row << (properties.GetFirstFlag() || properties.GetSecondFlag() ? "|flagged" : "|");
     return row.str();
 }

@@ -16,8 +16,9 @@ void ForEachClass(const std::string& kind, Check check) {
     const auto& registry = APIRegistryOf<Base>::Instance();
     std::size_t count = 0;
     for (const ClassFact& fact : AllFacts()) {
-        if (fact.kind != kind)
+        if (fact.kind != kind) {
             continue;
+        }
         SCOPED_TRACE(fact.name);
         ++count;
         const std::unique_ptr<Base> made = registry.CreateObject(
@@ -62,12 +63,14 @@ TEST(SdkFacts, MethodsAreAsStated) {
         EXPECT_EQ(RequiredError(method), "");
         // Also what the class does not declare is written; only what it says unwritten is not.
         method.PutStringDirect("Undeclared", "");
-        for (const AttributeFact& attribute : fact.attributes)
+        for (const AttributeFact& attribute : fact.attributes) {
             method.PutStringDirect(attribute.xmlName, "");
+        }
         const std::string document = method.GetXMLString(false, true);
-        for (const AttributeFact& attribute : fact.attributes)
+        for (const AttributeFact& attribute : fact.attributes) {
             EXPECT_EQ(document.find("<" + attribute.xmlName + ">") != std::string::npos,
                       attribute.listed);
+        }
         EXPECT_NE(document.find("<Undeclared></Undeclared>"), std::string::npos);
     });
     EXPECT_FALSE(server->AsyncAllowed("TarnHostCache", "NoSuchMethod"));
@@ -104,11 +107,12 @@ TEST(SdkFacts, AssociationsAreAsStated) {
         CheckAssociation<Server::APITarnServerHbaListAssociation>,
     };
     std::size_t checked = 0;
-    for (const ClassFact& fact : AllFacts())
+    for (const ClassFact& fact : AllFacts()) {
         if (fact.kind == "association") {
             ASSERT_LT(checked, std::size(kChecks));
             kChecks[checked++](fact);
         }
+    }
     EXPECT_EQ(checked, std::size(kChecks));
 }
 
