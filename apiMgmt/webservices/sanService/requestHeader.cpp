@@ -19,6 +19,7 @@ const std::string kMajorVersion = kFullVersion.substr(0, kFullVersion.find('.', 
 const std::string kVersionPrefix = kMajorVersion + ".";
 
 constexpr short kSoap11 = 1;
+constexpr int kFirstHttpStatus = 200;  // below are the engine's own codes
 constexpr char kInternalError[] = "Internal error serving san service request";
 
 }  // namespace
@@ -48,7 +49,18 @@ int SANService::DispatchChecked() {
         }
         return soap_senderfault(refusal.c_str(), "");
     }
-    return SanApi::SanApiPortBindingService::dispatch();
+    return KeepHeader(SanApi::SanApiPortBindingService::dispatch());
+}
+
+// The engine drops the header from the faults that it raises itself; it keeps it in those that a
+// service raises.
+int SANService::KeepHeader(int outcome) {
+    error = outcome;
+    if (outcome > SOAP_OK && outcome < kFirstHttpStatus) {
+        soap_set_fault(this);
+        error = SOAP_FAULT;
+    }
+    return error;
 }
 
 std::string SANService::ParseRequestHeaders(bool credentialsRequired) {

@@ -97,6 +97,7 @@ private:
     }
 
     int DispatchChecked();
+    int KeepHeader(int outcome);
     std::string DecodeCredentials(const SanApi::xsd__base64Binary& userPass);
     SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);
 

@@ -127,7 +127,11 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
         // clang-format on
     };
     for (const auto& row : cases) {
-        EXPECT_THAT(FakeModule().Serve(row.request), HasSubstr(row.inReply)) << row.what;
+        const std::string reply = FakeModule().Serve(row.request);
+        EXPECT_THAT(reply, HasSubstr(row.inReply)) << row.what;
+        EXPECT_EQ(reply.find("<xsdVersion version=\"2.3\"") != std::string::npos,
+                  row.request.find("</e:Header>") != std::string::npos)
+            << row.what;
     }
     const std::string nil = envelope("<s:RenameHccInSan xsi:nil='true'/>", header);
     EXPECT_THAT(wire::joined(FakeModule().Serve(nil)), EndsWith(wire::sample("Fault")));
