@@ -202,8 +202,15 @@ constexpr std::array kinds = {
 
 }  // namespace
 
-std::span<const FaultKind> allFaults() {
-    return kinds;
+Json faultKinds() {
+    Json out = Json::array();
+    for (const FaultKind& kind : kinds) {
+        out.push_back({{"name", kind.name},
+                       {"does", kind.does},
+                       {"clientSees", kind.clientSees},
+                       {"runsCommand", kind.runsCommand}});
+    }
+    return out;
 }
 
 const FaultKind& faultNamed(std::string_view name) {

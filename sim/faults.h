@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,8 +45,8 @@ struct FaultKind {
     std::string_view clientSees;
 };
 
-/// All kinds of fault, in the order in which they are shown.
-std::span<const FaultKind> allFaults();
+/// All kinds of fault, for showing them: a list of {name, does, clientSees, runsCommand}.
+Json faultKinds();
 /// Throws std::runtime_error when there is none of that name.
 const FaultKind& faultNamed(std::string_view name);
 

@@ -10,6 +10,7 @@
 
 #include "apiMgmt/common/ipc/apiMgrPort.h"
 #include "sim/controlSocket.h"
+#include "sim/faults.h"
 #include "sim/jsonText.h"
 #include "sim/stateText.h"
 
@@ -97,11 +98,13 @@ void showState(Control& control, const Arguments& arguments) {
 }
 
 void fail(Control& control, const Arguments& arguments) {
-    if (arguments.listKinds || arguments.listRules) {
-        const Json faults = control.get("/api/faults")[arguments.listKinds ? "kinds" : "rules"];
-        print(arguments.json        ? sim::jsonText(faults, 2) + "\n"
-              : arguments.listKinds ? sim::faultKindsText(faults)
-                                    : sim::faultRulesText(faults));
+    if (arguments.listKinds) {
+        // Known without a simulator, so that the completion and a reader need none.
+        const Json kinds = sim::faultKinds();
+        print(arguments.json ? sim::jsonText(kinds, 2) + "\n" : sim::faultKindsText(kinds));
+    } else if (arguments.listRules) {
+        const Json rules = control.get("/api/faults")["rules"];
+        print(arguments.json ? sim::jsonText(rules, 2) + "\n" : sim::faultRulesText(rules));
     } else if (arguments.removeId != 0) {
         control.remove("/api/faults?id=" + std::to_string(arguments.removeId));
     } else if (!arguments.scenarioFile.empty()) {

@@ -183,13 +183,7 @@ Json Simulator::exchanges(std::size_t count, std::uint64_t since, bool indented)
 }
 
 Json Simulator::faults() {
-    Json out{{"kinds", Json::array()}, {"commands", Json::array()}, {"rules", Json::array()}};
-    for (const FaultKind& kind : allFaults()) {
-        out["kinds"].push_back({{"name", kind.name},
-                                {"does", kind.does},
-                                {"clientSees", kind.clientSees},
-                                {"runsCommand", kind.runsCommand}});
-    }
+    Json out{{"kinds", faultKinds()}, {"commands", Json::array()}, {"rules", Json::array()}};
     for (const Command& command : allCommands()) {
         out["commands"].push_back(std::string(command.object) + "::" + std::string(command.name));
     }

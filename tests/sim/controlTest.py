@@ -91,7 +91,9 @@ class ControlTest(unittest.TestCase):
                 (("fail", "Ping"), 64, "COMMAND and FAULT"),
                 (("fail", "--remove", "99"), 1, "no fault of that id"),
                 (("reset", "everything"), 64, "everything"),
-                (("log", *nobody), 1, "no simulator answers")):
+                (("log", *nobody), 1, "no simulator answers"),
+                (("fail", "--rules", *nobody), 1, "no simulator answers"),
+                (("fail", "--kinds", *nobody), 0, "")):
             with self.subTest(arguments=arguments):
                 ended = run(SIMCTL, *arguments, SANSIM_CONTROL=self.simulator.control_socket)
                 self.assertEqual(ended.returncode, status, ended.stderr)
