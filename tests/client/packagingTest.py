@@ -3,7 +3,7 @@
 import re
 import unittest
 
-from programs import ROOT, SANCTL, SIMCTL, run, sanctl
+from programs import ROOT, SANCTL, SIMCTL, SIMULATOR, run, sanctl
 
 PACKAGING = ROOT / "packaging"
 
@@ -34,16 +34,31 @@ class PackagingTest(unittest.TestCase):
         done = run("bash", "-c", script, "bash", PACKAGING / "bash-completion/sanctl", program,
                    *words)
         self.assertEqual(done.returncode, 0, done)
-        return set(done.stdout.split())
+        self.assertEqual(done.stderr, "")
+        offered = done.stdout.split()
+        self.assertEqual(len(offered), len(set(offered)), "nothing is offered twice")
+        return set(offered)
 
     def test_completion_offers_what_fits(self):
         self.assertLessEqual(set(commands()) | options(), self.complete(""))
         self.assertEqual(self.complete("make-data-a"), {"make-data-available"})
         self.assertEqual(self.complete("add-server", "--o"), {"--os-type", "--os-release"})
         self.assertEqual(self.complete("lifecycle", "ping"), set())
+        self.assertEqual(self.complete("ping", "--timeout", ""), set())
         self.assertEqual(self.complete("ping", "--cacert", __file__[:-1]), {__file__})
 
-    def test_completion_knows_the_other_program_too(self):
-        self.assertEqual(self.complete("st", program=SIMCTL), {"state"})
-        self.assertEqual(self.complete("fail", "--co", program=SIMCTL),
-                         {"--code", "--count", "--control"})
+    def test_completion_knows_the_simulators_programs_too(self):
+        shared = {"--help", "--port", "--control", "--json"}
+        for program, words, offered in (
+                (SIMCTL, ["st"], {"state"}),
+                (SIMCTL, ["fail", "--co"], {"--code", "--count", "--control"}),
+                (SIMCTL, ["log", "-"], shared | {"--last", "--follow"}),
+                (SIMCTL, ["log", "-n", ""], set()),
+                (SIMCTL, ["--port", ""], set()),
+                (SIMCTL, ["reset", ""], shared | {"faults", "log", "state", "all"}),
+                (SIMCTL, ["fail", "re"], set()),
+                (SIMCTL, ["fail", "Ping", "re"], {"refuse", "refuseWithoutTexts", "reset"}),
+                (SIMULATOR, ["--s"], {"--seed-file", "--state", "--scenario", "--show-keys"}),
+                (SIMULATOR, ["--scenario", __file__[:-1]], {__file__})):
+            with self.subTest(words):
+                self.assertEqual(self.complete(*words, program=program), offered)
