@@ -21,7 +21,7 @@ constexpr double milliseconds = 1000;
 constexpr const char* details =
     "Runs a cluster's whole life: join, add servers, attach volumes, make data available and\n"
     "unavailable, report a flush and a snapshot preparation, announce a new primary manager,\n"
-    "detach, remove servers, leave. With --clusters or --parallel it generates load and reports\n"
+    "detach, remove servers, leave. With more than one life it generates load and reports\n"
     "throughput and latency percentiles. Each life that runs at the same time has volumes of its\n"
     "own.";
 
@@ -62,10 +62,9 @@ LifecycleCommand::LifecycleCommand(CLI::App& app)
     m_command->add_option("--san-id", m_sanId, "Array that is meant")->capture_default_str();
     m_command->add_option("--hcc-id", m_hccId,
                           "Cluster, by default a random one; several get a number each");
-    m_command->add_option("--clusters", m_clusters, "How many lives")
+    m_command->add_option("--clusters", m_clusters, "How many lives; otherwise as many as M")
         ->check(CLI::Range(1, mostClusters).description(""))
-        ->type_name("N")
-        ->capture_default_str();
+        ->type_name("N");
     m_command->add_option("--parallel", m_parallel, "How many at the same time")
         ->check(CLI::Range(1, mostParallel).description(""))
         ->type_name("M")
@@ -84,6 +83,10 @@ LifecycleCommand::LifecycleCommand(CLI::App& app)
                      "Volume to use, repeatable; otherwise vol-1, vol-2, ...")
         ->allow_extra_args(false)
         ->type_name("ID");
+}
+
+int LifecycleCommand::clusters() const {
+    return m_clusters > 0 ? m_clusters : m_parallel;
 }
 
 int LifecycleCommand::volumesEach() const {
@@ -116,7 +119,7 @@ void LifecycleCommand::checkVolumes() const {
 }
 
 ClusterPlan LifecycleCommand::plan(int cluster, int worker) const {
-    const std::string number = m_clusters == 1 ? "" : "-" + std::to_string(cluster + 1);
+    const std::string number = clusters() == 1 ? "" : "-" + std::to_string(cluster + 1);
     ClusterPlan plan{m_sanId, m_hccId + number, randomText(), {}, volumesOf(worker)};
     for (int i = 1; i <= m_servers; ++i) {
         plan.servers.push_back(plan.hccId + "-node-" + std::to_string(i));
@@ -126,7 +129,7 @@ ClusterPlan LifecycleCommand::plan(int cluster, int worker) const {
 
 ExitStatus LifecycleCommand::run(const CommandLine& line) const {
     checkVolumes();
-    const bool isDemonstration = m_clusters == 1 && line.form == Form::human;
+    const bool isDemonstration = clusters() == 1 && line.form == Form::human;
     return isDemonstration ? showOne(line) : runLoad(line);
 }
 
@@ -138,20 +141,21 @@ ExitStatus LifecycleCommand::showOne(const CommandLine& line) const {
 }
 
 ExitStatus LifecycleCommand::runLoad(const CommandLine& line) const {
-    LoadPlan load{m_clusters, m_parallel,
+    const int lives = clusters();
+    LoadPlan load{lives, m_parallel,
                   [this](int cluster, int worker) { return plan(cluster, worker); },
-                  [this](int over) { showProgress(over, m_clusters); }};
+                  [lives](int over) { showProgress(over, lives); }};
     const LoadResult result = client::runLoad(line.service, load);
     Json report = result.statistics.report(result.seconds);
-    report["clusters"] = m_clusters;
+    report["clusters"] = lives;
     report["parallel"] = m_parallel;
     report["failedClusters"] = result.failedClusters;
     report["exitStatus"] = static_cast<int>(result.status);
     if (line.form == Form::json) {
         printJson(report);
     } else {
-        std::cout << CallStatistics::table(report) << m_clusters - result.failedClusters << " of "
-                  << m_clusters << " clusters lived to the end\n";
+        std::cout << CallStatistics::table(report) << lives - result.failedClusters << " of "
+                  << lives << " clusters lived to the end\n";
     }
     return result.status;
 }

@@ -19,6 +19,7 @@ public:
     ExitStatus run(const CommandLine& line) const;
 
 private:
+    int clusters() const;
     int volumesEach() const;
     void checkVolumes() const;
     std::vector<std::string> volumesOf(int worker) const;
@@ -29,7 +30,7 @@ private:
     CLI::App* m_command;
     std::string m_sanId = "array-1";
     std::string m_hccId;
-    int m_clusters = 1;
+    int m_clusters = 0;  // not given
     int m_parallel = 1;
     int m_servers = 2;
     int m_volumesEach = 0;

@@ -67,6 +67,8 @@ class ServiceTest(harness.ServiceCase):
                           {"SnapshotPrepareComplete: refused by the array: later": 10}))
         self.assertEqual(len({request.hccId for request in requests} - {""}), 40)
         self.assertEqual(self.array.show("state")["clusters"], [])
+        alone = self.sanctl(0, "lifecycle", "--parallel", "3")
+        self.assertIn("3 of 3 clusters lived to the end", alone.stdout)
 
     def test_a_refusal_is_told(self):
         unknown = self.sanctl(1, "remove-hcc-from-san", "--san-id", "array-1", "--hcc-id", "c1")
