@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,7 +27,7 @@ struct Command {
 /// does not know.
 std::string runCommand(ArrayState& state, const ApiRequest& request, bool authorised);
 
-/// All commands, for showing them.
-std::span<const Command> allCommands();
+/// All commands and associations: "TarnHostCache::Ping", "TarnServer::HbaList" and so on.
+std::vector<std::string> commandNames();
 
 }  // namespace sim

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "sim/apiRequest.h"
 #include "sim/arrayState.h"
@@ -85,8 +86,12 @@ std::string runCommand(ArrayState& state, const ApiRequest& request, bool author
     return command.run(state, request);
 }
 
-std::span<const Command> allCommands() {
-    return commands;
+std::vector<std::string> commandNames() {
+    std::vector<std::string> names = associationNames();
+    std::transform(
+        commands.begin(), commands.end(), std::inserter(names, names.begin()),
+        [](const Command& row) { return std::string(row.object).append("::").append(row.name); });
+    return names;
 }
 
 }  // namespace sim

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "sim/command.h"
 #include "sim/faults.h"
 #include "sim/xmlText.h"
 
@@ -68,6 +69,19 @@ bool fits(const FaultRule& rule, const std::string& object, const std::string& c
            rule.command == object + "::" + command;
 }
 
+/// A rule for a command that nobody sends would wait for ever.
+void checkCommand(const std::string& command) {
+    if (command.empty()) {
+        throw std::runtime_error("a fault needs a \"command\" (\"*\" for every command)");
+    }
+    const std::vector<std::string> names = commandNames();
+    if (command != "*" && std::none_of(names.begin(), names.end(), [&](const std::string& name) {
+            return name == command || name.ends_with("::" + command);
+        })) {
+        throw std::runtime_error("there is no command \"" + command + "\"");
+    }
+}
+
 }  // namespace
 
 FaultRule ruleFromJson(const Json& json) {
@@ -81,9 +95,7 @@ FaultRule ruleFromJson(const Json& json) {
     for (const TextMember& row : texts) {
         rule.*row.member = textIn(json, row, rule.*row.member);
     }
-    if (rule.command.empty()) {
-        throw std::runtime_error("a fault needs a \"command\" (\"*\" for every command)");
-    }
+    checkCommand(rule.command);
     faultNamed(rule.fault);
     return rule;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "sim/apiRequest.h"
 #include "sim/objectModel.h"
@@ -112,6 +113,15 @@ std::string followAssociation(ArrayState& state, const ApiRequest& request) {
                       "The array simulator does not know this association.");
     }
     return returnObjects(row->follow(state, find(state, request)), request, row->toMany);
+}
+
+std::vector<std::string> associationNames() {
+    std::vector<std::string> names;
+    std::transform(associations.begin(), associations.end(), std::back_inserter(names),
+                   [](const Association& row) {
+                       return std::string(row.object).append("::").append(row.name);
+                   });
+    return names;
 }
 
 }  // namespace sim

@@ -183,10 +183,7 @@ Json Simulator::exchanges(std::size_t count, std::uint64_t since, bool indented)
 }
 
 Json Simulator::faults() {
-    Json out{{"kinds", faultKinds()}, {"commands", Json::array()}, {"rules", Json::array()}};
-    for (const Command& command : allCommands()) {
-        out["commands"].push_back(std::string(command.object) + "::" + std::string(command.name));
-    }
+    Json out{{"kinds", faultKinds()}, {"commands", commandNames()}, {"rules", Json::array()}};
     const Lock lock(m_mutex);
     for (const FaultRule& rule : m_faults.rules()) {
         out["rules"].push_back(toJson(rule));

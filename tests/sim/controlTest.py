@@ -88,6 +88,8 @@ class ControlTest(unittest.TestCase):
         nobody = ("--control", "/nonexistent/socket")
         for arguments, status, words in (
                 (("fail", "Ping", "nonsense"), 1, "there is no fault"),
+                (("fail", "Foo", "refuse"), 1, 'there is no command "Foo"'),
+                (("fail", "TarnServer::HbaList", "refuse"), 0, ""),
                 (("fail", "Ping"), 64, "COMMAND and FAULT"),
                 (("fail", "--remove", "99"), 1, "no fault of that id"),
                 (("reset", "everything"), 64, "everything"),

@@ -124,6 +124,9 @@ class FaultTest(unittest.TestCase):
         ping = {"command": "Ping", "fault": "refuse"}
         cases = {
             'there is no fault "nonsense"': {"faults": [{**ping, "fault": "nonsense"}]},
+            'there is no command "AddHccTosan"': {"faults": [{**ping, "command": "AddHccTosan"}]},
+            'there is no command "TarnServer::Ping"': {
+                "faults": [{**ping, "command": "TarnServer::Ping"}]},
             'needs a "command"': {"faults": [{"fault": "refuse"}]},
             'no member "comand"': {"faults": [{**ping, "comand": "Ping"}]},
             '"count" has to be a number': {"faults": [{**ping, "count": -1}]},
