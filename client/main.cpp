@@ -57,7 +57,7 @@ ExitStatus run(int argc, char** argv) {
     declareSharedOptions(app, line);
     const std::list<Subcommand> commands = declareOperations(app, parts);
     const client::LifecycleCommand lifecycle(app);
-    app.require_subcommand(1)->footer(footer)->set_version_flag("--version", SANCTL_VERSION);
+    app.require_subcommand(1)->footer(footer)->set_version_flag("--version", PROGRAM_VERSION);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

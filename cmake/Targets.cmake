@@ -51,6 +51,12 @@ function(san_program name)
   target_link_libraries(${name} PRIVATE san_options san_warnings ${ARG_DEPENDS})
 endfunction()
 
+# san_command(NAME SOURCES... DEPENDS...): a program for people, which knows its --version line.
+function(san_command name)
+  san_program(${name} ${ARGN})
+  target_compile_definitions(${name} PRIVATE PROGRAM_VERSION="${name} ${PROJECT_VERSION}")
+endfunction()
+
 # For the environment of tests that run the simulator under ThreadSanitizer: its HTTP library is
 # not instrumented, and what that reads from its own constants looks like a race.
 set(SAN_TEST_TSAN "TSAN_OPTIONS=ignore_noninstrumented_modules=1")

@@ -36,6 +36,7 @@ struct Arguments {
 
 void declare(CLI::App& app, Arguments& arguments) {
     sim::SimulatorOptions& options = arguments.options;
+    app.set_version_flag("--version", PROGRAM_VERSION);
     app.add_option("--port", arguments.port, "TCP port on 127.0.0.1; 0 takes any free one")
         ->check(CLI::Range(0, 65535).name("N"))
         ->capture_default_str();

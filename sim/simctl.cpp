@@ -158,6 +158,7 @@ void declareFail(CLI::App& app, Arguments& arguments) {
 void declare(CLI::App& app, Arguments& arguments) {
     app.require_subcommand(1);
     app.fallthrough();
+    app.set_version_flag("--version", PROGRAM_VERSION);
     app.add_option("--port", arguments.port, "the simulator's port")
         ->check(CLI::Range(1, 65535).name("N"))
         ->capture_default_str();

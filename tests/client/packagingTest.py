@@ -3,30 +3,40 @@
 import re
 import unittest
 
-from programs import ROOT, SANCTL, SIMCTL, SIMULATOR, run, sanctl
+from programs import ROOT, SANCTL, SIMCTL, SIMULATOR, run
 
 PACKAGING = ROOT / "packaging"
 
 
-def options(*command):
-    return set(re.findall(r"^  (?:-h,)?(--[a-z-]+)", sanctl(*command, "--help").stdout, re.M))
+def options(*command, program=SANCTL):
+    shown = run(program, *command, "--help").stdout
+    return set(re.findall(r"^  (?:-\w,)?(--[a-z-]+)", shown, re.M))
 
 
-def commands():
-    listed = sanctl("--help").stdout.partition("Subcommands:\n")[2].partition("\n\n")[0]
+def commands(program=SANCTL):
+    shown = run(program, "--help").stdout
+    listed = shown.partition("Subcommands:\n")[2].partition("\n\n")[0]
     return re.findall(r"^  ([a-z-]+)", listed, re.M)
 
 
 class PackagingTest(unittest.TestCase):
     def test_the_manual_names_every_subcommand_and_option(self):
-        page = (PACKAGING / "man/sanctl.1").read_text(encoding="utf-8").replace("\\-", "-")
-        self.assertEqual(len(commands()), 14)
-        for name in commands():
-            self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
-            for option in options(name) | options():
-                self.assertRegex(page, rf"{option}(?![a-z-])", name)
-        known = options().union(*(options(name) for name in commands()))
-        self.assertLessEqual(set(re.findall(r"--[a-z-]+", page)), known)
+        for program, count in (SANCTL, 14), (SIMCTL, 4), (SIMULATOR, 0):
+            page = (PACKAGING / f"man/{program.name}.1").read_text(encoding="utf-8")
+            page = page.replace("\\-", "-")
+            names = commands(program)
+            self.assertEqual(len(names), count)
+            for name in names:
+                self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
+            known = options(program=program).union(
+                *(options(name, program=program) for name in names))
+            self.assertEqual(set(re.findall(r"--[a-z-]+", page)), known, program)
+
+    def test_all_programs_tell_the_same_version(self):
+        told = [run(program, "--version").stdout.split() for program in
+                (SANCTL, SIMCTL, SIMULATOR)]
+        self.assertEqual([name for name, _ in told], ["sanctl", "simctl", "sanSim"])
+        self.assertEqual(len({version for _, version in told}), 1)
 
     def complete(self, *words, program=SANCTL):
         script = ('. "$1"; shift; compopt() { :; }; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1));'
@@ -48,7 +58,7 @@ class PackagingTest(unittest.TestCase):
         self.assertEqual(self.complete("ping", "--cacert", __file__[:-1]), {__file__})
 
     def test_completion_knows_the_simulators_programs_too(self):
-        shared = {"--help", "--port", "--control", "--json"}
+        shared = {"--help", "--version", "--port", "--control", "--json"}
         for program, words, offered in (
                 (SIMCTL, ["st"], {"state"}),
                 (SIMCTL, ["fail", "--co"], {"--code", "--count", "--control"}),
