@@ -57,9 +57,13 @@ ExitStatus run(int argc, char** argv) {
     declareSharedOptions(app, line);
     const std::list<Subcommand> commands = declareOperations(app, parts);
     const client::LifecycleCommand lifecycle(app);
-    app.require_subcommand(1)->footer(footer)->set_version_flag("--version", PROGRAM_VERSION);
+    // None is let pass by the parser, so that it names what stands in the place of one.
+    app.require_subcommand(0, 1)->footer(footer)->set_version_flag("--version", PROGRAM_VERSION);
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty()) {
+            throw CLI::RequiredError("A subcommand");
+        }
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
     }

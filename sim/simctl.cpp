@@ -156,7 +156,8 @@ void declareFail(CLI::App& app, Arguments& arguments) {
 }
 
 void declare(CLI::App& app, Arguments& arguments) {
-    app.require_subcommand(1);
+    // None is let pass by the parser, so that it names what stands in the place of one.
+    app.require_subcommand(0, 1);
     app.fallthrough();
     app.set_version_flag("--version", PROGRAM_VERSION);
     app.add_option("--port", arguments.port, "the simulator's port")
@@ -185,8 +186,10 @@ void run(const CLI::App& app, const Arguments& arguments) {
         showState(control, arguments);
     } else if (app.got_subcommand("fail")) {
         fail(control, arguments);
-    } else {
+    } else if (app.got_subcommand("reset")) {
         control.post("/api/reset", Json{{"what", arguments.what}});
+    } else {
+        throw CLI::RequiredError("A subcommand");
     }
 }
 

@@ -39,6 +39,8 @@ ANSWERS = [
 # Command lines that are wrong, and a word of the complaint.
 WRONG = [
     ([], "subcommand"),
+    (["pign"], "pign"),
+    (["--jsno"], "--jsno"),
     (["ping", "--timeout", "0"], "timeout"),
     (["ping", "--url", "ftp://host/"], "http"),
     (["ping", "--user", "admin"], "password"),

@@ -91,6 +91,8 @@ class ControlTest(unittest.TestCase):
                 (("fail", "Foo", "refuse"), 1, 'there is no command "Foo"'),
                 (("fail", "TarnServer::HbaList", "refuse"), 0, ""),
                 (("fail", "Ping"), 64, "COMMAND and FAULT"),
+                ((), 64, "subcommand is required"),
+                (("foo",), 64, "foo"),
                 (("fail", "--remove", "99"), 1, "no fault of that id"),
                 (("reset", "everything"), 64, "everything"),
                 (("log", *nobody), 1, "no simulator answers"),
