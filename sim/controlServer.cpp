@@ -54,8 +54,9 @@ httplib::Server::Handler guarded(Work work) {
 }
 
 /// A page of another site must not reach the simulator through the reader's browser: neither
-/// under a name of its own that leads to loopback, nor by sending a form.
-bool isForeign(const Request& request, int port) {
+/// under a name of its own that leads to loopback, nor by sending a form. Gives what is wrong
+/// with the request, or nothing.
+std::string foreignness(const Request& request, int port) {
     std::set<std::string> hosts;
     for (const char* name : {"127.0.0.1", "localhost"}) {
         hosts.insert(std::string(name) + ":" + std::to_string(port));
@@ -65,9 +66,14 @@ bool isForeign(const Request& request, int port) {
     }
     const std::string host = request.get_header_value("Host");
     const std::string origin = request.get_header_value("Origin");
+    if (hosts.count(host) == 0 || (!origin.empty() && origin != "http://" + host)) {
+        return "only the simulator's own page may ask";
+    }
     const bool reads = request.method == "GET" || request.method == "HEAD";
-    return hosts.count(host) == 0 || (!origin.empty() && origin != "http://" + host) ||
-           (!reads && request.get_header_value("Content-Type") != jsonType);
+    if (!reads && request.get_header_value("Content-Type") != jsonType) {
+        return "a request that changes something needs Content-Type: application/json";
+    }
+    return "";
 }
 
 }  // namespace
@@ -179,11 +185,12 @@ void ControlServer::addPage() {
          {"X-Content-Type-Options", "nosniff"},
          {"Cache-Control", "no-store"}});
     m_server->set_pre_routing_handler([this](const Request& request, Response& response) {
-        if (!isForeign(request, m_port)) {
+        const std::string problem = foreignness(request, m_port);
+        if (problem.empty()) {
             return httplib::Server::HandlerResponse::Unhandled;
         }
         response.status = 403;
-        answer(response, Json{{"error", "only the simulator's own page may ask"}});
+        answer(response, Json{{"error", problem}});
         return httplib::Server::HandlerResponse::Handled;
     });
 }

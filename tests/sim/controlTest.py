@@ -116,23 +116,29 @@ class ControlTest(unittest.TestCase):
         own = f"http://127.0.0.1:{self.simulator.web_port}"
         rule = json.dumps({"command": "Ping", "fault": "refuse"})
         as_json = {"Content-Type": "application/json"}
-        cases = [  # method, path, body, headers, status
-            ("GET", "/", None, {}, 200),
-            ("GET", "/page.js", None, {}, 200),
-            ("GET", "/api/state", None, {"Host": "rebound.example:80"}, 403),
-            ("GET", "/api/state", None, {"Origin": "http://other.example"}, 403),
-            ("POST", "/api/faults", rule, {"Content-Type": "text/plain"}, 403),
-            ("POST", "/api/faults", rule, {**as_json, "Origin": "null"}, 403),
-            ("POST", "/api/reset", "{}", {**as_json, "Host": "localhost"}, 403),
-            ("POST", "/api/faults", "{", as_json, 400),
-            ("POST", "/api/faults", "[1]", as_json, 400),
-            ("GET", "/api/exchanges?last=-1", None, {}, 400),
-            ("POST", "/api/faults", rule, {**as_json, "Origin": own}, 200),
-            ("GET", "/../etc/passwd", None, {}, 404),
+        no_type = "needs Content-Type"
+        cases = [  # method, path, body, headers, status, words of the answer
+            ("GET", "/", None, {}, 200, ""),
+            ("GET", "/page.js", None, {}, 200, ""),
+            ("GET", "/api/state", None, {"Host": "rebound.example:80"}, 403, "own page"),
+            ("GET", "/api/state", None, {"Origin": "http://other.example"}, 403, "own page"),
+            ("POST", "/api/faults", rule, {"Content-Type": "text/plain"}, 403, no_type),
+            ("DELETE", "/api/faults?id=1", None, {}, 403, no_type),
+            ("POST", "/api/faults", rule, {**as_json, "Origin": "null"}, 403, "own page"),
+            ("POST", "/api/reset", "{}", {**as_json, "Host": "localhost"}, 403, "own page"),
+            ("POST", "/api/faults", "{", as_json, 400, ""),
+            ("POST", "/api/faults", "[1]", as_json, 400, ""),
+            ("GET", "/api/exchanges?last=-1", None, {}, 400, ""),
+            ("POST", "/api/faults", rule, {**as_json, "Origin": own}, 200, ""),
+            ("POST", "/api/faults", rule, as_json, 200, ""),
+            ("DELETE", "/api/faults?id=2", None, as_json, 200, ""),
+            ("GET", "/../etc/passwd", None, {}, 404, ""),
         ]
-        for *request, status in cases:
+        for *request, status, words in cases:
             with self.subTest(request=request):
-                self.assertEqual(self.web(*request)[0], status)
+                answer = self.web(*request)
+                self.assertEqual(answer[0], status)
+                self.assertIn(words, answer[1])
         self.assertEqual(len(self.rules()), 1)
 
     def test_the_socket_is_its_owners_and_goes_with_the_simulator(self):
