@@ -46,7 +46,7 @@ Json withReply(const std::string& operation, const Outcome& outcome, const Json&
 std::string failureText(const Outcome& outcome) {
     std::string text = printable(outcome.text);
     std::replace(text.begin(), text.end(), '\n', ' ');
-    return std::string(textOf(outcome.status)) + ": " + text;
+    return std::string(textOf(outcome.status)) + ": " + (text.empty() ? "(no reason given)" : text);
 }
 
 Json outcomeJson(const std::string& operation, const Outcome& outcome) {
