@@ -13,9 +13,9 @@ namespace {
 constexpr int longestTimeout = 24 * 60 * 60;
 
 void declareCaller(CLI::App& app, Credentials& credentials) {
-    app.add_option("--user", credentials.user, "Who calls")
-        ->type_name("NAME")
-        ->envname("SANCTL_USER");
+    auto* user = app.add_option("--user", credentials.user, "Who calls")
+                     ->type_name("NAME")
+                     ->envname("SANCTL_USER");
     if (const char* value = std::getenv("SANCTL_PASSWORD"); value != nullptr) {
         credentials.password = value;
     }
@@ -29,7 +29,8 @@ void declareCaller(CLI::App& app, Credentials& credentials) {
     app.add_option_function<std::string>(
            "--password-file", takePassword,
            "Its password: first line of this file, - for stdin (Env:SANCTL_PASSWORD)")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->needs(user);
     addSecretOption(
         app, "--token", "SANCTL_TOKEN",
         [&credentials](const std::string& value) { credentials.token = value; },

@@ -51,9 +51,10 @@ void FieldOptions::secret(const char* name, const char* variable, std::string& m
                           const char* help) {
     addSecretOption(
         m_command, name, variable, [&member](const std::string& value) { member = value; }, help);
-    m_command.callback([name, &member] {
+    // Names no option that would put the secret on a command line.
+    m_command.callback([ways = std::string(name) + "-file or " + variable, &member] {
         if (member.empty()) {
-            throw CLI::RequiredError(name);
+            throw CLI::RequiredError(ways);
         }
     });
 }

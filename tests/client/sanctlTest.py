@@ -46,9 +46,11 @@ WRONG = [
     (["ping", "--url", "ftp://host/"], "http"),
     (["ping", "--user", "admin"], "password"),
     (["ping", "--user", "admin", "--password-file", "/nonexistent"], "/nonexistent"),
+    (["ping", "--password-file", __file__], "--user"),
+    (["ping", "--user", "admin", "--password-file", "-", "--token-file", "-"], "only once"),
     (["ping", "--token", "a", "--token-file", "b"], "token"),
     (["ping", "--url", "https://127.0.0.1:1/", "--cacert", __file__], "TLS"),
-    (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b"], "hcc-key"),
+    (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b"], "--hcc-key-file or SANCTL_HCC_KEY"),
     (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b", "--hcc-key", "k",
       "--address", "10.0.0.1"], "IP:PORT"),
     (["lifecycle", "--parallel", "2", "--volume", "v1"], "volume"),
@@ -81,7 +83,7 @@ class SanctlTest(unittest.TestCase):
         with cannedServer.serve(reply("Ping")) as server:
             for arguments, words in WRONG:
                 with self.subTest(arguments):
-                    done = sanctl(*arguments, SANCTL_URL=server.url)
+                    done = sanctl(*arguments, stdin="one\ntwo\n", SANCTL_URL=server.url)
                     self.assertEqual(done.returncode, 64, done)
                     self.assertIn(words, done.stderr)
             self.assertEqual(server.requests, [])
