@@ -16,6 +16,10 @@ std::set<std::string> texts(const Json& content, const char* name) {
 
 Access::Access(const Json& content) : m_anyone(false) {
     onlyMembers(content, "the credentials file", {"users", "tokens", "sessionKeys"});
+    if (content.empty()) {
+        throw std::runtime_error(
+            "the credentials file needs \"users\", \"tokens\" or \"sessionKeys\"");
+    }
     try {
         for (const Json& user : content.value("users", Json::array())) {
             onlyMembers(user, "a user", {"user", "password"});

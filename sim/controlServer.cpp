@@ -27,6 +27,10 @@ void answer(Response& response, const Json& json) {
     response.set_content(jsonText(json), jsonType);
 }
 
+Json body(const Request& request) {
+    return parseJson(request.body, "the request");
+}
+
 /// A number among the query's parameters; throws std::runtime_error when it is none.
 std::uint64_t numberIn(const Request& request, const char* name, std::uint64_t otherwise) {
     if (!request.has_param(name)) {
@@ -153,7 +157,7 @@ void ControlServer::addReads() {
 
 void ControlServer::addChanges() {
     m_server->Post("/api/faults", guarded([this](const Request& request, Response& response) {
-                       answer(response, m_simulator.addFault(Json::parse(request.body)));
+                       answer(response, m_simulator.addFault(body(request)));
                    }));
     m_server->Delete("/api/faults", guarded([this](const Request& request, Response& response) {
                          if (!m_simulator.removeFault(numberIn(request, "id", 0))) {
@@ -162,11 +166,11 @@ void ControlServer::addChanges() {
                          answer(response, Json::object());
                      }));
     m_server->Post("/api/scenario", guarded([this](const Request& request, Response& response) {
-                       m_simulator.addScenario(Json::parse(request.body));
+                       m_simulator.addScenario(body(request));
                        answer(response, Json::object());
                    }));
     m_server->Post("/api/reset", guarded([this](const Request& request, Response& response) {
-                       const Json what = Json::parse(request.body);
+                       const Json what = body(request);
                        onlyMembers(what, "a reset", {"what"});
                        m_simulator.reset(what.value("what", "all"));
                        answer(response, Json::object());

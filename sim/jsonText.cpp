@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace sim {
@@ -10,16 +11,31 @@ std::string jsonText(const Json& value, int indent) {
     return value.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
+Json parseJson(const std::string& text, const std::string& what) {
+    try {
+        return Json::parse(text);
+    } catch (const Json::parse_error& problem) {
+        // The byte is counted from 1.
+        const std::string before = text.substr(0, std::max<std::size_t>(problem.byte, 1) - 1);
+        const auto line = std::count(before.begin(), before.end(), '\n') + 1;
+        throw std::runtime_error(what + " is no JSON: line " + std::to_string(line) + " is wrong");
+    } catch (const Json::exception& problem) {
+        throw std::runtime_error(what + ": " + plainText(problem));
+    }
+}
+
 Json readJsonFile(const std::string& file) {
     std::ifstream in(file);
     if (!in) {
         throw std::runtime_error("cannot read " + file);
     }
-    try {
-        return Json::parse(in);
-    } catch (const Json::exception& problem) {
-        throw std::runtime_error(file + ": " + problem.what());
-    }
+    return parseJson({std::istreambuf_iterator<char>(in), {}}, file);
+}
+
+std::string plainText(const Json::exception& problem) {
+    const std::string text = problem.what();
+    const auto end = text.find("] ");
+    return end == std::string::npos ? text : text.substr(end + 2);
 }
 
 void onlyMembers(const Json& value, const std::string& what,

@@ -124,7 +124,7 @@ void plant(const Seed& seed, ArrayState& state) {
     try {
         plantContent(seed.content, seed.volumes, state);
     } catch (const Json::exception& problem) {
-        throw std::runtime_error(std::string("the seed is wrong: ") + problem.what());
+        throw std::runtime_error("the seed is wrong: " + plainText(problem));
     }
 }
 

@@ -7,6 +7,7 @@ import unittest
 
 import wire
 from arraySimulator import ArraySimulator
+from programs import SIMULATOR, run
 
 # All that the commands of a cluster's life take.
 ALL = {"HccId": "hcc-1", "HccKey": "marker-key", "HccName": "Büro & Lager", "HcnId": "hcn-1",
@@ -112,6 +113,22 @@ class CommandTest(unittest.TestCase):
                                      else (False, "InvalidCredentials"))
         ping = wire.request(wire.document("Ping"), credentials=b"")
         self.assertTrue(wire.Reply(wire.exchange(restricted, ping)).ok)
+
+    def test_wrong_files_are_told_at_the_start(self):
+        cases = [  # option, content, words
+            ("--credentials", "{}", 'needs "users", "tokens" or "sessionKeys"'),
+            ("--credentials", '{"tokens":\n["secret', "is no JSON: line 2 is wrong\n"),
+            ("--seed-file", '{"array":\n{"name" "x"}\n}', "is no JSON: line 2 is wrong\n"),
+            ("--seed-file", '{"clusters": [{"id": 5}]}', "the seed is wrong: type must be string"),
+        ]
+        for option, content, words in cases:
+            with self.subTest(content), tempfile.NamedTemporaryFile("w") as file:
+                file.write(content)
+                file.flush()
+                ended = run(SIMULATOR, "--port", "0", option, file.name)
+                self.assertEqual(ended.returncode, 1)
+                self.assertIn(words, ended.stderr)
+                self.assertEqual("is no JSON" in words, file.name in ended.stderr)
 
     def test_objects_filters_and_associations(self):
         port = self.start()

@@ -126,7 +126,7 @@ class ControlTest(unittest.TestCase):
             ("DELETE", "/api/faults?id=1", None, {}, 403, no_type),
             ("POST", "/api/faults", rule, {**as_json, "Origin": "null"}, 403, "own page"),
             ("POST", "/api/reset", "{}", {**as_json, "Host": "localhost"}, 403, "own page"),
-            ("POST", "/api/faults", "{", as_json, 400, ""),
+            ("POST", "/api/faults", "{\n", as_json, 400, "is no JSON: line"),
             ("POST", "/api/faults", "[1]", as_json, 400, ""),
             ("GET", "/api/exchanges?last=-1", None, {}, 400, ""),
             ("POST", "/api/faults", rule, {**as_json, "Origin": own}, 200, ""),
