@@ -83,8 +83,12 @@ std::vector<Record> ApiRequest::records(const std::string& name,
     return out;
 }
 
+std::string commandLabel(std::string_view object, std::string_view name) {
+    return std::string(object).append("::").append(name);
+}
+
 std::string ApiRequest::label() const {
-    return command.empty() ? "(unreadable request)" : object + "::" + command;
+    return command.empty() ? "(unreadable request)" : commandLabel(object, command);
 }
 
 void readRequest(const protoIPCMsg::GPBIPCMsg& message, ApiRequest& request) {

@@ -11,6 +11,9 @@ class GPBIPCMsg;
 
 namespace sim {
 
+/// What people call a command or an association: "TarnHostCache::Ping".
+std::string commandLabel(std::string_view object, std::string_view name);
+
 /// A record inside a list attribute: element name to text.
 using Record = std::map<std::string, std::string>;
 

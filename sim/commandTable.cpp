@@ -88,9 +88,8 @@ std::string runCommand(ArrayState& state, const ApiRequest& request, bool author
 
 std::vector<std::string> commandNames() {
     std::vector<std::string> names = associationNames();
-    std::transform(
-        commands.begin(), commands.end(), std::inserter(names, names.begin()),
-        [](const Command& row) { return std::string(row.object).append("::").append(row.name); });
+    std::transform(commands.begin(), commands.end(), std::inserter(names, names.begin()),
+                   [](const Command& row) { return commandLabel(row.object, row.name); });
     return names;
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "sim/apiRequest.h"
 #include "sim/command.h"
 #include "sim/faults.h"
 #include "sim/xmlText.h"
@@ -66,7 +67,7 @@ void replaceAll(std::string& text, std::string_view mark, const std::string& by)
 
 bool fits(const FaultRule& rule, const std::string& object, const std::string& command) {
     return rule.command == "*" || rule.command == command ||
-           rule.command == object + "::" + command;
+           rule.command == commandLabel(object, command);
 }
 
 /// A rule for a command that nobody sends would wait for ever.

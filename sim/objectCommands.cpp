@@ -118,9 +118,7 @@ std::string followAssociation(ArrayState& state, const ApiRequest& request) {
 std::vector<std::string> associationNames() {
     std::vector<std::string> names;
     std::transform(associations.begin(), associations.end(), std::back_inserter(names),
-                   [](const Association& row) {
-                       return std::string(row.object).append("::").append(row.name);
-                   });
+                   [](const Association& row) { return commandLabel(row.object, row.name); });
     return names;
 }
 

@@ -57,19 +57,16 @@ std::string section(Position begin, Position end, ObjectReturnEncodeEnum encode)
     return element;
 }
 
-/// The columns of a section; one without a header has a column for every attribute.
-APIAttributeList columnsOf(const parser::XMLElement& element, const BASEApiObject& object) {
+/// The header of a section; one without it has a column for every attribute.
+std::string headerOf(const parser::XMLElement& element, const BASEApiObject& object) {
     const parser::XMLElement* header = element.GetChildElemByTag(kHeaderTag);
-    return header != nullptr ? object.ParseCSVHeader(header->GetElementContent())
-                             : object.GetAttributeList();
+    return header != nullptr ? header->GetElementContent() : object.CreateCSVHeader();
 }
 
-/// No fewer than the names and values of a section.
-std::size_t fieldsOf(const parser::XMLElement& element) {
-    const std::string fields = element.GetChildElemContentByTag(kHeaderTag) + "\n" +
-                               element.GetChildElemContentByTag(kDataTag) + "\n";
-    return static_cast<std::size_t>(std::count_if(
-        fields.begin(), fields.end(), [](char end) { return end == ',' || end == '\n'; }));
+/// No fewer than the names of a header or the values of data lines.
+std::size_t fieldsOf(const std::string& text) {
+    return 1 + static_cast<std::size_t>(std::count_if(
+                   text.begin(), text.end(), [](char end) { return end == ',' || end == '\n'; }));
 }
 
 }  // namespace
@@ -105,26 +102,27 @@ bool COMPObjectMethodReturn::ReadObjects(const parser::XMLElement& element) {
         if (!object) {
             continue;
         }
-        if (child->GetChildElemByTag(kDataTag) == nullptr ||
-            object->GetAttributeByName(kDataTag) != nullptr) {
+        const parser::XMLElement* data = child->GetChildElemByTag(kDataTag);
+        if (data == nullptr || object->GetAttributeByName(kDataTag) != nullptr) {
             object->ParseElemNode(child);
             Append(std::move(object));
             continue;
         }
-        fields += fieldsOf(*child);
+        const std::string header = headerOf(*child, *object);
+        const std::string lines = data->GetElementContent();
+        fields += fieldsOf(header) + fieldsOf(lines);
         if (fields > parser::XMLParser::kMaxElements) {
             return false;
         }
-        ReadSection(*child, *object);
+        ReadLines(*object, object->ParseCSVHeader(header), lines);
     }
     return true;
 }
 
-void COMPObjectMethodReturn::ReadSection(const parser::XMLElement& element,
-                                         const BASEApiObject& sample) {
-    const APIAttributeList columns = columnsOf(element, sample);
+void COMPObjectMethodReturn::ReadLines(const BASEApiObject& sample, const APIAttributeList& columns,
+                                       const std::string& text) {
     std::vector<std::string> lines;
-    STRINGUtil::SplitString(element.GetChildElemContentByTag(kDataTag), '\n', lines);
+    STRINGUtil::SplitString(text, '\n', lines);
     for (std::size_t i = 0; i < lines.size() && !IsFull(); ++i) {
         auto listed = APIObjectRegistry::Instance().CreateObject(sample.GetObjectName());
         listed->ParseCSVData(columns, lines[i]);

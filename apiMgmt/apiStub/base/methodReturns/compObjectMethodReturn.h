@@ -27,5 +27,6 @@ public:
     bool ReadObjects(const parser::XMLElement& element);
 
 private:
-    void ReadSection(const parser::XMLElement& element, const BASEApiObject& sample);
+    void ReadLines(const BASEApiObject& sample, const APIAttributeList& columns,
+                   const std::string& text);
 };
