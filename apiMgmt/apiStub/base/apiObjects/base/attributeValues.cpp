@@ -36,7 +36,7 @@ bool ATTRIBUTEValues::IsAttributeSet(const BASEApiAttribute* attribute) const {
     return attribute && IsAttributeSet(attribute->GetXmlName());
 }
 
-const BASEApiAttribute* ATTRIBUTEValues::findAttribute(const APIAttributeList& attributes,
+const BASEApiAttribute* ATTRIBUTEValues::FindAttribute(const APIAttributeList& attributes,
                                                        const std::string& name) {
     for (const BASEApiAttribute* attribute : attributes) {
         if (attribute->GetXmlName() == name) {

@@ -44,7 +44,7 @@ protected:
     ATTRIBUTEValues& operator=(ATTRIBUTEValues&&) = default;
 
     /// The attribute with that XML name, or null. It lives as long as the process.
-    static const BASEApiAttribute* findAttribute(const APIAttributeList& attributes,
+    static const BASEApiAttribute* FindAttribute(const APIAttributeList& attributes,
                                                  const std::string& name);
     /// Appends an element for each set attribute, in list order; with `unsetToo` an empty one for
     /// each other.

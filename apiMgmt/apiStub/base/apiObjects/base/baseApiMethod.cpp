@@ -58,7 +58,7 @@ void BASEApiMethod::ValidateRequiredAttributes() const {}
 void BASEApiMethod::ValidateRequiredOrAttributes() const {}
 
 const BASEApiAttribute* BASEApiMethod::GetAttributeByName(const std::string& name) const {
-    return findAttribute(GetAttributeList(), name);
+    return FindAttribute(GetAttributeList(), name);
 }
 
 void BASEApiMethod::SetLiteObjectRequest() {

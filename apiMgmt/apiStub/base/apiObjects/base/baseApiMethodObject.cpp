@@ -5,7 +5,7 @@
 BASEApiMethodObject::~BASEApiMethodObject() = default;
 
 const BASEApiAttribute* BASEApiMethodObject::GetAttributeByName(const std::string& name) const {
-    return findAttribute(GetAttributeList(), name);
+    return FindAttribute(GetAttributeList(), name);
 }
 
 std::string BASEApiMethodObject::ToXMLString(bool escape) const {

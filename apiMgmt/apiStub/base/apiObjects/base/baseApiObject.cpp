@@ -39,7 +39,7 @@ void BASEApiObject::PutStringDirect(const std::string& name, const std::string& 
 }
 
 const BASEApiAttribute* BASEApiObject::GetAttributeByName(const std::string& name) const {
-    return findAttribute(GetAttributeList(), name);
+    return FindAttribute(GetAttributeList(), name);
 }
 
 APIObjectInstance BASEApiObject::GetObjectIdentifier() const {
