@@ -21,8 +21,9 @@ static int beginConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* p
 static struct soapLibrary* findOrAddLibrary(apr_pool_t* pool, const char* path) {
     for (int i = 0; i < libraries->nelts; ++i) {
         struct soapLibrary* known = APR_ARRAY_IDX(libraries, i, struct soapLibrary*);
-        if (strcmp(known->path, path) == 0)
+        if (strcmp(known->path, path) == 0) {
             return known;
+        }
     }
     struct soapLibrary* library = apr_pcalloc(pool, sizeof *library);
     library->path = path;
@@ -33,22 +34,26 @@ static struct soapLibrary* findOrAddLibrary(apr_pool_t* pool, const char* path) 
 static const char* checkFile(cmd_parms* cmd, const char* argument, const char** path) {
     apr_finfo_t info;
     *path = ap_server_root_relative(cmd->pool, argument);
-    if (!*path)
+    if (!*path) {
         return apr_psprintf(cmd->pool, "%s: invalid path %s", cmd->cmd->name, argument);
+    }
     apr_status_t status = apr_stat(&info, *path, APR_FINFO_TYPE, cmd->temp_pool);
-    if (status != APR_SUCCESS)
+    if (status != APR_SUCCESS) {
         return apr_psprintf(cmd->pool, "%s: cannot use %s: %pm", cmd->cmd->name, *path,
                             (void*)&status);
-    if (info.filetype != APR_REG)
+    }
+    if (info.filetype != APR_REG) {
         return apr_psprintf(cmd->pool, "%s: %s is not a file", cmd->cmd->name, *path);
+    }
     return NULL;
 }
 
 static const char* setLibrary(cmd_parms* cmd, void* location, const char* argument) {
     const char* path;
     const char* error = checkFile(cmd, argument, &path);
-    if (!error)
+    if (!error) {
         ((struct soapLocation*)location)->library = findOrAddLibrary(cmd->pool, path);
+    }
     return error;
 }
 
@@ -76,17 +81,20 @@ static void* createLocation(apr_pool_t* pool, char* path) {
 static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
     const struct soapLocation* base = outer;
     struct soapLocation* merged = apr_pmemdup(pool, inner, sizeof *merged);
-    if (!merged->library)
+    if (!merged->library) {
         merged->library = base->library;
-    if (!merged->wsdl)
+    }
+    if (!merged->wsdl) {
         merged->wsdl = base->wsdl;
+    }
     return merged;
 }
 
 static int loadLibraries(apr_pool_t* pconf, server_rec* server) {
     for (int i = 0; i < libraries->nelts; ++i) {
-        if (!soapLoadLibrary(APR_ARRAY_IDX(libraries, i, struct soapLibrary*), pconf, server))
+        if (!soapLoadLibrary(APR_ARRAY_IDX(libraries, i, struct soapLibrary*), pconf, server)) {
             return HTTP_INTERNAL_SERVER_ERROR;
+        }
     }
     return OK;
 }
@@ -120,8 +128,9 @@ static const char* configuredHandler(request_rec* r) {
 static int noteService(request_rec* r) {
     struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
     const char* handler = location->library ? configuredHandler(r) : NULL;
-    if (handler && strcmp(handler, SOAP_HANDLER) == 0)
+    if (handler && strcmp(handler, SOAP_HANDLER) == 0) {
         ap_set_module_config(r->request_config, &gsoap_module, location);
+    }
     return DECLINED;
 }
 
@@ -131,8 +140,9 @@ static int skipFiles(request_rec* r) {
 
 static apr_status_t endChild(void* data) {
     (void)data;
-    for (int i = 0; i < libraries->nelts; ++i)
+    for (int i = 0; i < libraries->nelts; ++i) {
         soapFreeReady(APR_ARRAY_IDX(libraries, i, struct soapLibrary*));
+    }
     return APR_SUCCESS;
 }
 

@@ -25,11 +25,12 @@ static int keepBuckets(apr_bucket_brigade* from, apr_bucket_brigade* body, apr_p
         apr_bucket* bucket = APR_BRIGADE_FIRST(from);
         const char* data;
         apr_size_t size = 0;
-        if (APR_BUCKET_IS_EOS(bucket))
+        if (APR_BUCKET_IS_EOS(bucket)) {
             atEnd = 1;
-        else if (!APR_BUCKET_IS_METADATA(bucket) &&
-                 apr_bucket_read(bucket, &data, &size, APR_BLOCK_READ) != APR_SUCCESS)
+        } else if (!APR_BUCKET_IS_METADATA(bucket) &&
+                   apr_bucket_read(bucket, &data, &size, APR_BLOCK_READ) != APR_SUCCESS) {
             return HTTP_BAD_REQUEST;
+        }
         if (size == 0) {
             apr_bucket_delete(bucket);
             continue;
@@ -47,16 +48,19 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body) {
     apr_bucket_brigade* part = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     apr_off_t length = 0;
     int status = OK;
-    if (announcedLength(r) > limit)
+    if (announcedLength(r) > limit) {
         return HTTP_REQUEST_ENTITY_TOO_LARGE;
+    }
     while (status == OK) {
         apr_status_t got = ap_get_brigade(r->input_filters, part, AP_MODE_READBYTES, APR_BLOCK_READ,
                                           HUGE_STRING_LEN);
-        if (got != APR_SUCCESS)
+        if (got != APR_SUCCESS) {
             return ap_map_http_request_error(got, HTTP_BAD_REQUEST);
+        }
         status = keepBuckets(part, body, r->pool, &length);
-        if (length > limit)
+        if (length > limit) {
             return HTTP_REQUEST_ENTITY_TOO_LARGE;
+        }
     }
     return status == DONE ? OK : status;
 }
@@ -67,8 +71,9 @@ size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room) {
         apr_bucket* bucket = APR_BRIGADE_FIRST(body);
         const char* data;
         apr_size_t size;
-        if (apr_bucket_read(bucket, &data, &size, APR_BLOCK_READ) != APR_SUCCESS)
+        if (apr_bucket_read(bucket, &data, &size, APR_BLOCK_READ) != APR_SUCCESS) {
             break;
+        }
         if (size > room - taken) {
             size = room - taken;
             apr_bucket_split(bucket, size);

@@ -24,15 +24,18 @@ static int refuseMethod(request_rec* r, const struct soapLocation* location) {
 static int isUtf8(const char* parameters) {
     static const char* const known[] = {"utf-8", "us-ascii"};
     const char* value = parameters ? ap_strcasestr(parameters, "charset=") : NULL;
-    if (!value)
+    if (!value) {
         return 1;
+    }
     value += strlen("charset=");
-    if (*value == '"')
+    if (*value == '"') {
         ++value;
+    }
     for (size_t i = 0; i < sizeof known / sizeof *known; ++i) {
         size_t length = strlen(known[i]);
-        if (strncasecmp(value, known[i], length) == 0 && strcspn(value, "\"; \t") == length)
+        if (strncasecmp(value, known[i], length) == 0 && strcspn(value, "\"; \t") == length) {
             return 1;
+        }
     }
     return 0;
 }
@@ -45,11 +48,13 @@ static int isXmlText(const char* contentType) {
 
 static int checkHeaders(request_rec* r) {
     const char* encoding = apr_table_get(r->headers_in, "Content-Encoding");
-    if (!isXmlText(apr_table_get(r->headers_in, "Content-Type")))
+    if (!isXmlText(apr_table_get(r->headers_in, "Content-Type"))) {
         return refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE,
                       "The content type of a SOAP request is text/xml, its character set UTF-8.");
-    if (encoding && strcasecmp(encoding, "identity") != 0)
+    }
+    if (encoding && strcasecmp(encoding, "identity") != 0) {
         return refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, "A SOAP request is sent without encoding.");
+    }
     return OK;
 }
 
@@ -59,10 +64,12 @@ static int checkStart(request_rec* r, apr_bucket_brigade* body) {
     static const char byteOrderMark[] = "\xEF\xBB\xBF";
     char start[256];
     apr_size_t size = sizeof start - 1;
-    if (APR_BRIGADE_EMPTY(body))
+    if (APR_BRIGADE_EMPTY(body)) {
         return refuse(r, HTTP_BAD_REQUEST, "The request has no body.");
-    if (apr_brigade_flatten(body, start, &size) != APR_SUCCESS)
+    }
+    if (apr_brigade_flatten(body, start, &size) != APR_SUCCESS) {
         return HTTP_BAD_REQUEST;
+    }
     start[size] = '\0';
     const char* first = strncmp(start, byteOrderMark, 3) == 0 ? start + 3 : start;
     first += strspn(first, " \t\r\n");
@@ -87,14 +94,18 @@ static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply) {
 static int servePost(request_rec* r, struct soapLibrary* library) {
     apr_bucket_brigade* body = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     int status = checkHeaders(r);
-    if (status == OK)
+    if (status == OK) {
         status = soapReadBody(r, body);
-    if (status == HTTP_REQUEST_ENTITY_TOO_LARGE)
+    }
+    if (status == HTTP_REQUEST_ENTITY_TOO_LARGE) {
         return refuse(r, status, "The request body is larger than the service accepts.");
-    if (status == OK)
+    }
+    if (status == OK) {
         status = checkStart(r, body);
-    if (status != OK)
+    }
+    if (status != OK) {
         return status;
+    }
     apr_bucket_brigade* reply = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     status = soapServe(r, library, body, reply);
     return sendReply(r, status, reply);
@@ -105,15 +116,19 @@ static int asksForWsdl(const request_rec* r) {
 }
 
 int soapHandler(request_rec* r) {
-    if (!r->handler || strcmp(r->handler, SOAP_HANDLER) != 0)
+    if (!r->handler || strcmp(r->handler, SOAP_HANDLER) != 0) {
         return DECLINED;
+    }
     const struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
-    if (location->wsdl && asksForWsdl(r))
+    if (location->wsdl && asksForWsdl(r)) {
         return soapSendWsdl(r, location->wsdl);
-    if (r->method_number != M_POST)
+    }
+    if (r->method_number != M_POST) {
         return refuseMethod(r, location);
-    if (location->library)
+    }
+    if (location->library) {
         return servePost(r, location->library);
+    }
     ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r,
                   SOAP_HANDLER " is set here, and no SOAPLibrary names a plug-in");
     return HTTP_INTERNAL_SERVER_ERROR;

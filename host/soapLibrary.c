@@ -40,17 +40,20 @@ int soapLoadLibrary(struct soapLibrary* library, apr_pool_t* pool, server_rec* s
     /* The server reads its configuration twice at start and again at each graceful restart. A
      * plug-in has thread-local data and objects that live until exit, so it is never unmapped. */
     void* handle = dlopen(library->path, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-    if (!handle)
+    if (!handle) {
         return refuse(server, library, dlerror());
+    }
     void* symbol = dlsym(handle, APACHE_SOAP_ENTRY);
-    if (!symbol)
+    if (!symbol) {
         return refuse(server, library, "it does not export " APACHE_SOAP_ENTRY);
+    }
     apache_soap_entry* fillTable;
     memcpy(&fillTable, &symbol, sizeof fillTable); /* ISO C has no cast from object to function */
     union tableRoom* room = apr_pcalloc(pool, sizeof *room);
     fillTable(&room->table);
-    if (!acceptTable(&room->table, library, server))
+    if (!acceptTable(&room->table, library, server)) {
         return 0;
+    }
     library->table = &room->table;
     return 1;
 }

@@ -39,8 +39,9 @@ static const char noAnswer[] =
 /* The one that a hook serves; null for a plug-in that comes at another time. A plug-in that serves
  * with the context itself leaves it changed; most use a copy. */
 static struct readyContext* noteUse(const struct soap* context) {
-    if (current && context == &current->context)
+    if (current && context == &current->context) {
         current->spoilt = 1;
+    }
     return current;
 }
 
@@ -136,8 +137,9 @@ static struct readyContext* makeContext(const struct apache_soap_interface* tabl
 
 void soapFreeReady(struct soapLibrary* library) {
     for (int i = 0; i < SOAP_READY_CONTEXTS; ++i) {
-        if (library->contexts[i])
+        if (library->contexts[i]) {
             freeContext(library->contexts[i], library->table);
+        }
         library->contexts[i] = NULL;
     }
 }
@@ -147,8 +149,9 @@ static struct readyContext* takeContext(struct soapLibrary* library) {
         struct readyContext** slot = &library->contexts[i];
         if (__atomic_load_n(slot, __ATOMIC_RELAXED)) {
             struct readyContext* ready = __atomic_exchange_n(slot, NULL, __ATOMIC_ACQUIRE);
-            if (ready)
+            if (ready) {
                 return ready;
+            }
         }
     }
     return makeContext(library->table);
@@ -168,8 +171,9 @@ static void giveBack(struct soapLibrary* library, struct readyContext* ready) {
     for (int i = 0; i < SOAP_READY_CONTEXTS && isAsNew(ready); ++i) {
         struct readyContext* empty = NULL;
         if (__atomic_compare_exchange_n(&library->contexts[i], &empty, ready, 0, __ATOMIC_RELEASE,
-                                        __ATOMIC_RELAXED))
+                                        __ATOMIC_RELAXED)) {
             return;
+        }
     }
     freeContext(ready, library->table);
 }
@@ -178,14 +182,15 @@ static void giveBack(struct soapLibrary* library, struct readyContext* ready) {
 static int callPlugin(struct readyContext* ready, const struct apache_soap_interface* table) {
     int status = SOAP_OK;
     const char* type = NULL;
-    if (!soapServeGuarded(table->serve, &ready->context, &status, &type))
+    if (!soapServeGuarded(table->serve, &ready->context, &status, &type)) {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
                       "the SOAP plug-in let an exception of type %s pass", type);
-    else if (APR_BRIGADE_EMPTY(ready->reply))
+    } else if (APR_BRIGADE_EMPTY(ready->reply)) {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
                       "the SOAP plug-in gave no answer, its status is %d", status);
-    else
+    } else {
         return status == SOAP_OK ? HTTP_OK : HTTP_INTERNAL_SERVER_ERROR;
+    }
     ready->spoilt = 1;
     return 0;
 }
@@ -205,8 +210,9 @@ int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* b
     } else {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r, "no context for a SOAP request");
     }
-    if (status)
+    if (status) {
         return status;
+    }
     apr_brigade_cleanup(reply);
     apr_brigade_puts(reply, NULL, NULL, noAnswer);
     return HTTP_INTERNAL_SERVER_ERROR;

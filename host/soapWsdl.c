@@ -14,11 +14,13 @@ static const char* readWhole(const char* path, char** text, apr_pool_t* pool) {
     apr_file_t* file;
     apr_finfo_t info;
     apr_status_t status = apr_file_open(&file, path, APR_FOPEN_READ, APR_FPROT_OS_DEFAULT, pool);
-    if (status != APR_SUCCESS)
+    if (status != APR_SUCCESS) {
         return apr_psprintf(pool, "cannot open %s: %pm", path, (void*)&status);
+    }
     status = apr_file_info_get(&info, APR_FINFO_SIZE, file);
-    if (status == APR_SUCCESS && info.size > WSDL_SIZE_LIMIT)
+    if (status == APR_SUCCESS && info.size > WSDL_SIZE_LIMIT) {
         return apr_psprintf(pool, "%s is too large for a service description", path);
+    }
     if (status == APR_SUCCESS) {
         *text = apr_pcalloc(pool, (apr_size_t)info.size + 1);
         status = apr_file_read_full(file, *text, (apr_size_t)info.size, NULL);
@@ -31,8 +33,9 @@ static const char* readWhole(const char* path, char** text, apr_pool_t* pool) {
 const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* pool) {
     char* text = NULL;
     const char* error = readWhole(path, &text, pool);
-    if (error)
+    if (error) {
         return error;
+    }
     *wsdl = apr_pcalloc(pool, sizeof **wsdl);
     (*wsdl)->texts = apr_array_make(pool, 2, sizeof(const char*));
     for (char* next = text; next; text = next) {
@@ -57,8 +60,9 @@ static const char* serviceAddress(request_rec* r) {
     const char* scheme = ap_http_scheme(r);
     const char* host = r->hostname ? r->hostname : r->connection->local_ip;
     apr_port_t port = r->connection->local_addr->port;
-    if (r->hostname)
+    if (r->hostname) {
         port = r->parsed_uri.port_str ? r->parsed_uri.port : apr_uri_port_of_scheme(scheme);
+    }
     const char* path = ap_os_escape_path(r->pool, r->uri, 1);
     const char* url =
         port == apr_uri_port_of_scheme(scheme)
@@ -78,8 +82,9 @@ int soapSendWsdl(request_rec* r, const struct soapWsdl* wsdl) {
     const char* address = serviceAddress(r);
     apr_off_t length = 0;
     for (int i = 0; i < wsdl->texts->nelts; ++i) {
-        if (i > 0)
+        if (i > 0) {
             apr_brigade_puts(reply, NULL, NULL, address);
+        }
         appendText(reply, APR_ARRAY_IDX(wsdl->texts, i, const char*));
     }
     apr_brigade_length(reply, 1, &length);
