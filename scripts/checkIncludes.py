@@ -14,22 +14,23 @@ from pathlib import Path
 # the first room that matches. To add a folder, add a row above every wider one.
 ERRORS = r"apiMgmt/apiStub/base/methodReturns/" \
          r"(errorStateEnum|generalError|apiMethodError|apiSocketError|tarnResponseStatus)\."
-STUB = ["utils", "proto", "errors", "ipc", "xmlParser"]
+STUB = ["text", "utils", "proto", "errors", "ipc", "xmlParser"]
 SERVICE = STUB + ["base", "apiSdk", "hostInterface"]
 ANYTHING = None
 ROOMS = [
-    ("utils",         r"apiMgmt/common/utils/",          []),
+    ("text",          r"apiMgmt/common/text/",           []),
+    ("utils",         r"apiMgmt/common/utils/",          ["text"]),
     ("proto",         r"apiMgmt/proto/",                 []),
-    ("errors",        ERRORS,                            ["utils"]),
-    ("ipc",           r"apiMgmt/common/ipc/",            ["utils", "proto", "errors"]),
-    ("xmlParser",     r"apiMgmt/common/xmlParser/",      ["utils"]),
+    ("errors",        ERRORS,                            ["text", "utils"]),
+    ("ipc",           r"apiMgmt/common/ipc/",            ["text", "utils", "proto", "errors"]),
+    ("xmlParser",     r"apiMgmt/common/xmlParser/",      ["text", "utils"]),
     ("base",          r"apiMgmt/apiStub/base/",          STUB),
     ("apiSdk",        r"apiMgmt/apiStub/apiSdk/",        STUB + ["base"]),
     ("service",       r"apiMgmt/webservices/sanService/", SERVICE),
     ("hostInterface", r"host/include/",                  []),
     ("host",          r"host/",                          ["hostInterface"]),
-    ("sim",           r"sim/",                           ["utils", "proto", "errors", "ipc", "xmlParser"]),
-    ("client",        r"client/",                        ["utils", "service"]),
+    ("sim",           r"sim/",                           ["text", "utils", "proto", "errors", "ipc", "xmlParser"]),
+    ("client",        r"client/",                        ["text", "utils", "service"]),
     ("outside",       r"(tests|bench|fuzz|examples)/",   ANYTHING),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)

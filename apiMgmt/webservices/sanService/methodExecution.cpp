@@ -7,7 +7,6 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/apiStub/base/methodReturns/baseApiMethodReturn.h"
-#include "apiMgmt/common/utils/legalXmlText.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 
 const BASEApiMethodReturn* SANService::ExecuteMethod(
@@ -53,7 +52,7 @@ int SANService::ParseXMLResponse(SanApi::ns1__resultObject** result,
         *result = AllocSoapResultObject();
         return SOAP_OK;
     }
-    return soap_receiverfault(legalXmlText(ret->GetError()).c_str(), "");
+    return soap_receiverfault(ret->GetError().c_str(), "");
 }
 
 int SANService::RunMethod(const BASEApiMethod& method, SanApi::ns1__resultObject** result,

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "apiMgmt/common/utils/legalXmlText.h"
+#include "apiMgmt/common/text/legalXmlText.h"
 
 // The namespace table is one of the names that the plug-in exports.
 #pragma GCC visibility push(default)
@@ -37,7 +37,7 @@ void env_serializefault(soap* context);
 void soap_serializefault(soap* context) {
     const char** text = soap_faultstring(context);
     if (text != nullptr && *text != nullptr) {
-        *text = soap_strdup(context, legalXmlText(*text).c_str());
+        *text = soap_strdup(context, text::legalXmlText(*text).c_str());
     }
     env_serializefault(context);
 }

@@ -8,7 +8,7 @@
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
-#include "apiMgmt/common/utils/legalXmlText.h"
+#include "apiMgmt/common/text/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "tests/apiMgmt/apiStub/base/errorOf.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
@@ -147,7 +147,7 @@ TEST(RequestPropertyTest, NoTextBreaksOutOfItsElement) {
         parser::XMLParser reader(nullptr);
         if (!reader.ParseXMLString(method.GetXMLString(false, true))) {
             const std::string all = texts[0] + texts[1] + texts[2];
-            EXPECT_NE(legalXmlText(all), all);
+            EXPECT_NE(text::legalXmlText(all), all);
             ++refused;
             continue;
         }

@@ -1,6 +1,8 @@
-#include "apiMgmt/common/utils/legalXmlText.h"
+#include "apiMgmt/common/text/legalXmlText.h"
 
 #include <cstdint>
+
+namespace text {
 
 namespace {
 
@@ -65,3 +67,5 @@ std::string legalXmlText(std::string_view text) {
     }
     return legal;
 }
+
+}  // namespace text
