@@ -69,7 +69,7 @@ soapRequestConf* SANService::getRequestConfiguration() {
 
 std::string* SANService::AllocSoapString(const std::string& s) {
     std::string& text =
-        Made(SanApi::soap_instantiate_std__string(this, -1, nullptr, nullptr, nullptr));
+        RequireAllocated(SanApi::soap_instantiate_std__string(this, -1, nullptr, nullptr, nullptr));
     text = s;
     return &text;
 }

@@ -23,11 +23,20 @@ extern "C" __attribute__((visibility("default"))) const char* gNullPointerMsg;
 ///
 ///     SANService service(*context, "127.0.0.1", getApiMgrPort());
 ///     return service.serve();
+///
+/// Its members are defined in
+/// - sanService.cpp: construction, the limits of the input, what is allocated on the context
+/// - sanServiceHeader.cpp: the SOAP header of request and reply, and the dispatch behind it
+/// - sanServiceExecution.cpp: the call of the management API, and what becomes of its return
+/// - sanServiceMembership.cpp: the operations on clusters and their servers, and Ping
+/// - sanServiceVolumes.cpp: the operations on volumes and their data
 class SANService : public SanApi::SanApiPortBindingService {
 public:
     /// Copies @p context, so that the object inherits the module's connection, buffers and modes.
     /// The two connection addresses come from the module's request configuration; without it
     /// they stay empty and a LOGError line says so.
+    /// @p apiMgrAddress and @p apiMgrPort are kept for copy() alone: a call to the management API
+    /// finds its way by itself, always to 127.0.0.1 and the port of getApiMgrPort().
     SANService(const soap& context, const std::string& apiMgrAddress, const int& apiMgrPort);
     ~SANService() override = default;
     SANService(const SANService&) = delete;
@@ -87,9 +96,9 @@ protected:
     int ParseXMLResponse(SanApi::ns1__resultObject** result, const BASEApiMethodReturn* ret);
 
 private:
-    /// What the engine made; it gives null where memory ends.
+    /// What the engine allocated. It gives null when memory has run out, which is thrown here.
     template <typename Object>
-    static Object& Made(Object* object) {
+    static Object& RequireAllocated(Object* object) {
         if (object == nullptr) {
             throw std::bad_alloc();
         }

@@ -21,8 +21,8 @@ const APINorvaneScsiInformation* scsiInformationOf(const BASEApiMethodReturn* re
 
 SanApi::ns1__scsiInfo* SANService::AllocScsiInfo(const std::string& deviceId,
                                                  const std::string& serial) {
-    SanApi::ns1__scsiInfo& info =
-        Made(SanApi::soap_instantiate_ns1__scsiInfo(this, -1, nullptr, nullptr, nullptr));
+    SanApi::ns1__scsiInfo& info = RequireAllocated(
+        SanApi::soap_instantiate_ns1__scsiInfo(this, -1, nullptr, nullptr, nullptr));
     info.deviceId = deviceId;
     info.serialNumber = AllocSoapString(serial);
     return &info;

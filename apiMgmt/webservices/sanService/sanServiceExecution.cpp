@@ -34,8 +34,8 @@ const BASEApiMethodReturn* SANService::ExecuteMethod(
 }
 
 SanApi::ns1__resultObject* SANService::AllocSoapResultObject() {
-    SanApi::ns1__resultObject& result =
-        Made(SanApi::soap_instantiate_ns1__resultObject(this, -1, nullptr, nullptr, nullptr));
+    SanApi::ns1__resultObject& result = RequireAllocated(
+        SanApi::soap_instantiate_ns1__resultObject(this, -1, nullptr, nullptr, nullptr));
     result.defaultMsg = AllocSoapString("");
     result.catalogNumber = 0;
     result.resultCode = 0;
