@@ -3,9 +3,9 @@
 #include <iostream>
 #include <list>
 
-#include "client/commandLine.h"
-#include "client/lifecycleCommand.h"
-#include "client/operations.h"
+#include "client/commandLine/commandLine.h"
+#include "client/commandLine/lifecycleCommand.h"
+#include "client/commandLine/operations.h"
 
 namespace {
 

@@ -15,7 +15,8 @@ from pathlib import Path
 ERRORS = r"apiMgmt/apiStub/base/methodReturns/" \
          r"(errorStateEnum|generalError|apiMethodError|apiSocketError|tarnResponseStatus)\."
 STUB = ["text", "utils", "proto", "errors", "ipc", "xmlParser"]
-SERVICE = STUB + ["base", "apiSdk", "hostInterface"]
+SERVICE = STUB + ["base", "apiSdk", "contract", "hostInterface"]
+CALLS = ["text", "contract"]
 ANYTHING = None
 ROOMS = [
     ("text",          r"apiMgmt/common/text/",           []),
@@ -26,11 +27,18 @@ ROOMS = [
     ("xmlParser",     r"apiMgmt/common/xmlParser/",      ["text", "utils"]),
     ("base",          r"apiMgmt/apiStub/base/",          STUB),
     ("apiSdk",        r"apiMgmt/apiStub/apiSdk/",        STUB + ["base"]),
+    ("contract",      r"apiMgmt/webservices/sanService/contract/", ["text"]),
     ("service",       r"apiMgmt/webservices/sanService/", SERVICE),
     ("hostInterface", r"host/include/",                  []),
     ("host",          r"host/",                          ["hostInterface"]),
     ("sim",           r"sim/",                           ["text", "utils", "proto", "errors", "ipc", "xmlParser"]),
-    ("client",        r"client/",                        ["text", "utils", "service"]),
+    ("clientCall",        r"client/call/",               CALLS),
+    ("clientReport",      r"client/report/",             CALLS + ["clientCall"]),
+    ("clientLifecycle",   r"client/lifecycle/",          CALLS + ["clientCall", "clientReport"]),
+    ("clientCommandLine", r"client/commandLine/",
+     CALLS + ["clientCall", "clientReport", "clientLifecycle"]),
+    ("client",            r"client/",
+     CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientCommandLine"]),
     ("outside",       r"(tests|bench|fuzz|examples)/",   ANYTHING),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)

@@ -1,4 +1,4 @@
-#include "client/addressText.h"
+#include "client/call/addressText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "client/callStatistics.h"
+#include "client/report/callStatistics.h"
 
 #include <gtest/gtest.h>
 

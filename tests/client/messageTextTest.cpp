@@ -1,4 +1,4 @@
-#include "client/messageText.h"
+#include "client/call/messageText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,108 @@
+#include "client/commandLine/fieldOptions.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "client/commandLine/secretFile.h"
+
+namespace client {
+
+namespace {
+
+// What the parser reports as wrong usage.
+template <class Action>
+void asUsageError(const std::string& option, Action action) {
+    try {
+        action();
+    } catch (const std::invalid_argument& error) {
+        throw CLI::ValidationError(option, error.what());
+    }
+}
+
+// Calls `take` with each value of a repeatable option that has one value each time.
+void addRepeatable(CLI::App& command, const char* name, const char* form,
+                   std::function<void(const std::string&)> take, const std::string& help) {
+    const auto takeAll = [name, take](const std::vector<std::string>& values) {
+        asUsageError(name, [&] { std::for_each(values.begin(), values.end(), take); });
+    };
+    command.add_option_function<std::vector<std::string>>(name, takeAll, help + ", repeatable")
+        ->allow_extra_args(false)
+        ->type_name(form);
+}
+
+}  // namespace
+
+void FieldOptions::text(const char* name, std::string& member, const char* help) {
+    m_command.add_option(name, member, help)->required();
+}
+
+void FieldOptions::text(const char* name, const std::function<void(const std::string&)>& set,
+                        const char* help) {
+    m_command.add_option_function<std::string>(name, set, help);
+}
+
+void FieldOptions::optionalText(const char* name, std::string*& member, const char* help) {
+    text(
+        name, [&parts = m_parts, &member](const std::string& value) { member = parts.text(value); },
+        help);
+}
+
+void FieldOptions::secret(const char* name, const char* variable, std::string& member,
+                          const char* help) {
+    addSecretOption(
+        m_command, name, variable, [&member](const std::string& value) { member = value; }, help);
+    // Names no option that would put the secret on a command line.
+    m_command.callback([ways = std::string(name) + "-file or " + variable, &member] {
+        if (member.empty()) {
+            throw CLI::RequiredError(ways);
+        }
+    });
+}
+
+void FieldOptions::optionalSecret(const char* name, const char* variable, std::string*& member,
+                                  const char* help) {
+    addSecretOption(
+        m_command, name, variable,
+        [&parts = m_parts, &member](const std::string& value) { member = parts.text(value); },
+        help);
+}
+
+void FieldOptions::addresses(const char* name, std::vector<SanApi::ns1__IpAddressPort*>& member,
+                             const char* help) {
+    addRepeatable(
+        m_command, name, "IP:PORT",
+        [&parts = m_parts, &member](const std::string& value) {
+            member.push_back(parts.address(parseAddress(value)));
+        },
+        help);
+}
+
+void FieldOptions::interfaces(const char* name, std::vector<SanApi::ns1__interfaceObject*>& member,
+                              const char* help) {
+    addRepeatable(
+        m_command, name, "ID[:fc|iscsi]",
+        [&parts = m_parts, &member](const std::string& value) {
+            member.push_back(parts.interface(parseInterface(value)));
+        },
+        help);
+}
+
+void addSecretOption(CLI::App& command, const std::string& name, const char* variable,
+                     const std::function<void(const std::string&)>& set, const std::string& help) {
+    if (const char* value = std::getenv(variable); value != nullptr) {
+        set(value);
+    }
+    auto* plain =
+        command.add_option_function<std::string>(name, set, help + " (Env:" + variable + ")");
+    const std::string fileName = name + "-file";
+    const auto takeFile = [fileName, set](const std::string& path) {
+        asUsageError(fileName, [&] { set(readSecret(path)); });
+    };
+    command
+        .add_option_function<std::string>(fileName, takeFile,
+                                          "The same: first line of this file, - for stdin")
+        ->type_name("FILE")
+        ->excludes(plain);
+}
+
+}  // namespace client

@@ -1,0 +1,147 @@
+#include "client/commandLine/messageFields.h"
+
+namespace client {
+
+namespace {
+
+// Helps of the options that many messages have.
+constexpr const char* sanIdHelp = "Array that is meant";
+constexpr const char* hccIdHelp = "Cluster";
+constexpr const char* hcnIdHelp = "Server (node of the cluster)";
+constexpr const char* volumeHelp = "Volume, as the array names it";
+constexpr const char* snapshotHelp = "Snapshot";
+
+template <class Message>
+void clusterFields(FieldOptions& options, Message& message) {
+    options.text("--san-id", message.sanId, sanIdHelp);
+    options.text("--hcc-id", message.hccId, hccIdHelp);
+}
+
+template <class Message>
+void volumeFields(FieldOptions& options, Message& message) {
+    clusterFields(options, message);
+    options.text("--san-volume-id", message.sanVolumeId, volumeHelp);
+}
+
+template <class Message>
+void serverVolumeFields(FieldOptions& options, Message& message) {
+    volumeFields(options, message);
+    options.text("--hcn-id", message.hcnId, hcnIdHelp);
+}
+
+template <class Message>
+void snapshotFields(FieldOptions& options, Message& message) {
+    volumeFields(options, message);
+    options.text("--snapshot-id", message.snapshotId, snapshotHelp);
+}
+
+// An option of a part that the message leaves out until one of the part's options is given.
+template <class Part>
+void partText(FieldOptions& options, const char* name, Part*& part, std::string Part::*member,
+              const char* help) {
+    options.text(
+        name,
+        [&parts = options.parts(), &part, member](const std::string& value) {
+            part = part != nullptr ? part : parts.make<Part>();
+            part->*member = value;
+        },
+        help);
+}
+
+void operatingSystemFields(FieldOptions& options, SanApi::ns1__operatingSystemObject*& os) {
+    using Os = SanApi::ns1__operatingSystemObject;
+    partText(options, "--os-type", os, &Os::osType, "Operating system, such as Linux");
+    partText(options, "--os-release", os, &Os::osRelease, "Its release");
+    options.text(
+        "--cluster-id",
+        [&parts = options.parts(), &os](const std::string& value) {
+            os = os != nullptr ? os : parts.make<Os>();
+            os->clusterId = parts.text(value);
+        },
+        "Cluster of the operating system that the server belongs to");
+}
+
+void serverFields(FieldOptions& options, SanApi::ns1__hcnDiscoverableObject& server) {
+    using Version = SanApi::ns1__versionInformationObject;
+    options.text("--hcc-id", server.hccId, hccIdHelp);
+    options.text("--hcn-id", server.hcnId, hcnIdHelp);
+    options.optionalText("--hostname", server.hostname, "Host name of the server");
+    options.addresses("--address", server.mgmtIpAddresses, "Management address");
+    options.addresses("--cache-address", server.cacheIpAddresses, "Cache address");
+    operatingSystemFields(options, server.os);
+    partText(options, "--api-version", server.norvaneVersion, &Version::apiVersion,
+             "Interface version of the cluster software");
+    partText(options, "--software-version", server.norvaneVersion, &Version::softwareVersion,
+             "Version of the cluster software");
+}
+
+}  // namespace
+
+// How to add one: an overload whose options carry the names of the message's children, spelled
+// with hyphens, and its declaration. Lists of addresses are --address, interfaces --interface.
+
+void declareFields(FieldOptions& /*options*/, SanApi::ns1__Ping& /*message*/) {}
+
+void declareFields(FieldOptions& options, SanApi::ns1__AddHccToSan& message) {
+    clusterFields(options, message);
+    options.optionalText("--hcc-name", message.hccName, "Name of the cluster");
+    options.secret("--hcc-key", "SANCTL_HCC_KEY", message.hccKey, "Key of the cluster");
+    options.addresses("--address", message.cfmIpAddresses,
+                      "Address of a fabric manager, one at least");
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__RemoveHccFromSan& message) {
+    clusterFields(options, message);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__RenameHccInSan& message) {
+    clusterFields(options, message);
+    options.optionalSecret("--user-token", "SANCTL_USER_TOKEN", message.userToken,
+                           "Token of the user who renames");
+    options.text("--name", message.name, "New name");
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__AddServer& message) {
+    options.text("--san-id", message.sanId, sanIdHelp);
+    message.hcnInfo = options.parts().make<SanApi::ns1__hcnDiscoverableObject>();
+    serverFields(options, *message.hcnInfo);
+    options.interfaces("--interface", message.intfInfo, "Storage-facing interface");
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__RemoveServer& message) {
+    clusterFields(options, message);
+    options.text("--hcn-id", message.hcnId, hcnIdHelp);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__NewPrimaryCfmAddresses& message) {
+    options.text("--hcc-id", message.hccId, hccIdHelp);
+    options.addresses("--address", message.mgmtIpAddresses,
+                      "Management address of the new primary manager");
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__HccAttachVolume& message) {
+    volumeFields(options, message);
+    options.text("--hc-volume-id", message.hcVolumeId, "Volume, as the cluster names it");
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__HccDetachVolume& message) {
+    volumeFields(options, message);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__MakeDataAvailable& message) {
+    serverVolumeFields(options, message);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__MakeDataUnavailable& message) {
+    serverVolumeFields(options, message);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__FlushComplete& message) {
+    snapshotFields(options, message);
+}
+
+void declareFields(FieldOptions& options, SanApi::ns1__SnapshotPrepareComplete& message) {
+    snapshotFields(options, message);
+}
+
+}  // namespace client
