@@ -32,9 +32,9 @@ function(san_service_test name)
   add_test(NAME ${ARG_AS}
            COMMAND ${Python3_EXECUTABLE} -B -W error::ResourceWarning -m unittest -v ${name})
   san_sanitizer_runtime(runtime)
-  set(environment "SAN_BUILD_DIR=${CMAKE_BINARY_DIR}" "SAN_APACHE=${APACHE2}"
+  set(environment "SAN_BUILD_DIR=${PROJECT_BINARY_DIR}" "SAN_APACHE=${APACHE2}"
       "SAN_RUNTIME=${runtime}" "${SAN_TEST_TSAN}"
-      "PYTHONPATH=${CMAKE_CURRENT_SOURCE_DIR}:${CMAKE_SOURCE_DIR}/tests/service")
+      "PYTHONPATH=${CMAKE_CURRENT_SOURCE_DIR}:${PROJECT_SOURCE_DIR}/tests/service")
   set_tests_properties(${ARG_AS} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
   if(ARG_THREADED)
     set_tests_properties(${ARG_AS} PROPERTIES LABELS threaded)

@@ -1,8 +1,5 @@
 # What every target of the project shares, and the functions that make one.
-set(CMAKE_CXX_STANDARD 20)
-set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_C_STANDARD 11)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # Only what is said to be exported leaves the plug-in, so hidden is the default everywhere.
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
@@ -11,10 +8,11 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 set(SAN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 option(SAN_LIBFUZZER "Build the fuzz targets for libFuzzer (needs clang)" OFF)
-set(SAN_GENERATED_DIR "${CMAKE_BINARY_DIR}/generated")
+set(SAN_GENERATED_DIR "${PROJECT_BINARY_DIR}/generated")
 
 add_library(san_options INTERFACE)
-target_include_directories(san_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_features(san_options INTERFACE cxx_std_20)
+target_include_directories(san_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_definitions(san_options INTERFACE $<$<CONFIG:RelWithDebInfo>:_FORTIFY_SOURCE=2>)
 
 if(SAN_SANITIZE)
@@ -86,6 +84,9 @@ function(san_fuzz name)
     return()
   endif()
   san_program(${name} SOURCES ${name}.cpp replay.cpp DEPENDS ${ARG_DEPENDS})
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
   add_test(NAME ${name} COMMAND ${name} --runs 2000 "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS fuzz)
 endfunction()
