@@ -17,6 +17,7 @@ ERRORS = r"apiMgmt/apiStub/base/methodReturns/" \
 STUB = ["text", "utils", "proto", "errors", "ipc", "xmlParser"]
 SERVICE = STUB + ["base", "apiSdk", "contract", "hostInterface"]
 CALLS = ["text", "contract"]
+SIM_ARRAY = ["text", "simText", "simArray", "simProtocol", "simWire", "simFaults", "simExchanges"]
 ANYTHING = None
 ROOMS = [
     ("text",          r"apiMgmt/common/text/",           []),
@@ -31,7 +32,17 @@ ROOMS = [
     ("service",       r"apiMgmt/webservices/sanService/", SERVICE),
     ("hostInterface", r"host/include/",                  []),
     ("host",          r"host/",                          ["hostInterface"]),
-    ("sim",           r"sim/",                           ["text", "utils", "proto", "errors", "ipc", "xmlParser"]),
+    ("simText",      r"sim/text/",        ["text", "xmlParser"]),
+    ("simArray",     r"sim/array/",       ["simText"]),
+    ("simProtocol",  r"sim/protocol/",    ["proto", "xmlParser", "simText", "simArray"]),
+    ("simWire",      r"sim/wire/",        ["ipc"]),
+    ("simFaults",    r"sim/faults/",      ["proto", "simText", "simProtocol", "simWire"]),
+    ("simExchanges", r"sim/exchanges/",   ["text", "simText"]),
+    ("simulator",    r"sim/simulator/",   ["proto", *SIM_ARRAY]),
+    ("simPage",      r"sim/page/",        []),
+    ("simControl",   r"sim/control/",     ["simText", "simulator", "simPage"]),
+    ("simctl",       r"sim/simctl/",      ["ipc", *SIM_ARRAY, "simControl"]),
+    ("sim",          r"sim/",             ["ipc", *SIM_ARRAY, "simulator", "simControl"]),
     ("clientCall",        r"client/call/",               CALLS),
     ("clientReport",      r"client/report/",             CALLS + ["clientCall"]),
     ("clientLifecycle",   r"client/lifecycle/",          CALLS + ["clientCall", "clientReport"]),

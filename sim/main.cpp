@@ -11,10 +11,10 @@
 #include <system_error>
 
 #include "apiMgmt/common/ipc/apiMgrPort.h"
-#include "sim/controlServer.h"
-#include "sim/controlSocket.h"
-#include "sim/ipcServer.h"
-#include "sim/simulator.h"
+#include "sim/control/controlServer.h"
+#include "sim/control/controlSocket.h"
+#include "sim/simulator/simulator.h"
+#include "sim/wire/ipcServer.h"
 
 namespace {
 
