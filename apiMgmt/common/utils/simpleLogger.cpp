@@ -2,7 +2,10 @@
 
 #include <syslog.h>
 
+#include <thread>
+
 #include "apiMgmt/common/text/safeText.h"
+#include "apiMgmt/common/utils/logWatch.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 
 std::atomic<std::int32_t> logLevelMask{0xFF};
@@ -11,6 +14,11 @@ std::atomic<bool> includeHeader{false};
 namespace {
 
 constexpr int kAllLevels = 0xFF;
+
+// The identity belongs to the process, so who opens the log first and who closes it last matter.
+constexpr int kClosing = -1;  // for the moment that closelog takes
+std::atomic<int> openUsers{0};
+std::atomic<const char*> openIdentity{nullptr};  // null: closed
 
 /// `text` as one line; `escaped` is filled only when the text is not one already, which is rare.
 const char* oneLine(const std::string& text, std::string& escaped) {
@@ -21,14 +29,45 @@ const char* oneLine(const std::string& text, std::string& escaped) {
     return escaped.c_str();
 }
 
+std::string lostNote(std::uint64_t lines) {
+    return STRINGUtil::FormatStr("%llu log lines were lost while the log daemon did not read",
+                                 static_cast<unsigned long long>(lines));
+}
+
 }  // namespace
 
 void SimpleLogger::open(const char* ident) {
-    openlog(ident, LOG_CONS, LOG_USER);
+    int users = openUsers.load(std::memory_order_relaxed);
+    do {
+        while (users == kClosing) {
+            std::this_thread::yield();  // closelog would take the identity from what follows
+            users = openUsers.load(std::memory_order_relaxed);
+        }
+    } while (!openUsers.compare_exchange_weak(users, users + 1, std::memory_order_acquire));
+    // Each that finds it closed opens it: the first one may not have come to it yet.
+    if (openIdentity.load(std::memory_order_acquire) != ident) {
+        openlog(ident, LOG_CONS, LOG_USER);
+        openIdentity.store(ident, std::memory_order_release);
+    }
 }
 
 void SimpleLogger::close() {
+    int users = openUsers.load(std::memory_order_relaxed);
+    while (users > 0 && !openUsers.compare_exchange_weak(users, users == 1 ? kClosing : users - 1,
+                                                         std::memory_order_acq_rel)) {
+    }
+    if (users > 1) {
+        return;
+    }
+    openIdentity.store(nullptr, std::memory_order_relaxed);
     closelog();
+    if (users == 1) {
+        openUsers.store(0, std::memory_order_release);
+    }
+}
+
+std::uint64_t SimpleLogger::lostLines() {
+    return LogWatch::lostLines();
 }
 
 void SimpleLogger::setMask(int mask) {
@@ -60,6 +99,9 @@ void SimpleLogger::DoLog(LOGLevel level, const char* file, const char* func, int
     if ((level & logLevelMask.load(std::memory_order_relaxed)) == 0) {
         return;
     }
+    if (const std::uint64_t lost = LogWatch::takeUnreported(); lost != 0) {
+        DoLog(LOGWarning, file, func, line, category, lostNote(lost));
+    }
     const int priority = ConvertToSyslogPriority(level);
     std::string escapedCategory;
     std::string escapedMessage;
@@ -72,5 +114,7 @@ void SimpleLogger::DoLog(LOGLevel level, const char* file, const char* func, int
                   categoryLine, file, func, line, messageLine)
             : STRINGUtil::FormatStr("level(%d) category(%s) message(%s)\n", priority, categoryLine,
                                     messageLine);
-    syslog(priority, "%s", text.c_str());
+    if (const LogWatch::Line entry; entry.mayBeWritten()) {
+        syslog(priority, "%s", text.c_str());
+    }
 }

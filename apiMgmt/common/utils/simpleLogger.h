@@ -33,9 +33,16 @@ public:
         LOGDebug = 0x80,
     };
 
-    /// `ident` is not copied: it lives until `close`, or for ever where threads log at once.
+    /// Opens the log, or joins those that have it open; the last to close it closes it. So no
+    /// thread takes the identity from the lines of another. `ident` is not copied: it lives until
+    /// that last `close`.
     static void open(const char* ident);
     static void close();
+
+    /// How many lines this process has lost because the log daemon did not read. `DoLog` waits for
+    /// no daemon longer than a second or two, and further lines not at all until it reads again;
+    /// then a line of its own tells how many are missing.
+    static std::uint64_t lostLines();
 
     /// Bits above the eighth are dropped.
     static void setMask(int mask);

@@ -107,4 +107,33 @@ TEST_F(SimpleLoggerTest, ManyThreadsLogWhileTheMaskIsSet) {
                                  "level(4) category(SANService) message(M)\n"))));
 }
 
+// A line is written with the identity that the log has at that moment, whoever opened it.
+TEST_F(SimpleLoggerTest, NoThreadTakesTheIdentityFromAnother) {
+    constexpr std::size_t kThreads = 8, kRequests = 500;
+    std::vector<std::jthread> threads;
+    for (std::size_t t = 0; t < kThreads; ++t) {
+        threads.emplace_back([] {
+            for (std::size_t i = 0; i < kRequests; ++i) {
+                SimpleLogger::open("SANService");
+                Log(SimpleLogger::LOGWarning, "M");
+                SimpleLogger::close();
+            }
+        });
+    }
+    threads.clear();
+    std::string identity;
+    std::size_t written = 0, nameless = 0;
+    for (const SyslogCapture::Line& line : SyslogCapture::Lines()) {
+        if (line.format == "openlog" || line.format == "closelog") {
+            identity = line.text;
+        } else {
+            ++written;
+            nameless += identity.empty() ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(written, kThreads * kRequests);
+    EXPECT_EQ(nameless, 0U);
+    EXPECT_EQ(identity, "") << "the last one closes it";
+}
+
 }  // namespace

@@ -1,0 +1,85 @@
+// A log daemon that does not read: its queue is a full socket pair, and `syslog` waits for it and
+// tries twice, as the C library's does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <syslog.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "apiMgmt/common/utils/simpleLogger.h"
+
+namespace {
+
+std::array<int, 2> queue{};
+
+void sendAsTheLibraryDoes(const std::string& text) {
+    for (int tries = 0; tries < 2 && ::send(queue[0], text.data(), text.size(), 0) < 0; ++tries) {
+        ASSERT_EQ(EINTR, errno);
+    }
+}
+
+std::vector<std::string> readQueue() {
+    std::vector<std::string> lines;
+    std::array<char, 4096> room{};
+    for (ssize_t size = 0; (size = ::recv(queue[1], room.data(), room.size(), MSG_DONTWAIT)) > 0;) {
+        lines.emplace_back(room.data(), static_cast<std::size_t>(size));
+    }
+    return lines;
+}
+
+void log(const std::string& message) {
+    SimpleLogger::DoLog(SimpleLogger::LOGWarning, "source", "function", 1, "c", message);
+}
+
+TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
+    ASSERT_EQ(0, ::socketpair(AF_UNIX, SOCK_DGRAM, 0, queue.data()));
+    while (::send(queue[0], "x", 1, MSG_DONTWAIT) == 1) {
+    }
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([] { log("lost"); });
+    }
+    threads.clear();  // comes back only when nobody waits any more
+    log("lost");
+    EXPECT_EQ(4U, SimpleLogger::lostLines());
+
+    readQueue();
+    std::vector<std::string> lines;
+    while (lines.empty()) {  // a line may still be dropped until the daemon was asked
+        log("read again");
+        lines = readQueue();
+    }
+    const std::string missing = std::to_string(SimpleLogger::lostLines());
+    EXPECT_THAT(
+        lines, testing::ElementsAre("level(4) category(c) message(" + missing +
+                                        " log lines were lost while the log daemon did not read)\n",
+                                    "level(4) category(c) message(read again)\n"));
+}
+
+}  // namespace
+
+// These stand in front of the C library's. The logger's only argument is the text.
+extern "C" {
+
+void syslog(int, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    sendAsTheLibraryDoes(va_arg(args, const char*));
+    va_end(args);
+}
+
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+void __syslog_chk(int, int, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    sendAsTheLibraryDoes(va_arg(args, const char*));
+    va_end(args);
+}
+
+}  // extern "C"
