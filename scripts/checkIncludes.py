@@ -29,6 +29,7 @@ ROOMS = [
     ("base",          r"apiMgmt/apiStub/base/",          STUB),
     ("apiSdk",        r"apiMgmt/apiStub/apiSdk/",        STUB + ["base"]),
     ("contract",      r"apiMgmt/webservices/sanService/contract/", ["text"]),
+    ("engine",        r"apiMgmt/webservices/sanService/engine/", []),
     ("service",       r"apiMgmt/webservices/sanService/", SERVICE),
     ("hostInterface", r"host/include/",                  []),
     ("host",          r"host/",                          ["hostInterface"]),
