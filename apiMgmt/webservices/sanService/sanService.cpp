@@ -40,8 +40,9 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
       m_apiMgrPort(apiMgrPort) {
     SanApiPortBindingService_init(kStringMode, kStringMode);
     limitInput(*this);
-    // The reply reaches the web server in one piece instead of one for each tag.
-    soap_set_omode(this, SOAP_IO_BUFFER);
+    // The reply is written once and kept until its length is known, instead of twice, and reaches
+    // the web server in one piece instead of one for each tag.
+    soap_set_omode(this, SOAP_IO_STORE);
     google::protobuf::internal::VerifyVersion(GOOGLE_PROTOBUF_VERSION, kOldestProtobuf,
                                               ServiceLog::kSource);
 
