@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
@@ -93,23 +94,32 @@ void forgetOnClose(int fd) {
     (void)::setsockopt(fd, SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
 }
 
-void connectTo(const GPBComEndpoint& peer, int fd) {
-    const sockaddr_in address = socketAddress(peer);
-    int error = 0;
-    acknowledgeWithRequest(fd);
-    if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        error = errno == EINTR ? finishConnect(fd) : errno;
-    }
-    if (error == 0 && metItself(address, fd)) {
+[[noreturn]] void failToConnect(const GPBComEndpoint& peer, int error) {
+    fail(peer, __LINE__, reason("Unable to connect", error));
+}
+
+void refuseItself(const GPBComEndpoint& peer, int fd) {
+    if (metItself(socketAddress(peer), fd)) {
         forgetOnClose(fd);
-        error = ECONNREFUSED;
-    }
-    if (error != 0) {
-        fail(peer, __LINE__, reason("Unable to connect", error));
+        failToConnect(peer, ECONNREFUSED);
     }
 }
 
-void receiveReply(const GPBComEndpoint& peer, int fd, protoIPCMsg::GPBIPCMsg& reply) {
+// A request up to this size fits into what the system keeps for a socket that nobody reads.
+constexpr std::size_t kMaxUnread = std::size_t{32} * 1024;
+
+void connectTo(const GPBComEndpoint& peer, int fd) {
+    const sockaddr_in address = socketAddress(peer);
+    acknowledgeWithRequest(fd);
+    if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        if (const int error = errno == EINTR ? finishConnect(fd) : errno; error != 0) {
+            failToConnect(peer, error);
+        }
+    }
+}
+
+void receiveReply(const GPBComEndpoint& peer, int fd, std::string_view sent,
+                  protoIPCMsg::GPBIPCMsg& reply) {
     ipcFraming::FrameReader reader;
     switch (ipcFraming::receiveFrame(fd, reader)) {
         case ipcFraming::ReceiveResult::complete:
@@ -120,6 +130,10 @@ void receiveReply(const GPBComEndpoint& peer, int fd, protoIPCMsg::GPBIPCMsg& re
             fail(peer, __LINE__, "Reply of a bad length");
         case ipcFraming::ReceiveResult::ioError:
             fail(peer, __LINE__, reason("Unable to receive", errno));
+    }
+    // The system is asked for the socket's own end only when what came back is what was sent.
+    if (sent.ends_with(reader.body())) {
+        refuseItself(peer, fd);
     }
     if (!ipcFraming::parseMessage(reader.body(), reply)) {
         fail(peer, __LINE__, "Reply is not a message");
@@ -141,8 +155,11 @@ void GPBComClient::SendReceiveMessage(const protoIPCMsg::GPBIPCMsg& request,
         fail(m_endpoint, __LINE__, reason("Unable to make a socket", errno));
     }
     connectTo(m_endpoint, socket.fd());
+    if (frame.size() > kMaxUnread) {
+        refuseItself(m_endpoint, socket.fd());  // sending it would never end
+    }
     if (!ipcFraming::sendAll(socket.fd(), frame)) {
         fail(m_endpoint, __LINE__, reason("Unable to send", errno));
     }
-    receiveReply(m_endpoint, socket.fd(), reply);
+    receiveReply(m_endpoint, socket.fd(), frame, reply);
 }
