@@ -5,7 +5,7 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-usage: scripts/run.sh [--port N] [--no-simulator] [--mpm event|prefork] [--build-only]
+usage: scripts/run.sh [--port N] [--no-simulator] [--mpm event|worker|prefork] [--build-only]
 
 Builds a release and runs it on this machine's loopback: a private Apache httpd with the module
 and the plug-in, and an array simulator that stands in for the array's API manager. Prints the
@@ -16,7 +16,8 @@ the later ones --no-simulator, and they use the first one's simulator.
   --port N               TCP port of the service, by default 8080
   --no-simulator         an API manager is already there; it is looked for at the port of the
                          service-database entry ostrel-apimgr, or 35000
-  --mpm event|prefork    how Apache spreads requests: threads (event, the default) or processes
+  --mpm NAME             how Apache spreads requests: threads (event, the default, or worker) or
+                         processes (prefork)
   --build-only           install and build, run nothing
   --help                 this text
 TEXT
@@ -37,7 +38,7 @@ while [ $# -gt 0 ]; do
     esac
     [ $# -gt 0 ] && shift
 done
-case "$mpm" in event|prefork) ;; *) die "--mpm is event or prefork" ;; esac
+case "$mpm" in event|worker|prefork) ;; *) die "--mpm is event, worker or prefork" ;; esac
 [[ "$port" =~ ^[1-9][0-9]{0,4}$ ]] && [ "$port" -le 65535 ] ||
     die "--port is a number from 1 to 65535"
 
@@ -161,17 +162,15 @@ $identity
 LoadModule mpm_${mpm}_module $modules/mod_mpm_$mpm.so
 LoadModule authz_core_module $modules/mod_authz_core.so
 LoadModule reqtimeout_module $modules/mod_reqtimeout.so
+LoadModule env_module $modules/mod_env.so
 LoadModule gsoap_module "$release/host/mod_gsoap.so"
 <Directory />
     Require all denied
 </Directory>
-<Location "/sanService">
-    SetHandler gsoap_handler
-    SOAPLibrary "$release/apiMgmt/webservices/sanService/libsanService.so"
-    SOAPWsdl "$root/apiMgmt/webservices/sanService/contract/sanApi.wsdl"
-    LimitRequestBody 131072
-    Require all granted
-</Location>
+Define SAN_PLUGIN "$release/apiMgmt/webservices/sanService/libsanService.so"
+Define SAN_WSDL "$root/apiMgmt/webservices/sanService/contract/sanApi.wsdl"
+Define SAN_ACCESS_LOG "$state/access.log"
+Include "$release/packaging/apache/san-service.conf"
 TEXT
 }
 

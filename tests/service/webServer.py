@@ -24,6 +24,7 @@ APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
 MODULES = "/usr/lib/apache2/modules"
 MODULE = BUILD / "host" / "mod_gsoap.so"
 SERVICE_PLUGIN = BUILD / "apiMgmt/webservices/sanService/libsanService.so"
+SERVICE_CONFIGURATION = BUILD / "packaging" / "apache" / "san-service.conf"
 BARE_PLUGIN = BUILD / "bench" / "libbarePlugin.so"
 ODD_PLUGIN = BUILD / "tests" / "service" / "liboddPlugin.so"
 WSDL = ROOT / "apiMgmt/webservices/sanService/contract/sanApi.wsdl"
@@ -48,18 +49,23 @@ CoreDumpDirectory "{directory}"
 {user}
 LoadModule mpm_{mpm}_module {modules}/mod_mpm_{mpm}.so
 LoadModule authz_core_module {modules}/mod_authz_core.so
+LoadModule env_module {modules}/mod_env.so
+LoadModule reqtimeout_module {modules}/mod_reqtimeout.so
 LoadModule gsoap_module "{module}"
 MaxKeepAliveRequests 0
 KeepAliveTimeout 60
 TraceEnable off
 {processes}
-<Location "{path}">
-    SetHandler gsoap_handler
-    SOAPLibrary "{plugin}"
-    {wsdl}
-</Location>
+Define SAN_PLUGIN "{plugin}"
+{wsdl}
+Define SAN_ACCESS_LOG "{directory}/access.log"
+Include "{service}"
+{patience}
 {extra}
 """
+
+# A client on a busy machine may be slower than the service's configuration allows.
+PATIENCE = "RequestReadTimeout header=0 body=0"
 
 # The threaded ones have one child process, so that a test can tell whether it lived; a second
 # one starts only while the first ends.
@@ -79,10 +85,12 @@ def _end_with_parent():
 
 class WebServer:
     def __init__(self, plugin=SERVICE_PLUGIN, mpm="event", threads=8, wsdl=WSDL, extra="",
-                 api_manager_port=None, environment=None, collect_syslog=True):
+                 api_manager_port=None, environment=None, collect_syslog=True, impatient=False):
         """`wsdl` is the description's path, its text, or None; `extra` is added to the
         configuration. Without `api_manager_port` the service database has no entry for the API
-        manager. Without `collect_syslog` log lines go where they go."""
+        manager. Without `collect_syslog` log lines go where they go. Only an `impatient` server
+        ends connections whose clients are slow."""
+        self.impatient = impatient
         self.plugin, self.mpm, self.threads, self.extra = plugin, mpm, threads, extra
         self.process = None
         # Not below the build: a checkout in a home directory is closed to the server's user.
@@ -107,8 +115,9 @@ class WebServer:
         self.url = f"http://127.0.0.1:{self.port}{PATH}"
         (self.directory / "httpd.conf").write_text(CONFIGURATION.format(
             directory=self.directory, port=self.port, modules=MODULES, module=MODULE,
-            mpm=self.mpm, processes=PROCESSES[self.mpm].format(n=self.threads), path=PATH,
-            plugin=self.plugin, wsdl=f'SOAPWsdl "{self.wsdl}"' if self.wsdl else "",
+            mpm=self.mpm, processes=PROCESSES[self.mpm].format(n=self.threads),
+            plugin=self.plugin, wsdl=f'Define SAN_WSDL "{self.wsdl}"' if self.wsdl else "",
+            service=SERVICE_CONFIGURATION, patience="" if self.impatient else PATIENCE,
             extra=self.extra, user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
 
     def run_apache(self, *arguments):
