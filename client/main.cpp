@@ -11,9 +11,9 @@ namespace {
 
 using client::ExitStatus;
 
-constexpr const char* description =
+constexpr const char* kDescription =
     "Command-line client of the array's service for host-cache clusters.";
-constexpr const char* footer =
+constexpr const char* kFooter =
     "Exit status: 0 done, 1 refused by the array, 2 refused by the service, 3 no answer,\n"
     "64 wrong usage. The options above may also follow the subcommand. Each subcommand\n"
     "has its own --help; \"man sanctl\" tells more.";
@@ -51,21 +51,21 @@ ExitStatus runOperation(const Subcommand& command, const client::CommandLine& li
 }
 
 ExitStatus run(int argc, char** argv) {
-    CLI::App app(description, "sanctl");
+    CLI::App app(kDescription, "sanctl");
     client::CommandLine line;
     client::MessageParts parts;
     declareSharedOptions(app, line);
     const std::list<Subcommand> commands = declareOperations(app, parts);
     const client::LifecycleCommand lifecycle(app);
-    // None is let pass by the parser, so that it names what stands in the place of one.
-    app.require_subcommand(0, 1)->footer(footer)->set_version_flag("--version", PROGRAM_VERSION);
+    // One is required below: the parser would complain of no subcommand where it is misspelled.
+    app.require_subcommand(0, 1)->footer(kFooter)->set_version_flag("--version", PROGRAM_VERSION);
     try {
         app.parse(argc, argv);
         if (app.get_subcommands().empty()) {
             throw CLI::RequiredError("A subcommand");
         }
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
+    } catch (const CLI::ParseError& failure) {
+        return app.exit(failure) == 0 ? ExitStatus::Done : ExitStatus::WrongUsage;
     }
     checkSharedOptions(line);
     for (const Subcommand& command : commands) {
@@ -82,11 +82,11 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return static_cast<int>(run(argc, argv));
-    } catch (const std::invalid_argument& error) {
-        std::cerr << "sanctl: " << error.what() << '\n';
-        return static_cast<int>(ExitStatus::wrongUsage);
-    } catch (const std::exception& error) {
-        std::cerr << "sanctl: " << error.what() << '\n';
-        return static_cast<int>(ExitStatus::noAnswer);
+    } catch (const std::invalid_argument& failure) {
+        std::cerr << "sanctl: " << failure.what() << '\n';
+        return static_cast<int>(ExitStatus::WrongUsage);
+    } catch (const std::exception& failure) {
+        std::cerr << "sanctl: " << failure.what() << '\n';
+        return static_cast<int>(ExitStatus::NoAnswer);
     }
 }

@@ -18,12 +18,12 @@ struct Transport {
 };
 
 // How to add one: a row; the contract's enumeration has to know it.
-constexpr std::array transports = {
+constexpr std::array kTransports = {
     Transport{"fc", SanApi::ns1__InterfaceType__fc},
     Transport{"iscsi", SanApi::ns1__InterfaceType__iscsi},
 };
 
-constexpr std::size_t longestDnsName = 253;
+constexpr std::size_t kMaxDnsName = 253;
 
 [[noreturn]] void refuse(std::string_view text, const std::string& why) {
     throw std::invalid_argument("'" + std::string(text) + "': " + why);
@@ -40,18 +40,18 @@ bool isDnsName(std::string_view host) {
     };
     // Digits and points alone are a mistyped IPv4 address, which no name server knows.
     const bool onlyDigits = host.find_first_not_of("0123456789.") == std::string_view::npos;
-    return !host.empty() && host.size() <= longestDnsName && !onlyDigits && host.front() != '.' &&
+    return !host.empty() && host.size() <= kMaxDnsName && !onlyDigits && host.front() != '.' &&
            host.find("..") == std::string_view::npos &&
            std::all_of(host.begin(), host.end(), belongs);
 }
 
 // Eight octets such as 10:00:00:90:fa:c7:00:fc, whose last one can look like a transport.
 bool isWorldWideName(std::string_view text) {
-    constexpr std::size_t length = 8 * 3 - 1;
-    if (text.size() != length) {
+    constexpr std::size_t kLength = 8 * 3 - 1;
+    if (text.size() != kLength) {
         return false;
     }
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < kLength; ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
         if (i % 3 == 2 ? c != ':' : std::isxdigit(c) == 0) {
             return false;
@@ -109,9 +109,9 @@ Interface parseInterface(std::string_view text) {
     const std::size_t colon = text.rfind(':');
     if (colon != std::string_view::npos && !isWorldWideName(text)) {
         const auto* transport =
-            std::find_if(transports.begin(), transports.end(),
+            std::find_if(kTransports.begin(), kTransports.end(),
                          [&](const Transport& row) { return row.name == text.substr(colon + 1); });
-        if (transport != transports.end()) {
+        if (transport != kTransports.end()) {
             result = {std::string(text.substr(0, colon)), transport->type};
         }
     }

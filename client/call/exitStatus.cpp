@@ -4,15 +4,15 @@ namespace client {
 
 const char* textOf(ExitStatus status) {
     switch (status) {
-        case ExitStatus::done:
+        case ExitStatus::Done:
             return "done";
-        case ExitStatus::refusedByArray:
+        case ExitStatus::RefusedByArray:
             return "refused by the array";
-        case ExitStatus::refusedByService:
+        case ExitStatus::RefusedByService:
             return "refused by the service";
-        case ExitStatus::noAnswer:
+        case ExitStatus::NoAnswer:
             return "no answer";
-        case ExitStatus::wrongUsage:
+        case ExitStatus::WrongUsage:
             break;
     }
     return "wrong usage";

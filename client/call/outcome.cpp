@@ -30,10 +30,10 @@ bool isHttpRefusal(int error) {
 
 ExitStatus statusOf(const std::string& faultCode, int error) {
     if (faultCode.starts_with("Server") || faultCode == "Receiver") {
-        return ExitStatus::refusedByArray;
+        return ExitStatus::RefusedByArray;
     }
-    return !faultCode.empty() || isHttpRefusal(error) ? ExitStatus::refusedByService
-                                                      : ExitStatus::noAnswer;
+    return !faultCode.empty() || isHttpRefusal(error) ? ExitStatus::RefusedByService
+                                                      : ExitStatus::NoAnswer;
 }
 
 // The engine has one error for a connection that ended and for one that stayed silent, and tells

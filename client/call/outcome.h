@@ -12,14 +12,14 @@ using Proxy = SanApi::SanApiPortBindingProxy;
 
 /// How one call went.
 struct Outcome {
-    ExitStatus status = ExitStatus::done;
+    ExitStatus status = ExitStatus::Done;
     /// Local name of the fault's code, such as "Server"; empty when no fault came.
     std::string faultCode;
     /// Why it failed, in the words of the fault or of the engine; empty when it is done.
     std::string text;
     double seconds = 0;
 
-    bool isDone() const { return status == ExitStatus::done; }
+    bool isDone() const { return status == ExitStatus::Done; }
 };
 
 /// Reads from the engine how its last call went, which took `seconds` of at most

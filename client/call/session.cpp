@@ -2,23 +2,28 @@
 
 #include <sys/socket.h>
 
+#include <array>
 #include <chrono>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
 
-#include "client/call/messageText.h"
+#include "apiMgmt/common/text/documentText.h"
+#include "apiMgmt/common/text/safeText.h"
 
 namespace client {
 
 namespace {
 
-constexpr ULONG64 longestReply = 16UL * 1024 * 1024;
-constexpr unsigned int deepestReply = 100;
+constexpr ULONG64 kMaxReply = 16UL * 1024 * 1024;
+constexpr unsigned int kMaxReplyDepth = 100;
 // A connection for each call: a busy server closes kept ones at the very moment when the next
 // request is on its way, and nobody can tell whether that request may be repeated.
-constexpr soap_mode inputMode = SOAP_C_UTFSTRING | SOAP_XML_TREE;
-constexpr soap_mode outputMode = SOAP_C_UTFSTRING;
+constexpr soap_mode kInputMode = SOAP_C_UTFSTRING | SOAP_XML_TREE;
+constexpr soap_mode kOutputMode = SOAP_C_UTFSTRING;
+// How to add one: the local name of the element.
+constexpr std::array<std::string_view, 4> kSecretElements = {"userPass", "authToken", "hccKey",
+                                                             "userToken"};
 
 double now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
@@ -30,20 +35,21 @@ const char* orNull(const std::string& text) {
 }
 
 void showMessage(const char* title, const std::string& captured) {
-    const std::string message = maskSecrets(captured);
+    const std::string message = text::maskSecrets(captured, kSecretElements);
     const std::size_t head = message.find("\r\n\r\n");
     const std::size_t body = head == std::string::npos ? message.size() : head + 4;
-    std::string text = message.substr(0, head) + "\n\n" + indentXml(message.substr(body)) + "\n";
-    std::erase(text, '\r');
-    std::cerr << "--- " << title << " ---\n" << printable(text);
+    std::string shown =
+        message.substr(0, head) + "\n\n" + text::indentXml(message.substr(body)) + "\n";
+    std::erase(shown, '\r');
+    std::cerr << "--- " << title << " ---\n" << text::printable(shown);
 }
 
 }  // namespace
 
 Session::Session(ServiceOptions options)
     : m_options(std::move(options)), m_proxy(m_options.url.c_str(), SOAP_C_UTFSTRING) {
-    soap_set_imode(&m_proxy, inputMode);
-    soap_set_omode(&m_proxy, outputMode);
+    soap_set_imode(&m_proxy, kInputMode);
+    soap_set_omode(&m_proxy, kOutputMode);
     setLimits();
     fillHeader();
     if (m_options.url.starts_with("https:")) {
@@ -61,8 +67,8 @@ void Session::setLimits() {
     m_proxy.send_timeout = m_options.timeoutSeconds;
     m_proxy.recv_timeout = m_options.timeoutSeconds;
     m_proxy.transfer_timeout = m_options.timeoutSeconds;
-    m_proxy.recv_maxlength = longestReply;
-    m_proxy.maxlevel = deepestReply;
+    m_proxy.recv_maxlength = kMaxReply;
+    m_proxy.maxlevel = kMaxReplyDepth;
     m_proxy.socket_flags = MSG_NOSIGNAL;
 }
 

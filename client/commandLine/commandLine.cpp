@@ -10,7 +10,7 @@ namespace client {
 
 namespace {
 
-constexpr int longestTimeout = 24 * 60 * 60;
+constexpr int kMaxTimeout = 24 * 60 * 60;
 
 void declareCaller(CLI::App& app, Credentials& credentials) {
     auto* user = app.add_option("--user", credentials.user, "Who calls")
@@ -22,8 +22,8 @@ void declareCaller(CLI::App& app, Credentials& credentials) {
     const auto takePassword = [&credentials](const std::string& path) {
         try {
             credentials.password = readSecret(path);
-        } catch (const std::invalid_argument& error) {
-            throw CLI::ValidationError("--password-file", error.what());
+        } catch (const std::invalid_argument& failure) {
+            throw CLI::ValidationError("--password-file", failure.what());
         }
     };
     app.add_option_function<std::string>(
@@ -61,11 +61,11 @@ void declareSharedOptions(CLI::App& app, CommandLine& line) {
         ->capture_default_str();
     declareCaller(app, line.service.credentials);
     app.add_option("--timeout", line.service.timeoutSeconds, "How long to wait for an answer")
-        ->check(CLI::Range(1, longestTimeout).description(""))
+        ->check(CLI::Range(1, kMaxTimeout).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
     declareTls(app, line.service.tls);
-    const auto wantJson = [&line](std::int64_t /*count*/) { line.form = Form::json; };
+    const auto wantJson = [&line](std::int64_t /*count*/) { line.form = Form::Machine; };
     app.add_flag_function("--json", wantJson, "Results as JSON");
     app.add_flag("--dump", line.service.dump, "Show the messages on stderr, secrets masked");
 }

@@ -9,7 +9,7 @@ namespace client {
 /// What the options that every subcommand shares say.
 struct CommandLine {
     ServiceOptions service;
-    Form form = Form::human;
+    Form form = Form::Human;
 };
 
 /// Declares the shared options. `line` must live until the command line was parsed.

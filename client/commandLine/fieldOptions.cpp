@@ -14,8 +14,8 @@ template <class Action>
 void asUsageError(const std::string& option, Action action) {
     try {
         action();
-    } catch (const std::invalid_argument& error) {
-        throw CLI::ValidationError(option, error.what());
+    } catch (const std::invalid_argument& failure) {
+        throw CLI::ValidationError(option, failure.what());
     }
 }
 

@@ -14,11 +14,11 @@ namespace client {
 
 namespace {
 
-constexpr int mostClusters = 1000000;
-constexpr int mostParallel = 256;
-constexpr int mostServers = 100;
-constexpr double milliseconds = 1000;
-constexpr const char* details =
+constexpr int kMaxClusters = 1000000;
+constexpr int kMaxParallel = 256;
+constexpr int kMaxServers = 100;
+constexpr double kMilliseconds = 1000;
+constexpr const char* kDetails =
     "Runs a cluster's whole life: join, add servers, attach volumes, make data available and\n"
     "unavailable, report a flush and a snapshot preparation, announce a new primary manager,\n"
     "detach, remove servers, leave. With more than one life it generates load and reports\n"
@@ -38,7 +38,7 @@ void showCall(const LifecycleCall& call) {
     std::printf("%*zu/%zu  %-24s %-42s ", width, call.number, call.total, call.operation,
                 call.subject.c_str());
     if (call.outcome.isDone()) {
-        std::printf("done %8.1f ms\n", call.outcome.seconds * milliseconds);
+        std::printf("done %8.1f ms\n", call.outcome.seconds * kMilliseconds);
     } else {
         std::printf("%s\n", failureText(call.outcome).c_str());
     }
@@ -58,25 +58,25 @@ void showProgress(int over, int clusters) {
 LifecycleCommand::LifecycleCommand(CLI::App& app)
     : m_command(app.add_subcommand("lifecycle", "Run a cluster's whole life, or many as load")),
       m_hccId("sanctl-" + randomText()) {
-    m_command->fallthrough()->footer(details);
+    m_command->fallthrough()->footer(kDetails);
     m_command->add_option("--san-id", m_sanId, "Array that is meant")->capture_default_str();
     m_command->add_option("--hcc-id", m_hccId,
                           "Cluster, by default a random one; several get a number each");
     m_command->add_option("--clusters", m_clusters, "How many lives; otherwise as many as M")
-        ->check(CLI::Range(1, mostClusters).description(""))
+        ->check(CLI::Range(1, kMaxClusters).description(""))
         ->type_name("N");
     m_command->add_option("--parallel", m_parallel, "How many at the same time")
-        ->check(CLI::Range(1, mostParallel).description(""))
+        ->check(CLI::Range(1, kMaxParallel).description(""))
         ->type_name("M")
         ->capture_default_str();
     m_command->add_option("--servers", m_servers, "Servers of a cluster")
-        ->check(CLI::Range(1, mostServers).description(""))
+        ->check(CLI::Range(1, kMaxServers).description(""))
         ->type_name("N")
         ->capture_default_str();
     m_command
         ->add_option("--volumes", m_volumesEach,
                      "Volumes of a cluster; otherwise 2, or 1 with --parallel")
-        ->check(CLI::Range(1, mostServers).description(""))
+        ->check(CLI::Range(1, kMaxServers).description(""))
         ->type_name("N");
     m_command
         ->add_option("--volume", m_volumes,
@@ -129,7 +129,7 @@ ClusterPlan LifecycleCommand::plan(int cluster, int worker) const {
 
 ExitStatus LifecycleCommand::run(const CommandLine& line) const {
     checkVolumes();
-    const bool isDemonstration = clusters() == 1 && line.form == Form::human;
+    const bool isDemonstration = clusters() == 1 && line.form == Form::Human;
     return isDemonstration ? showOne(line) : runLoad(line);
 }
 
@@ -151,7 +151,7 @@ ExitStatus LifecycleCommand::runLoad(const CommandLine& line) const {
     report["parallel"] = m_parallel;
     report["failedClusters"] = result.failedClusters;
     report["exitStatus"] = static_cast<int>(result.status);
-    if (line.form == Form::json) {
+    if (line.form == Form::Machine) {
         printJson(report);
     } else {
         std::cout << CallStatistics::table(report) << lives - result.failedClusters << " of "

@@ -5,34 +5,34 @@ namespace client {
 namespace {
 
 // Helps of the options that many messages have.
-constexpr const char* sanIdHelp = "Array that is meant";
-constexpr const char* hccIdHelp = "Cluster";
-constexpr const char* hcnIdHelp = "Server (node of the cluster)";
-constexpr const char* volumeHelp = "Volume, as the array names it";
-constexpr const char* snapshotHelp = "Snapshot";
+constexpr const char* kSanIdHelp = "Array that is meant";
+constexpr const char* kHccIdHelp = "Cluster";
+constexpr const char* kHcnIdHelp = "Server (node of the cluster)";
+constexpr const char* kVolumeHelp = "Volume, as the array names it";
+constexpr const char* kSnapshotHelp = "Snapshot";
 
 template <class Message>
 void clusterFields(FieldOptions& options, Message& message) {
-    options.text("--san-id", message.sanId, sanIdHelp);
-    options.text("--hcc-id", message.hccId, hccIdHelp);
+    options.text("--san-id", message.sanId, kSanIdHelp);
+    options.text("--hcc-id", message.hccId, kHccIdHelp);
 }
 
 template <class Message>
 void volumeFields(FieldOptions& options, Message& message) {
     clusterFields(options, message);
-    options.text("--san-volume-id", message.sanVolumeId, volumeHelp);
+    options.text("--san-volume-id", message.sanVolumeId, kVolumeHelp);
 }
 
 template <class Message>
 void serverVolumeFields(FieldOptions& options, Message& message) {
     volumeFields(options, message);
-    options.text("--hcn-id", message.hcnId, hcnIdHelp);
+    options.text("--hcn-id", message.hcnId, kHcnIdHelp);
 }
 
 template <class Message>
 void snapshotFields(FieldOptions& options, Message& message) {
     volumeFields(options, message);
-    options.text("--snapshot-id", message.snapshotId, snapshotHelp);
+    options.text("--snapshot-id", message.snapshotId, kSnapshotHelp);
 }
 
 // An option of a part that the message leaves out until one of the part's options is given.
@@ -63,8 +63,8 @@ void operatingSystemFields(FieldOptions& options, SanApi::ns1__operatingSystemOb
 
 void serverFields(FieldOptions& options, SanApi::ns1__hcnDiscoverableObject& server) {
     using Version = SanApi::ns1__versionInformationObject;
-    options.text("--hcc-id", server.hccId, hccIdHelp);
-    options.text("--hcn-id", server.hcnId, hcnIdHelp);
+    options.text("--hcc-id", server.hccId, kHccIdHelp);
+    options.text("--hcn-id", server.hcnId, kHcnIdHelp);
     options.optionalText("--hostname", server.hostname, "Host name of the server");
     options.addresses("--address", server.mgmtIpAddresses, "Management address");
     options.addresses("--cache-address", server.cacheIpAddresses, "Cache address");
@@ -102,7 +102,7 @@ void declareFields(FieldOptions& options, SanApi::ns1__RenameHccInSan& message) 
 }
 
 void declareFields(FieldOptions& options, SanApi::ns1__AddServer& message) {
-    options.text("--san-id", message.sanId, sanIdHelp);
+    options.text("--san-id", message.sanId, kSanIdHelp);
     message.hcnInfo = options.parts().make<SanApi::ns1__hcnDiscoverableObject>();
     serverFields(options, *message.hcnInfo);
     options.interfaces("--interface", message.intfInfo, "Storage-facing interface");
@@ -110,11 +110,11 @@ void declareFields(FieldOptions& options, SanApi::ns1__AddServer& message) {
 
 void declareFields(FieldOptions& options, SanApi::ns1__RemoveServer& message) {
     clusterFields(options, message);
-    options.text("--hcn-id", message.hcnId, hcnIdHelp);
+    options.text("--hcn-id", message.hcnId, kHcnIdHelp);
 }
 
 void declareFields(FieldOptions& options, SanApi::ns1__NewPrimaryCfmAddresses& message) {
-    options.text("--hcc-id", message.hccId, hccIdHelp);
+    options.text("--hcc-id", message.hccId, kHccIdHelp);
     options.addresses("--address", message.mgmtIpAddresses,
                       "Management address of the new primary manager");
 }

@@ -16,8 +16,8 @@ struct Call {
 
 std::vector<Subject> subjectsOf(Per per, const ClusterPlan& plan) {
     const std::vector<std::string> none = {""};
-    const bool eachServer = per == Per::server || per == Per::serverAndVolume;
-    const bool eachVolume = per == Per::volume || per == Per::serverAndVolume;
+    const bool eachServer = per == Per::Server || per == Per::ServerAndVolume;
+    const bool eachVolume = per == Per::Volume || per == Per::ServerAndVolume;
     std::vector<Subject> subjects;
     for (const std::string& server : eachServer ? plan.servers : none) {
         for (const std::string& volume : eachVolume ? plan.volumes : none) {
@@ -49,21 +49,21 @@ using DoneCalls = std::set<std::pair<std::string, std::string>>;
 
 ExitStatus runLifecycle(Session& session, const ClusterPlan& plan,
                         const std::function<void(const LifecycleCall&)>& report) {
-    ExitStatus status = ExitStatus::done;
+    ExitStatus status = ExitStatus::Done;
     DoneCalls done;
     const std::vector<Call> calls = callsOf(plan);
-    for (std::size_t i = 0; i < calls.size() && status != ExitStatus::noAnswer; ++i) {
+    for (std::size_t i = 0; i < calls.size() && status != ExitStatus::NoAnswer; ++i) {
         const auto& [step, subject] = calls[i];
         const std::string what = describe(subject);
         const bool hasToUndo = step->undoes != nullptr && done.contains({step->undoes, what});
-        if (status != ExitStatus::done && !hasToUndo) {
+        if (status != ExitStatus::Done && !hasToUndo) {
             continue;
         }
         const Outcome outcome = step->run(session, subject);
         report({i + 1, calls.size(), step->operation, what, outcome});
         if (outcome.isDone()) {
             done.insert({step->operation, what});
-        } else if (status == ExitStatus::done) {
+        } else if (status == ExitStatus::Done) {
             status = outcome.status;
         }
     }

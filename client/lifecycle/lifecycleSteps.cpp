@@ -8,8 +8,8 @@ namespace client {
 
 namespace {
 
-constexpr unsigned short managementPort = 443;
-constexpr const char* snapshotId = "snapshot-1";
+constexpr unsigned short kManagementPort = 443;
+constexpr const char* kSnapshotId = "snapshot-1";
 
 // The members that most messages have, as far as they have them.
 template <class Message>
@@ -26,7 +26,7 @@ Message messageFor(const Subject& subject) {
         message.sanVolumeId = subject.volume;
     }
     if constexpr (requires { message.snapshotId; }) {
-        message.snapshotId = snapshotId;
+        message.snapshotId = kSnapshotId;
     }
     return message;
 }
@@ -47,7 +47,7 @@ Outcome ping(Session& session, const Subject& /*subject*/) {
 
 // An address of the range that is set aside for examples.
 Address exampleAddress(const char* host) {
-    return {SanApi::ns1__InetAddressType__ipv4, host, managementPort};
+    return {SanApi::ns1__InetAddressType__ipv4, host, kManagementPort};
 }
 
 Outcome join(Session& session, const Subject& subject) {
@@ -99,19 +99,19 @@ Outcome newPrimary(Session& session, const Subject& subject) {
 
 // How to add one: a row where it belongs in a cluster's life, PLAIN when the message has no
 // members but those of messageFor.
-constexpr std::array steps = {
-    Step{"Ping",                    Per::cluster,         nullptr,             ping},
-    Step{"AddHccToSan",             Per::cluster,         nullptr,             join},
-    Step{"AddServer",               Per::server,          nullptr,             addServer},
-    Step{"HccAttachVolume",         Per::volume,          nullptr,             attach},
-    Step{"MakeDataAvailable",       Per::serverAndVolume, nullptr,             PLAIN(MakeDataAvailable)},
-    Step{"MakeDataUnavailable",     Per::serverAndVolume, "MakeDataAvailable", PLAIN(MakeDataUnavailable)},
-    Step{"FlushComplete",           Per::volume,          nullptr,             PLAIN(FlushComplete)},
-    Step{"SnapshotPrepareComplete", Per::volume,          nullptr,             PLAIN(SnapshotPrepareComplete)},
-    Step{"NewPrimaryCfmAddresses",  Per::cluster,         nullptr,             newPrimary},
-    Step{"HccDetachVolume",         Per::volume,          "HccAttachVolume",   PLAIN(HccDetachVolume)},
-    Step{"RemoveServer",            Per::server,          "AddServer",         PLAIN(RemoveServer)},
-    Step{"RemoveHccFromSan",        Per::cluster,         "AddHccToSan",       PLAIN(RemoveHccFromSan)},
+constexpr std::array kSteps = {
+    Step{"Ping",                    Per::Cluster,         nullptr,             ping},
+    Step{"AddHccToSan",             Per::Cluster,         nullptr,             join},
+    Step{"AddServer",               Per::Server,          nullptr,             addServer},
+    Step{"HccAttachVolume",         Per::Volume,          nullptr,             attach},
+    Step{"MakeDataAvailable",       Per::ServerAndVolume, nullptr,             PLAIN(MakeDataAvailable)},
+    Step{"MakeDataUnavailable",     Per::ServerAndVolume, "MakeDataAvailable", PLAIN(MakeDataUnavailable)},
+    Step{"FlushComplete",           Per::Volume,          nullptr,             PLAIN(FlushComplete)},
+    Step{"SnapshotPrepareComplete", Per::Volume,          nullptr,             PLAIN(SnapshotPrepareComplete)},
+    Step{"NewPrimaryCfmAddresses",  Per::Cluster,         nullptr,             newPrimary},
+    Step{"HccDetachVolume",         Per::Volume,          "HccAttachVolume",   PLAIN(HccDetachVolume)},
+    Step{"RemoveServer",            Per::Server,          "AddServer",         PLAIN(RemoveServer)},
+    Step{"RemoveHccFromSan",        Per::Cluster,         "AddHccToSan",       PLAIN(RemoveHccFromSan)},
 };
 
 #undef PLAIN
@@ -120,7 +120,7 @@ constexpr std::array steps = {
 }  // namespace
 
 std::span<const Step> lifecycleSteps() {
-    return steps;
+    return kSteps;
 }
 
 }  // namespace client

@@ -15,7 +15,7 @@ struct Subject {
 };
 
 /// For each of which a step is called once.
-enum class Per { cluster, server, volume, serverAndVolume };
+enum class Per { Cluster, Server, Volume, ServerAndVolume };
 
 /// One step of a cluster's life.
 struct Step {

@@ -24,7 +24,7 @@ struct Shared {
 
 void countLife(Shared& shared, ExitStatus status) {
     const std::lock_guard lock(shared.mutex);
-    shared.result.failedClusters += status == ExitStatus::done ? 0 : 1;
+    shared.result.failedClusters += status == ExitStatus::Done ? 0 : 1;
     shared.result.status = std::max(shared.result.status, status);
     shared.plan.progress(++shared.over);
 }

@@ -21,7 +21,7 @@ struct LoadResult {
     CallStatistics statistics;
     double seconds = 0;
     int failedClusters = 0;
-    ExitStatus status = ExitStatus::done;  ///< The gravest of all lives.
+    ExitStatus status = ExitStatus::Done;  ///< The gravest of all lives.
 };
 
 /// Raises std::invalid_argument when the service's TLS options cannot be used.

@@ -12,7 +12,7 @@ namespace client {
 
 namespace {
 
-constexpr double milliseconds = 1000;
+constexpr double kMilliseconds = 1000;
 
 struct Share {
     const char* name;
@@ -20,29 +20,29 @@ struct Share {
 };
 
 // How to add one: a row; report and table follow.
-constexpr std::array shares = {Share{"p50", 0.5}, Share{"p90", 0.9}, Share{"p99", 0.99},
-                               Share{"max", 1}};
-constexpr std::size_t mostFailures = 10;  // Shown to people.
-constexpr int nameWidth = 24;
-constexpr int columnWidth = 9;
+constexpr std::array kShares = {Share{"p50", 0.5}, Share{"p90", 0.9}, Share{"p99", 0.99},
+                                Share{"max", 1}};
+constexpr std::size_t kMaxShownFailures = 10;  // Shown to people.
+constexpr int kNameWidth = 24;
+constexpr int kColumnWidth = 9;
 
 std::string heading() {
     std::ostringstream line;
-    line << std::left << std::setw(nameWidth) << "latency in ms" << std::right
-         << std::setw(columnWidth) << "calls" << std::setw(columnWidth) << "failed";
-    for (const Share& share : shares) {
-        line << std::setw(columnWidth) << share.name;
+    line << std::left << std::setw(kNameWidth) << "latency in ms" << std::right
+         << std::setw(kColumnWidth) << "calls" << std::setw(kColumnWidth) << "failed";
+    for (const Share& share : kShares) {
+        line << std::setw(kColumnWidth) << share.name;
     }
     return line.str() + "\n";
 }
 
 std::string row(const std::string& name, const Json& calls) {
     std::ostringstream line;
-    line << std::left << std::setw(nameWidth) << name << std::right << std::setw(columnWidth)
-         << calls["calls"].get<std::size_t>() << std::setw(columnWidth)
+    line << std::left << std::setw(kNameWidth) << name << std::right << std::setw(kColumnWidth)
+         << calls["calls"].get<std::size_t>() << std::setw(kColumnWidth)
          << calls["failed"].get<std::size_t>() << std::fixed << std::setprecision(2);
-    for (const Share& share : shares) {
-        line << std::setw(columnWidth) << calls[share.name].get<double>();
+    for (const Share& share : kShares) {
+        line << std::setw(kColumnWidth) << calls[share.name].get<double>();
     }
     return line.str() + "\n";
 }
@@ -80,8 +80,8 @@ void CallStatistics::Calls::append(const Calls& other) {
 Json CallStatistics::latencies(Calls calls) {
     Json result = {{"calls", calls.seconds.size()}, {"failed", calls.failed}};
     std::sort(calls.seconds.begin(), calls.seconds.end());
-    for (const Share& share : shares) {
-        result[share.name] = percentile(calls.seconds, share.share) * milliseconds;
+    for (const Share& share : kShares) {
+        result[share.name] = percentile(calls.seconds, share.share) * kMilliseconds;
     }
     return result;
 }
@@ -117,7 +117,7 @@ std::string CallStatistics::table(const Json& report) {
     const std::size_t kinds = report["failures"].size();
     for (const auto& [failure, count] : report["failures"].items()) {
         text << count << " x " << failure << '\n';
-        if (++shown == mostFailures && kinds > shown) {
+        if (++shown == kMaxShownFailures && kinds > shown) {
             text << "... and " << kinds - shown << " other failures; --json lists them\n";
             break;
         }

@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <iostream>
 
-#include "client/call/messageText.h"
+#include "apiMgmt/common/text/safeText.h"
 
 namespace client {
 
 namespace {
 
-constexpr double milliseconds = 1000;
+constexpr double kMilliseconds = 1000;
 
 bool isWorthShowing(const Json& value) {
     return !value.is_null() && !value.empty();
@@ -28,8 +28,8 @@ void printFields(const std::string& path, const Json& value) {
             printFields(path, item);
         }
     } else if (isWorthShowing(value)) {
-        const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-        std::cout << "  " << path << ": " << printable(text) << '\n';
+        const std::string shown = value.is_string() ? value.get<std::string>() : value.dump();
+        std::cout << "  " << path << ": " << text::printable(shown) << '\n';
     }
 }
 
@@ -44,9 +44,10 @@ Json withReply(const std::string& operation, const Outcome& outcome, const Json&
 }  // namespace
 
 std::string failureText(const Outcome& outcome) {
-    std::string text = printable(outcome.text);
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return std::string(textOf(outcome.status)) + ": " + (text.empty() ? "(no reason given)" : text);
+    std::string why = outcome.text;
+    std::replace(why.begin(), why.end(), '\n', ' ');
+    return std::string(textOf(outcome.status)) + ": " +
+           (why.empty() ? "(no reason given)" : text::oneLine(why));
 }
 
 Json outcomeJson(const std::string& operation, const Outcome& outcome) {
@@ -67,7 +68,7 @@ void printJson(const Json& document) {
 
 void reportOutcome(Form form, const std::string& operation, const Outcome& outcome,
                    const Json& reply) {
-    if (form == Form::json) {
+    if (form == Form::Machine) {
         printJson(withReply(operation, outcome, reply));
     } else if (outcome.isDone()) {
         std::cout << operation << ": done\n";
@@ -78,10 +79,10 @@ void reportOutcome(Form form, const std::string& operation, const Outcome& outco
 }
 
 void reportPing(Form form, const Outcome& outcome, const Json& reply) {
-    if (form == Form::json) {
+    if (form == Form::Machine) {
         reportOutcome(form, "Ping", outcome, reply);
     } else if (outcome.isDone()) {
-        std::printf("PING OK: answered in %.1f ms | time=%.6fs\n", outcome.seconds * milliseconds,
+        std::printf("PING OK: answered in %.1f ms | time=%.6fs\n", outcome.seconds * kMilliseconds,
                     outcome.seconds);
     } else {
         std::printf("PING FAILED: %s | time=%.6fs\n", failureText(outcome).c_str(),

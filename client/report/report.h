@@ -6,7 +6,7 @@
 namespace client {
 
 /// How results are shown: for people or, as one JSON document, for programs.
-enum class Form { human, json };
+enum class Form { Human, Machine };
 
 /// The result of one operation. What went well, and JSON, goes to the standard output; what went
 /// wrong to the error stream. `reply` counts only when the outcome is done.

@@ -41,8 +41,8 @@ TEST(AddressText, picksTheTypeByTheFormOfTheHost) {
           "a..b:80", "two words:80"}) {
         try {
             ADD_FAILURE() << text << " was taken for " << address(text);
-        } catch (const std::invalid_argument& error) {
-            EXPECT_NE(std::string(error.what()).find(text), std::string::npos);
+        } catch (const std::invalid_argument& failure) {
+            EXPECT_NE(std::string(failure.what()).find(text), std::string::npos);
         }
     }
 }

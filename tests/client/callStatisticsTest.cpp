@@ -4,8 +4,8 @@
 
 namespace {
 
-client::Outcome outcome(double seconds, client::ExitStatus status = client::ExitStatus::done) {
-    return {status, "", status == client::ExitStatus::done ? "" : "why", seconds};
+client::Outcome outcome(double seconds, client::ExitStatus status = client::ExitStatus::Done) {
+    return {status, "", status == client::ExitStatus::Done ? "" : "why", seconds};
 }
 
 TEST(CallStatistics, percentilesAreValuesThatWereMet) {
@@ -23,9 +23,9 @@ TEST(CallStatistics, mergesWhatSeveralThreadsCounted) {
     client::CallStatistics first;
     client::CallStatistics second;
     first.add("Ping", outcome(0.004));
-    first.add("AddServer", outcome(0.002, client::ExitStatus::refusedByArray));
+    first.add("AddServer", outcome(0.002, client::ExitStatus::RefusedByArray));
     second.add("Ping", outcome(0.001));
-    second.add("AddServer", outcome(0.003, client::ExitStatus::refusedByArray));
+    second.add("AddServer", outcome(0.003, client::ExitStatus::RefusedByArray));
     first.merge(second);
     const client::Json report = first.report(2);
     const client::Json& latency = report["latencyMilliseconds"];

@@ -26,7 +26,7 @@ ANSWERS = [
     ("code without prefix", fault("Server", "Full"), 1, "refused by the array: Full"),
     ("subcode", fault("SOAP-ENV:Server.Busy", "Later"), 1, "refused by the array: Later"),
     ("no text", fault("SOAP-ENV:Server", ""), 1, "refused by the array: (no reason given)"),
-    ("terminal control", fault("SOAP-ENV:Server", "a\u009b2J&#127;b"), 1, "\\x7Fb"),
+    ("terminal control", fault("SOAP-ENV:Server", "a\u009b2J&#127;b"), 1, "\\x7fb"),
     ("body too large", (413, "<html>too large</html>"), 2, "refused by the service"),
     ("bad gateway", (502, "<html>bad gateway</html>"), 3, "no answer"),
     ("another reply", reply("Pong"), 3, "no answer: the answer is no SOAP"),
