@@ -5,6 +5,7 @@
  *   soapLibrary.c  loads a plug-in and judges its table
  *   soapHandler.c  the gate: method, content type, size; then body, service, reply
  *   soapBody.c     the request body as the engine's input
+ *   soapBodyScan.c refuses bodies that are made to cost much
  *   soapServe.c    the contexts that are ready and the call of the plug-in
  *   soapWsdl.c     the service's description
  *   serveGuard.cpp keeps C++ exceptions of a plug-in inside the request
@@ -64,16 +65,18 @@ const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* p
 /* soapWsdl.c: answers with the description, with the address by which the client came. */
 int soapSendWsdl(request_rec* r, const struct soapWsdl* wsdl);
 
-/* soapBody.c: collects the request body in `body`, copying nothing. OK or an HTTP status. */
-int soapReadBody(request_rec* r, apr_bucket_brigade* body);
+/* soapBody.c: collects the request body in `body`. OK or an HTTP status; with a body that no
+ * client sends, `refusal` then says what is wrong with it. */
+int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal);
 /* soapBody.c: moves up to `room` bytes of the body to `target`; gives how many, 0 at its end. */
 size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room);
 
 /* soapServe.c: gives up what is kept for the next requests; no request may be served any more. */
 void soapFreeReady(struct soapLibrary* library);
-/* soapServe.c: lets the plug-in answer `body`. Fills `reply`; gives the HTTP status for it. */
+/* soapServe.c: lets the plug-in answer `body`. Fills `reply` and says whether its envelope is one
+ * of SOAP 1.2; gives the HTTP status for it. */
 int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
-              apr_bucket_brigade* reply);
+              apr_bucket_brigade* reply, int* isSoap12);
 
 /* soapHandler.c: answers a request of the handler. */
 int soapHandler(request_rec* r);

@@ -4,6 +4,26 @@
 #include <http_core.h>
 #include <http_protocol.h>
 
+#include "host/include/soapBodyScan.h"
+
+/* A piece that is smaller is copied instead of kept. */
+#define SMALL_PIECE 2048
+
+/* A body may come in so many pieces, and in one more for each so many bytes. */
+#define FREE_PIECES 2048
+#define MEAN_PIECE 32
+
+struct bodyReading {
+    struct soapBodyScan scan;
+    apr_bucket_brigade* body;
+    apr_pool_t* pool;
+    apr_bucket* block; /* takes small pieces, */
+    apr_size_t room;   /* which it has so much room for */
+    apr_off_t length;
+    apr_off_t pieces;
+    const char* refusal; /* why the body is not what a client sends */
+};
+
 static apr_off_t bodyLimit(request_rec* r) {
     apr_off_t configured = ap_get_limit_req_body(r);
     return configured > 0 && configured < SOAP_BODY_LIMIT ? configured : SOAP_BODY_LIMIT;
@@ -17,12 +37,56 @@ static apr_off_t announcedLength(request_rec* r) {
     return text && ap_parse_strict_length(&length, text) ? length : 0;
 }
 
-/* Moves what was read to the body; a bucket whose data is on loan is made to own it. */
-static int keepBuckets(apr_bucket_brigade* from, apr_bucket_brigade* body, apr_pool_t* pool,
-                       apr_off_t* length) {
+/* Copies a piece behind the pieces before it; only a full block makes a new one. */
+static void copyPiece(struct bodyReading* reading, const char* data, apr_size_t size) {
+    while (size > 0) {
+        if (reading->room == 0) {
+            apr_bucket_alloc_t* list = reading->body->bucket_alloc;
+            char* block = apr_bucket_alloc(APR_BUCKET_BUFF_SIZE, list);
+            reading->block =
+                apr_bucket_heap_create(block, APR_BUCKET_BUFF_SIZE, apr_bucket_free, list);
+            reading->block->length = 0;
+            reading->room = APR_BUCKET_BUFF_SIZE;
+            APR_BRIGADE_INSERT_TAIL(reading->body, reading->block);
+        }
+        const apr_size_t part = size < reading->room ? size : reading->room;
+        apr_bucket_heap* heap = reading->block->data;
+        memcpy(heap->base + reading->block->length, data, part);
+        reading->block->length += part;
+        reading->room -= part;
+        data += part;
+        size -= part;
+    }
+}
+
+/* Appends a piece of the body. Pieces are kept as they came, one whose data is on loan made to own
+ * it; but a client chooses how small its pieces are, and small ones are copied together. */
+static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char* data,
+                     apr_size_t size) {
+    if (size < SMALL_PIECE) {
+        copyPiece(reading, data, size);
+        return 1;
+    }
+    if (apr_bucket_setaside(bucket, reading->pool) != APR_SUCCESS) {
+        return 0;
+    }
+    reading->room = 0; /* what comes next goes behind this one */
+    APR_BUCKET_REMOVE(bucket);
+    APR_BRIGADE_INSERT_TAIL(reading->body, bucket);
+    return 1;
+}
+
+/* The server spends as much on a chunk of one byte as the engine on a hundred. A small body may
+ * come as it likes. */
+static int hasTooManyPieces(struct bodyReading* reading) {
+    return ++reading->pieces > FREE_PIECES + reading->length / MEAN_PIECE;
+}
+
+/* Takes what was read into the body. OK, DONE at its end, or an HTTP status. */
+static int keepBuckets(apr_bucket_brigade* from, struct bodyReading* reading) {
     int atEnd = 0;
-    while (!APR_BRIGADE_EMPTY(from)) {
-        apr_bucket* bucket = APR_BRIGADE_FIRST(from);
+    for (apr_bucket *bucket = APR_BRIGADE_FIRST(from), *next;
+         bucket != APR_BRIGADE_SENTINEL(from) && !reading->refusal; bucket = next) {
         const char* data;
         apr_size_t size = 0;
         if (APR_BUCKET_IS_EOS(bucket)) {
@@ -31,34 +95,47 @@ static int keepBuckets(apr_bucket_brigade* from, apr_bucket_brigade* body, apr_p
                    apr_bucket_read(bucket, &data, &size, APR_BLOCK_READ) != APR_SUCCESS) {
             return HTTP_BAD_REQUEST;
         }
-        if (size == 0) {
-            apr_bucket_delete(bucket);
-            continue;
+        next = APR_BUCKET_NEXT(bucket); /* not before: reading can split a bucket */
+        if (size > 0) {
+            reading->length += (apr_off_t)size;
+            reading->refusal = hasTooManyPieces(reading)
+                                   ? "The request body comes in too many pieces."
+                                   : soapScan(&reading->scan, data, size);
+            if (!keepPiece(reading, bucket, data, size)) {
+                return HTTP_INTERNAL_SERVER_ERROR;
+            }
         }
-        *length += (apr_off_t)size;
-        apr_bucket_setaside(bucket, pool);
-        APR_BUCKET_REMOVE(bucket);
-        APR_BRIGADE_INSERT_TAIL(body, bucket);
     }
+    apr_brigade_cleanup(from);
     return atEnd ? DONE : OK;
 }
 
-int soapReadBody(request_rec* r, apr_bucket_brigade* body) {
+int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal) {
     const apr_off_t limit = bodyLimit(r);
     apr_bucket_brigade* part = apr_brigade_create(r->pool, r->connection->bucket_alloc);
-    apr_off_t length = 0;
+    struct bodyReading reading;
     int status = OK;
+    reading.body = body;
+    reading.pool = r->pool;
+    reading.room = 0;
+    reading.length = reading.pieces = 0;
+    reading.refusal = NULL;
     if (announcedLength(r) > limit) {
         return HTTP_REQUEST_ENTITY_TOO_LARGE;
     }
+    soapStartScan(&reading.scan);
     while (status == OK) {
         apr_status_t got = ap_get_brigade(r->input_filters, part, AP_MODE_READBYTES, APR_BLOCK_READ,
                                           HUGE_STRING_LEN);
         if (got != APR_SUCCESS) {
             return ap_map_http_request_error(got, HTTP_BAD_REQUEST);
         }
-        status = keepBuckets(part, body, r->pool, &length);
-        if (length > limit) {
+        status = keepBuckets(part, &reading);
+        if (reading.refusal) {
+            *refusal = reading.refusal;
+            return HTTP_BAD_REQUEST;
+        }
+        if (reading.length > limit) {
             return HTTP_REQUEST_ENTITY_TOO_LARGE;
         }
     }

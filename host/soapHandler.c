@@ -6,81 +6,141 @@
 #include <http_protocol.h>
 #include <http_request.h>
 
-#define SOAP_CONTENT_TYPE "text/xml; charset=utf-8"
+/* The media types of a request and of its reply, by the version of its envelope. */
+#define SOAP_11_TYPE "text/xml"
+#define SOAP_12_TYPE "application/soap+xml"
+#define UTF_8 "; charset=utf-8"
 
-/* A refusal with a text that says what is wrong, in place of the server's general page. */
+/* A refusal that says in plain text what is wrong, in place of the server's general page. */
 static int refuse(request_rec* r, int status, const char* reason) {
-    ap_custom_response(r, status, reason);
-    return status;
+    r->status = status;
+    ap_set_content_type(r, "text/plain" UTF_8);
+    ap_rprintf(r, "%s\n", reason);
+    return OK;
 }
 
 static int refuseMethod(request_rec* r, const struct soapLocation* location) {
-    ap_allow_standard_methods(r, REPLACE_ALLOW, M_POST, location->wsdl ? M_GET : -1, -1);
-    return HTTP_METHOD_NOT_ALLOWED;
+    apr_table_setn(r->headers_out, "Allow", location->wsdl ? "GET, HEAD, POST" : "POST");
+    return refuse(r, HTTP_METHOD_NOT_ALLOWED,
+                  location->wsdl ? "A request is sent with POST; GET with ?wsdl describes them."
+                                 : "A request is sent with POST.");
 }
 
-/* True when the character set named in a content type (null for none) is one that reads as
- * UTF-8: the engine is not told of any other. */
+static const char* skipBlanks(const char* text) {
+    return text + strspn(text, " \t");
+}
+
+/* The length of `text` up to its end or one of `stops`, when it is `word` in any case; else 0. */
+static size_t matchWord(const char* text, const char* word, const char* stops) {
+    const size_t length = strlen(word);
+    return strncasecmp(text, word, length) == 0 && strcspn(text, stops) == length ? length : 0;
+}
+
+/* Copies the value of a parameter without its quotes, which are double ones with the backslash
+ * before any character, as HTTP has it, or single ones, as some clients have it. Gives what follows
+ * the value. */
+static const char* readValue(const char* text, char* value, size_t room) {
+    const char quote = *text == '"' || *text == '\'' ? *text++ : '\0';
+    while (*text && (quote ? *text != quote : !strchr("; \t", *text))) {
+        text += quote == '"' && *text == '\\' && text[1] ? 1 : 0;
+        if (room > 1) {
+            *value++ = *text;
+            --room;
+        }
+        ++text;
+    }
+    *value = '\0';
+    return text + (quote && *text ? 1 : 0);
+}
+
+static int isKnownCharacterSet(const char* name) {
+    return strcasecmp(name, "utf-8") == 0 || strcasecmp(name, "utf8") == 0 ||
+           strcasecmp(name, "us-ascii") == 0;
+}
+
+/* True when the parameters of a content type name no character set, or one that reads as UTF-8:
+ * the engine is not told of any other. */
 static int isUtf8(const char* parameters) {
-    static const char* const known[] = {"utf-8", "us-ascii"};
-    const char* value = parameters ? ap_strcasestr(parameters, "charset=") : NULL;
-    if (!value) {
-        return 1;
+    char value[32];
+    while (*(parameters += strspn(parameters, "; \t"))) {
+        const int tellsSet = matchWord(parameters, "charset", "= \t;") > 0;
+        parameters = skipBlanks(parameters + strcspn(parameters, "= \t;"));
+        if (*parameters == '=') {
+            parameters = readValue(skipBlanks(parameters + 1), value, sizeof value);
+            if (tellsSet && !isKnownCharacterSet(value)) {
+                return 0;
+            }
+        }
     }
-    value += strlen("charset=");
-    if (*value == '"') {
-        ++value;
-    }
-    for (size_t i = 0; i < sizeof known / sizeof *known; ++i) {
-        size_t length = strlen(known[i]);
-        if (strncasecmp(value, known[i], length) == 0 && strcspn(value, "\"; \t") == length) {
-            return 1;
+    return 1;
+}
+
+static int isSoapType(const char* contentType) {
+    static const char* const known[] = {SOAP_11_TYPE, SOAP_12_TYPE};
+    for (size_t i = 0; contentType && i < sizeof known / sizeof *known; ++i) {
+        const size_t length = matchWord(contentType, known[i], "; \t");
+        if (length > 0) {
+            return isUtf8(contentType + length);
         }
     }
     return 0;
 }
 
-static int isXmlText(const char* contentType) {
-    const size_t length = strlen("text/xml");
-    return contentType && strncasecmp(contentType, "text/xml", length) == 0 &&
-           strcspn(contentType, "; \t") == length && isUtf8(strchr(contentType, ';'));
-}
-
-static int checkHeaders(request_rec* r) {
+/* False when the request is refused, `status` then being what the handler gives. */
+static int passesHeaders(request_rec* r, int* status) {
     const char* encoding = apr_table_get(r->headers_in, "Content-Encoding");
-    if (!isXmlText(apr_table_get(r->headers_in, "Content-Type"))) {
-        return refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE,
-                      "The content type of a SOAP request is text/xml, its character set UTF-8.");
+    if (!isSoapType(apr_table_get(r->headers_in, "Content-Type"))) {
+        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE,
+                         "The content type of a SOAP request is " SOAP_11_TYPE " or " SOAP_12_TYPE
+                         ", its character set UTF-8.");
+        return 0;
     }
     if (encoding && strcasecmp(encoding, "identity") != 0) {
-        return refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, "A SOAP request is sent without encoding.");
+        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, "A SOAP request is sent unencoded.");
+        return 0;
     }
-    return OK;
+    return 1;
 }
 
 /* The engine guesses compressed, packaged and HTTP input from its first bytes and would unpack
  * it; only text that begins as XML begins reaches it. */
-static int checkStart(request_rec* r, apr_bucket_brigade* body) {
+static const char* refusedStart(apr_bucket_brigade* body) {
     static const char byteOrderMark[] = "\xEF\xBB\xBF";
     char start[256];
     apr_size_t size = sizeof start - 1;
     if (APR_BRIGADE_EMPTY(body)) {
-        return refuse(r, HTTP_BAD_REQUEST, "The request has no body.");
+        return "The request has no body.";
     }
     if (apr_brigade_flatten(body, start, &size) != APR_SUCCESS) {
-        return HTTP_BAD_REQUEST;
+        return "The request body cannot be read.";
     }
     start[size] = '\0';
     const char* first = strncmp(start, byteOrderMark, 3) == 0 ? start + 3 : start;
     first += strspn(first, " \t\r\n");
-    return *first == '<' ? OK : refuse(r, HTTP_BAD_REQUEST, "The request body is not XML.");
+    return *first == '<' ? NULL : "The request body is not XML.";
 }
 
-static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply) {
+/* False when the request is refused, as for the headers. */
+static int passesBody(request_rec* r, apr_bucket_brigade* body, int* status) {
+    const char* reason = NULL;
+    *status = soapReadBody(r, body, &reason);
+    if (*status == HTTP_REQUEST_ENTITY_TOO_LARGE) {
+        reason = "The request body is larger than the service accepts.";
+    } else if (*status == OK) {
+        reason = refusedStart(body);
+    }
+    if (reason) {
+        *status = refuse(r, *status == OK ? HTTP_BAD_REQUEST : *status, reason);
+        return 0;
+    }
+    return *status == OK;
+}
+
+static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply, const char* type) {
     apr_off_t length = 0;
     apr_brigade_length(reply, 1, &length);
     r->status = status;
-    ap_set_content_type(r, SOAP_CONTENT_TYPE);
+    ap_set_content_type(r, type);
     ap_set_content_length(r, length);
     /* Sent at once. The server would hold a short reply back until it has looked in vain for a
      * next request, and would then hand the connection to another thread. */
@@ -93,22 +153,14 @@ static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply) {
 
 static int servePost(request_rec* r, struct soapLibrary* library) {
     apr_bucket_brigade* body = apr_brigade_create(r->pool, r->connection->bucket_alloc);
-    int status = checkHeaders(r);
-    if (status == OK) {
-        status = soapReadBody(r, body);
-    }
-    if (status == HTTP_REQUEST_ENTITY_TOO_LARGE) {
-        return refuse(r, status, "The request body is larger than the service accepts.");
-    }
-    if (status == OK) {
-        status = checkStart(r, body);
-    }
-    if (status != OK) {
+    int status;
+    if (!passesHeaders(r, &status) || !passesBody(r, body, &status)) {
         return status;
     }
     apr_bucket_brigade* reply = apr_brigade_create(r->pool, r->connection->bucket_alloc);
-    status = soapServe(r, library, body, reply);
-    return sendReply(r, status, reply);
+    int isSoap12 = 0;
+    status = soapServe(r, library, body, reply, &isSoap12);
+    return sendReply(r, status, reply, isSoap12 ? SOAP_12_TYPE UTF_8 : SOAP_11_TYPE UTF_8);
 }
 
 static int asksForWsdl(const request_rec* r) {

@@ -23,6 +23,7 @@ struct readyContext {
     apr_bucket_brigade* body;  /* what the engine has still to read */
     apr_bucket_brigade* reply; /* what it has written */
     int spoilt;                /* the context is not as it was set up */
+    short version;             /* of SOAP, in which the reply is written */
 };
 
 /* The one whose request the thread serves: the hooks run with copies of its context too. */
@@ -52,9 +53,11 @@ static size_t receive(struct soap* context, char* target, size_t room) {
 
 static int sendReply(struct soap* context, const char* data, size_t size) {
     struct readyContext* ready = noteUse(context);
-    return ready && apr_brigade_write(ready->reply, NULL, NULL, data, size) == APR_SUCCESS
-               ? SOAP_OK
-               : SOAP_EOF;
+    if (!ready || apr_brigade_write(ready->reply, NULL, NULL, data, size) != APR_SUCCESS) {
+        return SOAP_EOF;
+    }
+    ready->version = context->version;
+    return SOAP_OK;
 }
 
 /* The server reads and writes the HTTP headers; the engine's own are neither wanted nor made. */
@@ -161,7 +164,7 @@ static struct readyContext* takeContext(struct soapLibrary* library) {
  * registered with it: they would gather from request to request. */
 static int isAsNew(const struct readyContext* ready) {
     const struct soap* context = &ready->context;
-    return !ready->spoilt && !context->alist && !context->clist &&
+    return !ready->spoilt && !context->alist && !context->clist && context->plugins &&
            context->plugins->data == &ready->conf;
 }
 
@@ -196,16 +199,19 @@ static int callPlugin(struct readyContext* ready, const struct apache_soap_inter
 }
 
 int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
-              apr_bucket_brigade* reply) {
+              apr_bucket_brigade* reply, int* isSoap12) {
     int status = 0;
     struct readyContext* ready = takeContext(library);
     if (ready) {
         ready->conf.r = r;
         ready->body = body;
         ready->reply = reply;
+        ready->version = 0;
         current = ready;
         status = callPlugin(ready, library->table);
-        current = NULL; /* from here on the context may be another thread's */
+        current = NULL;
+        *isSoap12 = ready->version == 2;
+        /* From here on the context may be another thread's. */
         giveBack(library, ready);
     } else {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r, "no context for a SOAP request");
@@ -213,6 +219,7 @@ int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* b
     if (status) {
         return status;
     }
+    *isSoap12 = 0;
     apr_brigade_cleanup(reply);
     apr_brigade_puts(reply, NULL, NULL, noAnswer);
     return HTTP_INTERNAL_SERVER_ERROR;
