@@ -95,7 +95,8 @@ class OperationsTest(harness.ServiceCase):
         ]
         bodies = [(f"<ns1:{name}>{children}</ns1:{name}>", *expected)
                   for name, children, *expected in rows]
-        for body, fault, skipped in bodies + [(f"<ns1:{n} {nil}/>", null, 0) for n in BODIES]:
+        nothing = [(f"<ns1:{name} {nil}/>", null, 0) for name in BODIES if name != "Ping"]
+        for body, fault, skipped in bodies + nothing:
             with self.subTest(body):
                 reply, requests, lines = self.call(body)
                 self.assertEqual((reply.status, soap.fault_of(reply)), (500, fault))

@@ -59,4 +59,16 @@ std::string printable(std::string_view text) {
     return escapeControls(text, "\n\t");
 }
 
+std::string shortened(std::string_view text) {
+    constexpr std::size_t kMaxCharacters = 256;
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool begins = (static_cast<unsigned char>(text[i]) & 0xC0U) != 0x80;
+        if (begins && ++characters > kMaxCharacters) {
+            return std::string(text.substr(0, i)) + "...[cut]";
+        }
+    }
+    return std::string(text);
+}
+
 }  // namespace text

@@ -21,4 +21,9 @@ std::string oneLine(std::string_view text);
 /// For a text of several lines on a terminal: line feed and tab stay.
 std::string printable(std::string_view text);
 
+/// `text` cut behind its 256th character, with "...[cut]" in place of the rest; a shorter text
+/// comes back as it is. For what a client sent and reads again in a fault or an operator in a log
+/// line.
+std::string shortened(std::string_view text);
+
 }  // namespace text

@@ -2,15 +2,14 @@
 
 #include <google/protobuf/stubs/common.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
 
-// What one hostile body may cost. The body limit is the web server's too; the engine's own makes
-// the plug-in safe in a server that is not configured for it.
-constexpr ULONG64 kMaxBodyBytes = ULONG64{128} * 1024;
+// What one hostile body may cost. RequestScan holds the limits that the engine does not hold, or
+// not exactly: it measures its input by whole buffers, and known elements only.
 constexpr long kMaxStringBytes = 64L * 1024;
-constexpr unsigned int kMaxNesting = 64;
 constexpr size_t kMaxListItems = 4096;
 
 // The engine's mode in which texts are UTF-8 in both directions, whatever the server's locale.
@@ -24,9 +23,9 @@ void limitInput(soap& context) {
     // References between elements are no part of the contract; following them only lets a client
     // burn processor time.
     soap_set_imode(&context, SOAP_XML_TREE);
-    context.recv_maxlength = kMaxBodyBytes;
+    context.recv_maxlength = RequestScan::kMaxBytes;
     context.maxlength = kMaxStringBytes;
-    context.maxlevel = kMaxNesting;
+    context.maxlevel = RequestScan::kMaxLevels;
     context.maxoccurs = kMaxListItems - 1;  // the engine looks before it adds
 }
 
@@ -36,10 +35,15 @@ const char* gNullPointerMsg = "Invalid request parameter, NULL";
 
 SANService::SANService(const soap& context, const std::string& apiMgrAddress, const int& apiMgrPort)
     : SanApi::SanApiPortBindingService(context),
+      // A copy of a service object reads where the object itself does.
+      m_receive(context.frecv == &ReceiveChecked ? static_cast<const SANService&>(context).m_receive
+                                                 : context.frecv),
       m_apiMgrAddress(apiMgrAddress),
       m_apiMgrPort(apiMgrPort) {
     SanApiPortBindingService_init(kStringMode, kStringMode);
     limitInput(*this);
+    frecv = &ReceiveChecked;
+    fseterror = &NameRefusal;
     // The reply is written once and kept until its length is known, instead of twice, and reaches
     // the web server in one piece instead of one for each tag.
     soap_set_omode(this, SOAP_IO_STORE);
@@ -57,6 +61,26 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
         ServiceLog::Write(ServiceLog::kNoAddresses);
     }
     SimpleLogger::setMask(kAllLevels);
+}
+
+size_t SANService::ReceiveChecked(soap* context, char* target, size_t room) {
+    auto& service = static_cast<SANService&>(*context);
+    // One byte beyond the limit shows that there is more.
+    const size_t wanted = std::min(room, RequestScan::kMaxBytes + 1 - service.m_scan.size());
+    const size_t got = wanted != 0 ? service.m_receive(context, target, wanted) : 0;
+    return service.m_scan.add({target, got}) == nullptr ? got : 0;
+}
+
+void SANService::NameRefusal(soap* context, const char** code, const char** text) {
+    constexpr short kSoap11 = 1;
+    if (context->version == 0) {
+        soap_set_version(context, kSoap11);  // a fault is SOAP, whatever the request was
+    }
+    const char* refusal = static_cast<const SANService&>(*context).m_scan.refusal();
+    if (refusal != nullptr && *text == nullptr) {
+        *code = context->version == kSoap11 ? "SOAP-ENV:Client" : "SOAP-ENV:Sender";
+        *text = refusal;
+    }
 }
 
 SanApi::SanApiPortBindingService* SANService::copy() {

@@ -6,6 +6,7 @@
 
 #include "apiMgmt/apiStub/base/apiObjects/base/apiHccReqHeader.h"
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "apiMgmt/webservices/sanService/requestScan.h"
 #include "apiMgmt/webservices/sanService/serviceLog.h"
 #include "host/include/soapRequestConf.h"
 
@@ -105,6 +106,11 @@ private:
         return *object;
     }
 
+    /// The engine's way to more input: what the host gives, looked at.
+    static size_t ReceiveChecked(soap* context, char* target, size_t room);
+    /// Where the engine makes a fault: says why the input was refused.
+    static void NameRefusal(soap* context, const char** code, const char** text);
+
     int DispatchChecked();
     int KeepHeader(int outcome);
     std::string DecodeCredentials(const SanApi::xsd__base64Binary& userPass);
@@ -129,6 +135,9 @@ private:
     int RunMethod(const BASEApiMethod& method, SanApi::ns1__resultObject** result,
                   const std::map<std::string, std::string>* args = nullptr);
 
+    size_t (*m_receive)(soap*, char*, size_t);  // the host's
+    RequestScan m_scan;
+    bool m_dispatching = false;  // operations are called for a request, and not by a program
     APIHccReqHeader m_header;
     std::string m_apiMgrAddress;
     int m_apiMgrPort;

@@ -2,7 +2,9 @@
 
 #include <exception>
 #include <string>
+#include <string_view>
 
+#include "apiMgmt/common/text/safeText.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 
 namespace {
@@ -37,16 +39,20 @@ int SANService::dispatch() {
 }
 
 int SANService::DispatchChecked() {
+    m_dispatching = true;
     // Failure is no matter here: without an element there is no tag, and what follows says so.
     (void)soap_peek_element(this);
+    if (version == 0) {
+        soap_set_version(this, kSoap11);  // where there is no envelope, or one of no version
+        if (std::string_view(tag).ends_with(":Envelope")) {
+            return KeepHeader(SOAP_VERSIONMISMATCH);
+        }
+    }
     const bool credentialsRequired = soap_match_tag(this, tag, "ns1:Ping") != SOAP_OK;
     const std::string refusal = ParseRequestHeaders(credentialsRequired);
     PopulateResponseHeaders();
     if (!refusal.empty()) {
         ServiceLog::Write(ServiceLog::kRefused, STRINGUtil::FormatStr("%s", refusal.c_str()));
-        if (version == 0) {
-            soap_set_version(this, kSoap11);  // a body without an envelope has set none
-        }
         return soap_senderfault(refusal.c_str(), "");
     }
     return KeepHeader(SanApi::SanApiPortBindingService::dispatch());
@@ -78,7 +84,7 @@ std::string SANService::ParseRequestHeaders(bool credentialsRequired) {
     if (!STRINGUtil::StartsWith(m_header.schemaVersion, kVersionPrefix)) {
         return STRINGUtil::FormatStr(
             "SanService soap header version mismatch, expecting[%s] specified[%s]",
-            kFullVersion.c_str(), m_header.schemaVersion.c_str());
+            kFullVersion.c_str(), text::shortened(m_header.schemaVersion).c_str());
     }
     if (apiHeader->userPass != nullptr && apiHeader->userPass->__size > 0) {
         m_header.credentials = DecodeCredentials(*apiHeader->userPass);

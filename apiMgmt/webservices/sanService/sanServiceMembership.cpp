@@ -6,6 +6,11 @@
 #include "apiMgmt/webservices/sanService/sanService.h"
 
 int SANService::Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* response) {
+    // Clients send a call without arguments as nil.
+    SanApi::ns1__Ping empty;
+    if (request == nullptr && m_dispatching) {
+        request = &empty;
+    }
     return ServeOperation(ServiceLog::kPing, request, response, [&] {
         const APITarnHostCache::APITarnHostCachePingMethod method;
         return RunMethod(method, &response->return_);

@@ -1,9 +1,11 @@
 // What the engine looks for outside every namespace and the generated code does not give there.
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 
+#include <cstdlib>
 #include <new>
 
 #include "apiMgmt/common/text/legalXmlText.h"
+#include "apiMgmt/common/text/safeText.h"
 
 // The namespace table is one of the names that the plug-in exports.
 #pragma GCC visibility push(default)
@@ -31,15 +33,50 @@ ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* 
 // NOLINTEND(bugprone-reserved-identifier)
 
 // The engine's faults quote what the client sent: a tag, an attribute's value. Bytes that no
-// document may hold would make the whole reply unreadable, so they are dropped on the way out.
+// document may hold would make the whole reply unreadable, so they are dropped on the way out. The
+// texts that the engine makes itself stand in the context's message room, and are cut.
 void env_serializefault(soap* context);
 
 void soap_serializefault(soap* context) {
     const char** text = soap_faultstring(context);
     if (text != nullptr && *text != nullptr) {
-        *text = soap_strdup(context, text::legalXmlText(*text).c_str());
+        const std::string legal = text::legalXmlText(*text);
+        *text = soap_strdup(
+            context, *text == context->msgbuf ? text::shortened(legal).c_str() : legal.c_str());
     }
     env_serializefault(context);
+}
+
+// The engine knows SOAP 1.1 and 1.2 of today, and for the other envelopes of the W3C, which were
+// drafts of 1.2, no version: then it would take the body's element for the message.
+int env_getheader(soap* context);
+
+int soap_getheader(soap* context) {
+    constexpr short kSoap12 = 2;
+    Namespace* envelope = context->local_namespaces;
+    if (context->version == 0 && envelope != nullptr && envelope->out != nullptr) {
+        std::free(envelope->out);  // the draft's name, which the reply would repeat
+        envelope->out = nullptr;
+        soap_set_version(context, kSoap12);
+    }
+    return env_getheader(context);
+}
+
+// The reply's first tag repeats the names that the client gave the schema's namespaces, of which a
+// part is free: control characters in it would make the reply unreadable.
+void env_serializeheader(soap* context);
+
+void soap_serializeheader(soap* context) {
+    constexpr std::size_t kNamedByTheVersion = 2;  // rows: the envelope, the encoding
+    Namespace* row = context->local_namespaces;
+    for (row += row != nullptr ? kNamedByTheVersion : 0; row != nullptr && row->id != nullptr;
+         ++row) {
+        if (row->out != nullptr && text::legalXmlText(row->out) != row->out) {
+            std::free(row->out);
+            row->out = nullptr;
+        }
+    }
+    env_serializeheader(context);
 }
 
 // Stands in for std::nothrow where the engine's archive is linked into a plug-in.

@@ -8,11 +8,18 @@
 #include <httpd.h>
 
 #include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "apiMgmt/common/xmlParser/xmlParser.h"
+#include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
+#include "tests/support/fakeServiceDatabase.h"
+#include "tests/support/replyMessage.h"
+#include "tests/support/scriptedPeer.h"
 #include "tests/support/syslogCapture.h"
 
 using testing::EndsWith;
@@ -85,6 +92,8 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
         {Header(Version("2")), mismatch + "2]"},
         {Header(Version("20.1")), mismatch + "20.1]"},
         {Header(Version("%n&lt;%s")), mismatch + "%n&lt;%s]"},
+        {Header(Version("3" + std::string(1000, 'x'))),
+         mismatch + "3" + std::string(255, 'x') + "...[cut]]"},
         {Header(Version("2.3")), kNoCredentials},
         {Header(Version("2.3") + "<userPass></userPass><authToken></authToken>"), kNoCredentials},
         {Header(Version("2.3") + "<userPass>ISEhIQ==</userPass>"), kNoCredentials},
@@ -116,7 +125,6 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
         // clang-format off
         {"no operation, no header", envelope("<s:GetHcns/>"),                       "Soap header not specified"},
         {"an operation not served", envelope("<s:GetHcns/>", header),               unknown},
-        {"bytes that are no text",  envelope("<s:Get\xFF" "Hcns/>", header),         unknown},
         {"another namespace",       envelope("<Ping xmlns='urn:other'/>", header),  "not implemented"},
         {"a child of no meaning",   envelope("<s:RenameHccInSan><a><b>c</b></a></s:RenameHccInSan>", header), kPassed},
         {"SOAP 1.2",                envelope(kRename, header, kSoap12),             kSoap12},
@@ -135,6 +143,46 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
     }
     const std::string nil = envelope("<s:RenameHccInSan xsi:nil='true'/>", header);
     EXPECT_THAT(wire::joined(FakeModule().Serve(nil)), EndsWith(wire::sample("Fault")));
+}
+
+// Whatever comes, SOAP goes back.
+TEST(SanServiceRequest, WhatIsNoRequestGetsASoapFault) {
+    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
+    const std::string soap11 = "http://schemas.xmlsoap.org/soap/envelope/";
+    const std::string soap12 = kSoap12;
+    const auto rename = [&](const std::string& id) {
+        return envelope("<s:RenameHccInSan><hccId>" + id +
+                            "</hccId><sanId>s</sanId><name>n</name></s:RenameHccInSan>",
+                        header);
+    };
+    const std::string refused = "Request contains characters that XML does not allow";
+    const struct {
+        const char* what;
+        std::string request, version, code, text;
+    } cases[] = {
+        // clang-format off
+        {"a draft of SOAP 1.2",    envelope(kRename, header, "http://www.w3.org/2001/12/soap-envelope"), soap12, "SOAP-ENV:Sender", kPassed},
+        {"another envelope",       envelope(kRename, header, "urn:other"),           soap11, "SOAP-ENV:VersionMismatch", ""},
+        {"no envelope",            "<a/>",                                           soap11, "SOAP-ENV:Client", ""},
+        {"no XML",                 "hello",                                          soap11, "SOAP-ENV:Client", ""},
+        {"nothing",                "",                                               soap11, "SOAP-ENV:Client", ""},
+        {"a zero",                 rename(std::string(1, '\0')),                     soap11, "SOAP-ENV:Client", refused},
+        {"a surrogate",            rename("&#xD800;"),                               soap11, "SOAP-ENV:Client", refused},
+        {"the same in SOAP 1.2",   envelope("<s:Ping>\xFF</s:Ping>", header, kSoap12), soap11, "SOAP-ENV:Client", refused},
+        {"bytes in a name",        envelope("<s:Get\xFF" "Hcns/>", header),          soap11, "SOAP-ENV:Client", refused},
+        {"an unknown entity",      rename("&nbsp;"),                                 soap11, "SOAP-ENV:Client", "Request refers to an entity that is not defined"},
+        {"too long",               rename("c").insert(100, std::string(140000, ' ')), soap11, "SOAP-ENV:Client", "Request is longer than 131072 bytes"},
+        {"a long unknown name",    envelope("<s:" + std::string(900, 'n') + "/>", header), soap11, "SOAP-ENV:Client", "...[cut]"},
+        // clang-format on
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        const std::string reply = FakeModule().Serve(row.request);
+        EXPECT_THAT(reply, HasSubstr("<SOAP-ENV:Envelope xmlns:SOAP-ENV=\"" + row.version + "\""));
+        EXPECT_THAT(reply, HasSubstr(row.code));
+        EXPECT_THAT(reply, HasSubstr(row.text));
+        EXPECT_LT(reply.size(), 2000U);
+    }
 }
 
 // Opens what only the service itself may do.
@@ -165,6 +213,69 @@ TEST(SanServiceObject, TakesTheConnectionsAddressesFromTheModule) {
             "Apache's pRqConf->r->connection struct)\n",
             SyslogCapture::Lines()[0].text);
     }
+}
+
+// The API manager: keeps what it gets and is content with everything. There is one for the whole
+// program, since the port is looked up once.
+class ApiManager {
+public:
+    ApiManager() { fakeServiceDatabase::setPort(m_peer.port()); }
+
+    std::vector<std::string> TakeDocuments() {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_documents, {});
+    }
+
+private:
+    void Answer(int fd) {
+        protoIPCMsg::GPBIPCMsg request;
+        request.ParseFromString(ScriptedPeer::receive(fd));
+        {
+            const std::lock_guard lock(m_mutex);
+            m_documents.push_back(request.apireqmsg().cmdreqmsg().requestdocument());
+        }
+        ScriptedPeer::send(fd, replyFrame("<compapi><ApiMethodReturn><Successful>True</Successful>"
+                                          "<ReturnInt>0</ReturnInt></ApiMethodReturn></compapi>"));
+    }
+
+    std::mutex m_mutex;
+    std::vector<std::string> m_documents;
+    ScriptedPeer m_peer{[this](int fd) { Answer(fd); }};
+};
+
+ApiManager gApiManager;
+
+// Nothing but documents that a strict reader takes reaches the API manager, whatever the client's
+// text is made of.
+TEST(SanServiceObject, SendsEachCharacterOfUnicodeInADocument) {
+    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
+    constexpr std::uint32_t kBlock = 8192;
+    for (std::uint32_t first = 1; first <= 0x10FFFF; first += kBlock) {
+        std::string references;
+        for (std::uint32_t point = first; point < first + kBlock && point <= 0x10FFFF; ++point) {
+            const bool legal = (point < 0xD800 || point > 0xDFFF) && (point | 1U) != 0xFFFF;
+            references += legal ? "&#" + std::to_string(point) + ";" : "";
+        }
+        FakeModule().Serve(envelope("<s:RemoveHccFromSan><sanId>s</sanId><hccId>" + references +
+                                        "</hccId></s:RemoveHccFromSan>",
+                                    header));
+    }
+    const std::vector<std::string> documents = gApiManager.TakeDocuments();
+    EXPECT_EQ(136U, documents.size());
+    parser::XMLParser reader(nullptr);
+    for (const std::string& document : documents) {
+        EXPECT_TRUE(reader.ParseXMLString(document));
+    }
+}
+
+TEST(SanServiceObject, ServesANilPingOfAClientOnly) {
+    FakeModule module;
+    OpenService service(module.Context());
+    SanApi::ns1__PingResponse response;
+    EXPECT_EQ(SOAP_FAULT, service.Ping(nullptr, &response));
+    EXPECT_THAT(FakeModule().Serve(envelope("<s:Ping xsi:nil='true'/>", Header(Version("2.3")))),
+                HasSubstr("PingResponse>"));
+    EXPECT_EQ(1U, gApiManager.TakeDocuments().size());
 }
 
 TEST(SanServiceObject, DecodesCredentialsTwice) {

@@ -1,0 +1,96 @@
+// What is refused before the engine reads it, whatever the pieces in which it comes.
+#include "apiMgmt/webservices/sanService/requestScan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace std::string_literals;
+
+std::string scanned(const std::string& request, std::size_t piece) {
+    RequestScan scan;
+    for (std::size_t at = 0; at < request.size(); at += piece) {
+        scan.add(std::string_view(request).substr(at, piece));
+    }
+    return scan.refusal() != nullptr ? scan.refusal() : "";
+}
+
+std::string repeated(std::size_t times, const std::string& text) {
+    std::string all;
+    for (std::size_t i = 0; i < times; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
+    const std::string characters = "Request contains characters that XML does not allow";
+    const std::string entity = "Request refers to an entity that is not defined";
+    const std::string markup = "Request contains markup that is not XML";
+    const std::string attributes = "Request has too many attributes";
+    const std::string deep = "Request nests elements more than 64 levels deep";
+    const struct {
+        std::string request, refusal;
+    } cases[] = {
+        // clang-format off
+        {"<a/>", ""}, {"\xEF\xBB\xBF \r\n<a>\x01\x1f\x7f</a>", ""},
+        {"<a>&lt;&gt;&amp;&quot;&apos;&#1;&#x1F;&#000000065;&#xfffd;&#x10fFfF;</a>", ""},
+        {"<a b='>' c=\"/>'\">&amp;<!-- & &#0; ]]> -- --><![CDATA[& &x; </a>]]]></a>", ""},
+        {"<?xml version='1.0'?><a>]]></a>", ""},
+        {"<a>\0</a>"s, characters}, {"<a b='\0'/>"s, characters}, {"<!--\0--><a/>"s, characters},
+        {"<a>&#0;</a>", characters}, {"<a b='&#xD800;'/>", characters},
+        {"<a>&#65535;</a>", characters}, {"<a>&#1114112;</a>", characters},
+        {"<a>&#99999999999999999999;</a>", characters}, {"<a>\xC3</a>", characters},
+        {"<a>\xC0\x80</a>", characters}, {"<a\xFF/>", characters}, {"<\xEF\xBF\xBE/>", characters},
+        {"<a>&nbsp;</a>", entity}, {"<a>&;</a>", entity}, {"<a>& b</a>", entity},
+        {"<a>&LT;</a>", entity}, {"<a>&#;</a>", characters}, {"<a>&#x;</a>", characters},
+        {"<a>&#X41;</a>", entity}, {"<a>&#4A;</a>", entity}, {"<a>&\xC3\xA9;</a>", entity},
+        {"<a b='<!--'>&#0;</a>", markup}, {"<a <b/>", markup}, {"<a & b/>", markup}, {"<!-a>", markup},
+        {"<?a &x;?><a/>", markup}, {"<!DOCTYPE a><a/>", "Request contains a document type declaration"},
+        {repeated(64, "<a>"), ""}, {repeated(65, "<a>"), deep},
+        {repeated(63, "<a>") + "<b/><b/><b>x</b><b/>", ""}, {repeated(64, "<a>") + "<b/>", deep},
+        {"<a" + repeated(64, " b=''") + "/>", ""}, {"<a" + repeated(65, " b=''") + "/>", attributes},
+        {"<x>" + repeated(64, "<a" + repeated(64, " b=''") + "/>"), ""},
+        {"<x>" + repeated(65, "<a" + repeated(64, " b=''") + "/>"), attributes},
+        {"<a>" + std::string(RequestScan::kMaxBytes - 3, 'x'), ""},
+        {"<a>" + std::string(RequestScan::kMaxBytes - 2, 'x'), "Request is longer than 131072 bytes"},
+        {"POST / HTTP/1.1\r\n\r\n<a>&x;</a>", ""},
+        // clang-format on
+    };
+    for (const auto& [request, refusal] : cases) {
+        for (const std::size_t piece : {request.size(), std::size_t{1}, std::size_t{3}}) {
+            EXPECT_EQ(refusal, scanned(request, piece)) << request.substr(0, 80) << ' ' << piece;
+        }
+    }
+}
+
+std::string encoded(std::uint32_t point) {
+    const auto byte = [](std::uint32_t bits) { return static_cast<char>(bits); };
+    const auto next = [&](unsigned shift) { return byte(0x80U | (point >> shift & 0x3FU)); };
+    if (point < 0x80) {
+        return {byte(point)};
+    }
+    if (point < 0x800) {
+        return {byte(0xC0U | point >> 6U), next(0)};
+    }
+    if (point < 0x10000) {
+        return {byte(0xE0U | point >> 12U), next(6), next(0)};
+    }
+    return {byte(0xF0U | point >> 18U), next(12), next(6), next(0)};
+}
+
+TEST(RequestScan, JudgesEachCharacterOfUnicodeInEachSpelling) {
+    for (std::uint32_t point = 0; point <= 0x110000; ++point) {
+        const bool refused = point == 0 || (point >= 0xD800 && point <= 0xDFFF) ||
+                             point == 0xFFFE || point == 0xFFFF || point > 0x10FFFF;
+        const std::string reference = "<a>&#" + std::to_string(point) + ";</a>";
+        ASSERT_EQ(refused, !scanned(reference, reference.size()).empty()) << point;
+        if (point != '<' && point != '&') {
+            ASSERT_EQ(refused, !scanned("<a>" + encoded(point) + "</a>", 99).empty()) << point;
+        }
+    }
+}
+
+}  // namespace
