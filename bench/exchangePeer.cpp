@@ -27,9 +27,9 @@ void answer(int peer, const std::string& reply) {
     if (!receiveAll(peer, reinterpret_cast<char*>(&length), sizeof length)) {
         return;
     }
-    constexpr uint32_t longest = 1 << 20;
-    static std::vector<char> content(longest);
-    if (ntohl(length) > longest || !receiveAll(peer, content.data(), ntohl(length))) {
+    constexpr uint32_t kMaxReply = 1 << 20;
+    static std::vector<char> content(kMaxReply);
+    if (ntohl(length) > kMaxReply || !receiveAll(peer, content.data(), ntohl(length))) {
         return;
     }
     ::send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);

@@ -16,8 +16,8 @@ namespace {
 using Add = APISample::APISampleAddMethod;
 
 // Longer than what a string holds in itself, so that a copy is an allocation.
-const std::string plain = "a value of some forty characters' length";
-const std::string markup = "a <value> & \"some\" of it has to be escaped";
+const std::string kPlain = "a value of some forty characters' length";
+const std::string kMarkup = "a <value> & \"some\" of it has to be escaped";
 
 /// Runs `round` as often as it takes, and reports the allocations of one.
 template <class Round>
@@ -34,7 +34,7 @@ void measure(benchmark::State& state, Round round) {
 void bareMapText(benchmark::State& state) {
     measure(state, [] {
         std::map<std::string, std::string> values;
-        values.insert_or_assign(Add::GetNameAttr()->GetXmlName(), plain);
+        values.insert_or_assign(Add::GetNameAttr()->GetXmlName(), kPlain);
         benchmark::DoNotOptimize(values);
     });
 }
@@ -47,8 +47,8 @@ void setText(benchmark::State& state, const std::string& value) {
         benchmark::DoNotOptimize(method);
     });
 }
-BENCHMARK_CAPTURE(setText, plain, plain);
-BENCHMARK_CAPTURE(setText, markup, markup);
+BENCHMARK_CAPTURE(setText, plain, kPlain);
+BENCHMARK_CAPTURE(setText, markup, kMarkup);
 
 /// Five texts and two lists of two records.
 void fill(Add& method) {
@@ -58,7 +58,7 @@ void fill(Add& method) {
         record.SetPort(3260);
     }
     const std::vector<const BASEApiMethodObject*> list{&records[0], &records[1]};
-    method.SetName(plain);
+    method.SetName(kPlain);
     method.SetId("hcc-1");
     method.SetKey("0123456789abcdef");
     method.SetHost("node-1.example");
@@ -92,7 +92,7 @@ void readMethodObject(benchmark::State& state) {
     APISampleRecord record;
     record.SetAddress("10.20.30.40");
     record.SetPort(3260);
-    record.SetComment(markup);
+    record.SetComment(kMarkup);
     const std::string text = record.ToXMLString(true);
     measure(state, [&] {
         APISampleRecord copy;

@@ -34,7 +34,6 @@ import statistics
 import subprocess
 import sys
 import threading
-import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
@@ -273,7 +272,8 @@ def report(rates, costs, foreign):
     print(f"\n{'':28}{'requests/s':>12}{'µs/request':>12}{'spread':>9}{'least µs':>10}")
     for name, what, _ in TARGETS:
         print(f"{name}  {what:25}{statistics.median(rates[name]):12.0f}"
-              f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}{min(costs[name]):10.1f}")
+              f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}"
+              f"{min(costs[name]):10.1f}")
     print("\nratios of processor time, each the median of the rounds:")
     for above, below, aim in RATIOS:
         ratio = statistics.median(u / d for u, d in zip(costs[above], costs[below]))

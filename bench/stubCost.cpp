@@ -36,17 +36,17 @@ using AddHccToSan = APITarnHostCache::APITarnHostCacheAddHccToSanMethod;
 using protoIPCMsg::GPBIPCMsg;
 using ReturnPtr = std::unique_ptr<BASEApiMethodReturn>;
 
-constexpr int nodes = 4;
-constexpr int rounds = 101;
-constexpr int exchangesPerRound = 50;
+constexpr int kNodes = 4;
+constexpr int kRounds = 101;
+constexpr int kExchangesPerRound = 50;
 
-const APIHccReqHeader header{"2.3", "admin:secret", "", "hcc-1", "10.0.0.9", "10.0.0.1"};
+const APIHccReqHeader kHeader{"2.3", "admin:secret", "", "hcc-1", "10.0.0.9", "10.0.0.1"};
 
 /// The request that a cluster of four nodes sends when it joins.
 void fill(AddHccToSan& method) {
-    std::vector<APIIpv4AddressPort> addresses(nodes);
+    std::vector<APIIpv4AddressPort> addresses(kNodes);
     std::vector<const BASEApiMethodObject*> list;
-    for (int i = 0; i < nodes; ++i) {
+    for (int i = 0; i < kNodes; ++i) {
         addresses[i].SetIpv4Address("10.20.30." + std::to_string(i + 1));
         addresses[i].SetPort(3260);
         list.push_back(&addresses[i]);
@@ -84,7 +84,7 @@ std::string frameOf(const GPBIPCMsg& message) {
 
 GPBIPCMsg makeRequest(const AddHccToSan& method) {
     GPBIPCMsg request;
-    method.BuildGPBApiRequest(request, &header, "", nullptr, "");
+    method.BuildGPBApiRequest(request, &kHeader, "", nullptr, "");
     return request;
 }
 
@@ -178,12 +178,12 @@ template <class Call>
 void measure(Cost& cost, const Call& call) {
     const double processor = seconds(CLOCK_THREAD_CPUTIME_ID);
     const double wall = seconds(CLOCK_MONOTONIC);
-    for (int i = 0; i < exchangesPerRound; ++i) {
+    for (int i = 0; i < kExchangesPerRound; ++i) {
         call();
     }
-    constexpr double scale = 1e6 / exchangesPerRound;
-    cost.processor.push_back((seconds(CLOCK_THREAD_CPUTIME_ID) - processor) * scale);
-    cost.wall.push_back((seconds(CLOCK_MONOTONIC) - wall) * scale);
+    constexpr double kScale = 1e6 / kExchangesPerRound;
+    cost.processor.push_back((seconds(CLOCK_THREAD_CPUTIME_ID) - processor) * kScale);
+    cost.wall.push_back((seconds(CLOCK_MONOTONIC) - wall) * kScale);
 }
 
 double quantile(std::vector<double> values, double part) {
@@ -213,9 +213,9 @@ void printRatios() {
     Cost bare;
     Cost exchange;
     Cost stub;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < kRounds; ++round) {
         measure(bare, [&] { bareExchange(peer.port(), requestFrame, replyFrame.size()); });
-        measure(exchange, [&] { ReturnPtr(method.Execute(&header, nullptr)); });
+        measure(exchange, [&] { ReturnPtr(method.Execute(&kHeader, nullptr)); });
         measure(stub, [&] { stubSide(method, replyBody); });
     }
     std::printf("\n%zu bytes out, %zu bytes back\n", requestFrame.size(), replyFrame.size());

@@ -56,8 +56,8 @@ int printClusters(const char* name) {
 int main(int argc, char** argv) {
     try {
         return printClusters(argc > 1 ? argv[1] : nullptr);
-    } catch (const GENERALError& error) {
-        std::cerr << "listClusters: " << error.GetLogMessage() << '\n';
+    } catch (const GENERALError& failure) {
+        std::cerr << "listClusters: " << failure.GetLogMessage() << '\n';
         return 3;
     }
 }

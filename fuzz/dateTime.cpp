@@ -7,13 +7,13 @@
 namespace {
 
 // Without daylight saving every local time is one instant.
-const bool zoneIsSet = [] {
+const bool kZoneIsSet = [] {
     setenv("TZ", "UTC0", 1);  // NOLINT(concurrency-mt-unsafe): before any thread
     tzset();
     return true;
 }();
 
-constexpr int lastYear = 9999;  // the last whose text is read whole
+constexpr int kMaxYear = 9999;  // the last whose text is read whole
 
 }  // namespace
 
@@ -26,6 +26,6 @@ void drive(std::string_view bytes) {
         time.FormatAs(format);
         const DATETimeObject free(text.substr(0, end), format);
     }
-    require(time.GetYear() > lastYear || DATETimeObject(time.ToString()) == time);
+    require(time.GetYear() > kMaxYear || DATETimeObject(time.ToString()) == time);
     time.GetMinutesElapsedOfTheDay();
 }

@@ -8,13 +8,13 @@
 namespace {
 
 // What a reader may hold beyond twice the bytes that came: its own first buffer.
-constexpr std::size_t firstBuffer = 4096;
+constexpr std::size_t kFirstBuffer = 4096;
 
 ipcFraming::FrameReader::State feed(ipcFraming::FrameReader& reader, std::string_view bytes,
                                     std::size_t step) {
     while (!bytes.empty() && reader.state() == ipcFraming::FrameReader::State::wantsMore) {
         const auto room = reader.room();
-        require(!room.empty() && room.size() <= firstBuffer + 2 * reader.received());
+        require(!room.empty() && room.size() <= kFirstBuffer + 2 * reader.received());
         const std::size_t count = std::min({step, bytes.size(), room.size()});
         std::copy_n(bytes.begin(), count, room.begin());
         reader.added(count);

@@ -1,4 +1,4 @@
-// Runs a fuzz target without libFuzzer; `usage` says how.
+// Runs a fuzz target without libFuzzer; `kUsage` says how.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,17 +21,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-constexpr std::string_view usage = R"(usage: TARGET [--runs N] [--seed S] FILE-OR-DIRECTORY...
+constexpr std::string_view kUsage = R"(usage: TARGET [--runs N] [--seed S] FILE-OR-DIRECTORY...
 
 Gives the target every file as it is, then N inputs (default 0) made by mutating them. The same
 seed (default 1) makes the same inputs, so that a failing run can be repeated. What fails is in
 the file crash-TARGET of the current directory afterwards.
 )";
 
-constexpr int usageError = 64;
-constexpr std::size_t maxInputSize = 8192;
-constexpr std::size_t maxRepeats = 64;
-constexpr std::size_t maxMutations = 4;
+constexpr int kUsageError = 64;
+constexpr std::size_t kMaxInputSize = 8192;
+constexpr std::size_t kMaxRepeats = 64;
+constexpr std::size_t kMaxMutations = 4;
 
 using Random = std::mt19937_64;
 
@@ -43,7 +43,7 @@ struct Options {
 
 [[noreturn]] void refuse(std::string_view subject, std::string_view reason) {
     std::cerr << subject << ": " << reason << '\n';
-    std::exit(usageError);
+    std::exit(kUsageError);
 }
 
 std::size_t below(Random& random, std::size_t limit) {
@@ -52,7 +52,7 @@ std::size_t below(Random& random, std::size_t limit) {
 
 void mutateOnce(Random& random, std::string& input, const std::string& other) {
     // Bytes that formats give a meaning come more often than chance would bring them.
-    static constexpr std::string_view telling("<>&;:/\"' =,-\n\r\t\0\x01\x7f\x80\xff", 20);
+    static constexpr std::string_view kTelling("<>&;:/\"' =,-\n\r\t\0\x01\x7f\x80\xff", 20);
     const std::size_t at = below(random, input.size() + 1);
     const std::string part = input.substr(at, below(random, 64));
     switch (below(random, 5)) {
@@ -63,7 +63,7 @@ void mutateOnce(Random& random, std::string& input, const std::string& other) {
             break;
         case 1:
             input.insert(at, 1,
-                         random() % 2 == 0 ? telling[below(random, telling.size())]
+                         random() % 2 == 0 ? kTelling[below(random, kTelling.size())]
                                            : static_cast<char>(random() & 0xFFU));
             break;
         case 2:
@@ -73,7 +73,7 @@ void mutateOnce(Random& random, std::string& input, const std::string& other) {
             input = input.substr(0, at) + other.substr(below(random, other.size() + 1));
             break;
         default:
-            for (std::size_t times = below(random, maxRepeats); times > 0; --times) {
+            for (std::size_t times = below(random, kMaxRepeats); times > 0; --times) {
                 input.insert(at, part);
             }
     }
@@ -81,10 +81,10 @@ void mutateOnce(Random& random, std::string& input, const std::string& other) {
 
 std::string mutate(Random& random, const std::vector<std::string>& seeds) {
     std::string input = seeds[below(random, seeds.size())];
-    for (std::size_t count = 1 + below(random, maxMutations); count > 0; --count) {
+    for (std::size_t count = 1 + below(random, kMaxMutations); count > 0; --count) {
         mutateOnce(random, input, seeds[below(random, seeds.size())]);
     }
-    input.resize(std::min(input.size(), maxInputSize));
+    input.resize(std::min(input.size(), kMaxInputSize));
     return input;
 }
 
@@ -125,7 +125,7 @@ Options optionsOf(const std::vector<std::string_view>& arguments) {
     Options options;
     for (auto at = arguments.begin(); at != arguments.end(); ++at) {
         if (*at == "--help") {
-            std::cout << usage;
+            std::cout << kUsage;
             std::exit(0);
         }
         if (*at == "--runs" || *at == "--seed") {

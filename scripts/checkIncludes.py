@@ -80,7 +80,8 @@ def read_includes(root):
         # A bare name is a neighbour's, or comes from the generator or a library.
         beside = [(path.parent / name).resolve() for name in names]
         includes[path.relative_to(root).as_posix()] = [
-            near.relative_to(root).as_posix() if near.is_file() and near.is_relative_to(root) else name
+            near.relative_to(root).as_posix()
+            if near.is_file() and near.is_relative_to(root) else name
             for near, name in zip(beside, names)]
     return includes
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the service. See --help.
 set -euo pipefail
+# shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 
 usage() {
@@ -39,8 +40,7 @@ while [ $# -gt 0 ]; do
     [ $# -gt 0 ] && shift
 done
 case "$mpm" in event|worker|prefork) ;; *) die "--mpm is event, worker or prefork" ;; esac
-[[ "$port" =~ ^[1-9][0-9]{0,4}$ ]] && [ "$port" -le 65535 ] ||
-    die "--port is a number from 1 to 65535"
+[[ "$port" =~ ^[1-9][0-9]{0,4}$ && "$port" -le 65535 ]] || die "--port is a number from 1 to 65535"
 
 release="$root/build/release"
 state="$release/run/$port"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the tests. See --help.
 set -euo pipefail
+# shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 
 usage() {
@@ -10,15 +11,15 @@ usage: scripts/test.sh [--all] [CTEST OPTION...]
 Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test, then builds
 the threaded tests with ThreadSanitizer and runs them. Ends with the test runner's summary.
 
-  --all     also the tests that need heavy packages: the matrix of independent SOAP clients
-            and the simulator's page in a real browser
+  --all     also the tests that need heavy packages: the matrix of independent SOAP clients,
+            the simulator's page in a real browser, and clang-tidy over the sources that changed
   --help    this text
 
 Other options go to ctest as they are, for example: scripts/test.sh -R stringUtil
 TEXT
 }
 
-heavy='clients|browser'
+heavy='clients|browser|lint'
 kinds=(build run test)
 select=(-LE "$heavy")
 passed=()

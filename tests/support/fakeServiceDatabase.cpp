@@ -16,7 +16,7 @@ extern "C" __attribute__((visibility("default"))) int getservbyname_r(
     if (size < neededBuffer) {
         return ERANGE;
     }
-    if (port == noEntry || protocol == nullptr || std::string_view(name) != "ostrel-apimgr" ||
+    if (port == kNoEntry || protocol == nullptr || std::string_view(name) != "ostrel-apimgr" ||
         std::string_view(protocol) != "tcp") {
         return 0;
     }

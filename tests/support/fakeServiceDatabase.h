@@ -7,9 +7,9 @@
 /// database: one entry "ostrel-apimgr" over "tcp", which the tests set.
 namespace fakeServiceDatabase {
 
-constexpr int noEntry = -1;
+constexpr int kNoEntry = -1;
 /// The port of the entry, in host byte order.
-inline std::atomic<int> port = noEntry;
+inline std::atomic<int> port = kNoEntry;
 /// The bytes that the caller's buffer must have, as for an entry with many aliases.
 inline std::atomic<std::size_t> neededBuffer = 1;
 /// How often the database was asked.

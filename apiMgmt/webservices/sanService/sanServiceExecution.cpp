@@ -13,22 +13,22 @@ const BASEApiMethodReturn* SANService::ExecuteMethod(
     const BASEApiMethod& method, const std::map<std::string, std::string>* args) const {
     try {
         return method.Execute(&m_header, args);
-    } catch (const APIMethodError& e) {
+    } catch (const APIMethodError& failure) {
         ServiceLog::Write(
             ServiceLog::kApiError,
             STRINGUtil::FormatStr("API exception serving san service request. msg(%s)",
-                                  e.GetLogMessage().c_str()));
-    } catch (const APISocketError& e) {
+                                  failure.GetLogMessage().c_str()));
+    } catch (const APISocketError& failure) {
         ServiceLog::Write(
             ServiceLog::kSocketError,
             STRINGUtil::FormatStr("Connection error serving san service request. msg(%s)",
-                                  e.GetLogMessage().c_str()));
-    } catch (const std::exception& e) {
+                                  failure.GetLogMessage().c_str()));
+    } catch (const std::exception& failure) {
         ServiceLog::Write(
             ServiceLog::kGeneralError,
             STRINGUtil::FormatStr(
                 "General exception processing san service request(%s::%s). msg: %s",
-                method.GetObjectName().c_str(), method.GetMethodName().c_str(), e.what()));
+                method.GetObjectName().c_str(), method.GetMethodName().c_str(), failure.what()));
     }
     return nullptr;
 }

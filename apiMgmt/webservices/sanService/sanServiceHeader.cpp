@@ -29,9 +29,9 @@ constexpr char kInternalError[] = "Internal error serving san service request";
 int SANService::dispatch() {
     try {
         return DispatchChecked();
-    } catch (const std::exception& e) {
+    } catch (const std::exception& failure) {
         ServiceLog::Write(ServiceLog::kEscaped,
-                          STRINGUtil::FormatStr("%s. msg(%s)", kInternalError, e.what()));
+                          STRINGUtil::FormatStr("%s. msg(%s)", kInternalError, failure.what()));
     } catch (...) {
         ServiceLog::Write(ServiceLog::kEscaped, STRINGUtil::FormatStr("%s", kInternalError));
     }

@@ -32,7 +32,7 @@
 ///   the kind has them;
 /// - `Value`, `Argument`: what the typed getter returns and the typed setter takes;
 /// - `Print`, `Parse`: typed value to text and back;
-/// - `isMarkup`: the text is XML whose values are escaped already.
+/// - `kIsMarkup`: the text is XML whose values are escaped already.
 ///
 /// To add a kind: derive its descriptor from BASEApiAttribute and add a struct here.
 namespace apiKind {
@@ -42,7 +42,7 @@ struct UNBOUNDED {
     using Attribute = AttributeType;
     using Value = ValueType;
     using Argument = ArgumentType;
-    static constexpr bool isMarkup = false;
+    static constexpr bool kIsMarkup = false;
 
     static Attribute Make(const char* xmlName, const char* displayName, int code) {
         return Attribute(xmlName, code, false, displayName);
@@ -59,7 +59,7 @@ struct UNBOUNDED {
 struct PLAINText {
     using Value = std::string;
     using Argument = const std::string&;
-    static constexpr bool isMarkup = false;
+    static constexpr bool kIsMarkup = false;
 
     static const std::string& Print(const BASEApiAttribute& /*attribute*/,
                                     const std::string& value) {
@@ -150,7 +150,7 @@ struct ENUMMASK : UNBOUNDED<ENUMMASKApiAttribute, std::vector<Enum>> {
 /// One record; the getter gives a new one, null when the text holds none.
 template <class Record>
 struct METHODOBJECT : UNBOUNDED<METHODOBJECTApiAttribute, std::unique_ptr<Record>, const Record&> {
-    static constexpr bool isMarkup = true;
+    static constexpr bool kIsMarkup = true;
     static std::unique_ptr<Record> Parse(const METHODOBJECTApiAttribute& /*attribute*/,
                                          const std::string& text) {
         auto record = std::make_unique<Record>();
@@ -163,7 +163,7 @@ template <class Record>
 struct METHODOBJECTARRAY
     : UNBOUNDED<METHODOBJECTARRAYApiAttribute, std::vector<std::unique_ptr<Record>>,
                 const std::vector<const BASEApiMethodObject*>&> {
-    static constexpr bool isMarkup = true;
+    static constexpr bool kIsMarkup = true;
     static std::vector<std::unique_ptr<Record>> Parse(
         const METHODOBJECTARRAYApiAttribute& /*attribute*/, const std::string& text) {
         std::vector<std::unique_ptr<Record>> records;

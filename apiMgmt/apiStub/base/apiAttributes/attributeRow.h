@@ -101,7 +101,7 @@ namespace apiKind {
 
 template <class Kind, class Owner>
 typename Kind::Value Load(const Owner& owner, const typename Kind::Attribute& attribute) {
-    if constexpr (Kind::isMarkup) {
+    if constexpr (Kind::kIsMarkup) {
         return Kind::Parse(attribute, owner.GetStringDirect(attribute.GetXmlName()));
     } else {
         return Kind::Parse(attribute, owner.LoadText(attribute.GetXmlName()));
@@ -110,7 +110,7 @@ typename Kind::Value Load(const Owner& owner, const typename Kind::Attribute& at
 
 template <class Kind, class Owner>
 void Store(Owner& owner, const typename Kind::Attribute& attribute, typename Kind::Argument value) {
-    if constexpr (Kind::isMarkup) {
+    if constexpr (Kind::kIsMarkup) {
         owner.PutStringDirect(attribute.GetXmlName(), Kind::Print(attribute, value));
     } else {
         owner.StoreText(attribute.GetXmlName(), Kind::Print(attribute, value));

@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kWrittenFormat = "%m/%d/%Y %I:%M:%S %p";
 constexpr const char* kCompactFormat = "%m/%d/%Y-%H:%M:%S";
 constexpr std::size_t kFirstBuffer = 64;
-constexpr std::size_t kLargestBuffer = std::size_t{64} * 1024;
+constexpr std::size_t kMaxBuffer = std::size_t{64} * 1024;
 
 std::optional<std::int64_t> readText(const std::string& text, const char* format) {
     std::tm fields{};
@@ -37,7 +37,7 @@ std::string formatFields(const std::tm& fields, const std::string& format) {
     // It ends at a zero byte, and so must what the blank is put behind.
     const std::string padded = format.substr(0, format.find('\0')) + " ";
     std::string text;
-    for (std::size_t size = kFirstBuffer + format.size(); size <= kLargestBuffer; size *= 2) {
+    for (std::size_t size = kFirstBuffer + format.size(); size <= kMaxBuffer; size *= 2) {
         text.resize(size);
         const std::size_t written = std::strftime(text.data(), size, padded.c_str(), &fields);
         if (written != 0) {
@@ -112,8 +112,8 @@ int DATETimeObject::GetMinutesElapsedOfTheDay() const {
 std::string DATETimeObject::FormatAs(const std::string& format) const {
     try {
         return formatFields(GetAsTMStruct(), format);
-    } catch (const std::exception& error) {
-        std::cout << "Exception formatting datetime: " << error.what();
+    } catch (const std::exception& failure) {
+        std::cout << "Exception formatting datetime: " << failure.what();
         return {};
     }
 }

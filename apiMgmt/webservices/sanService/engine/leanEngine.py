@@ -49,8 +49,8 @@ def make(archive, tool, out):
         run("ar", "x", "--output", folder, archive)
         members = sorted(folder.iterdir())
         if folder / MEMBER not in members or code_digest(folder, tool) != KNOWN:
-            sys.exit(f"{archive} is not the engine that leanEngine.cpp was written against. Compare "
-                     "its functions with those of this engine and enter the new digest in "
+            sys.exit(f"{archive} is not the engine that leanEngine.cpp was written against. "
+                     "Compare its functions with those of this engine and enter the new digest in "
                      f"{__file__}, or configure with -DSAN_LEAN_ENGINE=OFF, which costs half a "
                      "Ping more.")
         known = addresses(folder)

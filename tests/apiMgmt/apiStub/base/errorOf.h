@@ -8,8 +8,8 @@
 inline APIMethodError errorOf(const std::function<void()>& call) {
     try {
         call();
-    } catch (const APIMethodError& error) {
-        return error;
+    } catch (const APIMethodError& failure) {
+        return failure;
     }
     return APIMethodError(ErrorStateEnum::NoError, "", 0, "");
 }

@@ -14,7 +14,7 @@ TEST(ApiMgrPortTest, IsLookedUpOnce) {
         int port, lookUpsOfTwoCalls;
     } cases[] = {
         // clang-format off
-        {"no entry",                  fakeServiceDatabase::noEntry, 1,       35000, 1},
+        {"no entry",                  fakeServiceDatabase::kNoEntry, 1,       35000, 1},
         {"entry",                     36001,                        1,       36001, 1},
         {"byte order",                0x1234,                       1,       0x1234, 1},
         {"upper half",                65535,                        1,       65535, 1},

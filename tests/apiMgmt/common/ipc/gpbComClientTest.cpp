@@ -44,8 +44,8 @@ std::string failureOf(int port, const GPBIPCMsg& request = makeRequest()) {
     try {
         exchange(port, request);
         return "";
-    } catch (const APISocketError& error) {
-        return error.GetLogMessage();
+    } catch (const APISocketError& failure) {
+        return failure.GetLogMessage();
     }
 }
 
@@ -108,8 +108,8 @@ TEST(GpbComClientTest, RaisesBadReplies) {
 }
 
 TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
-    constexpr int nobody = 1;
-    EXPECT_NE(failureOf(nobody).find("Unable to connect"), std::string::npos);
+    constexpr int kNobody = 1;
+    EXPECT_NE(failureOf(kNobody).find("Unable to connect"), std::string::npos);
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });

@@ -45,9 +45,9 @@ TEST(SelfConnectTest, IsNobodyAndLeavesThePortFree) {
         try {
             GPBComClient(GPBComEndpoint("127.0.0.1", port)).SendReceiveMessage(request, reply);
             FAIL() << "it took its own request for a reply";
-        } catch (const APISocketError& error) {
-            EXPECT_EQ(error.GetLogMessage(), "127.0.0.1:" + std::to_string(port) +
-                                                 ": Unable to connect: Connection refused");
+        } catch (const APISocketError& failure) {
+            EXPECT_EQ(failure.GetLogMessage(), "127.0.0.1:" + std::to_string(port) +
+                                                   ": Unable to connect: Connection refused");
         }
         EXPECT_EQ(bindAndFree(port), port) << "the peer cannot start for a minute";
     }

@@ -28,14 +28,14 @@ auto text(std::int64_t minimum, std::int64_t maximum, const char* forbidden = ""
                                                 "Some Text");
 }
 
-constexpr std::int64_t none = -2147483647;
+constexpr std::int64_t kNone = -2147483647;
 
 // clang-format off
-const Check checks[] = {
+const Check kChecks[] = {
     {number(0, -1),    "0",           0, "", ""},
     {number(0, -1),    "-1",          10761, R"(Attribute "Some Number" was -1, but must be greater than or equal to 0)", "Some Number|0"},
-    {number(none, -1), "-5000000000", 0, "", ""},
-    {number(none, 9),  "9",           0, "", ""},
+    {number(kNone, -1), "-5000000000", 0, "", ""},
+    {number(kNone, 9),  "9",           0, "", ""},
     {number(-1, 9),    "10",          10762, R"(Attribute "Some Number" was 10, but must be less than or equal to 9)", "Some Number|9"},
     {number(1, 4095),  "4095",        0, "", ""},
     {number(1, 4095),  "4096",        10760, R"(Attribute "Some Number" was 4096, but must be greater than or equal to 1 and less than or equal to 4095)", "Some Number|1|4095"},
@@ -46,7 +46,7 @@ const Check checks[] = {
     {text(-1, -1),     "",            0, "", ""},
     {text(1, 9, "<>&"), "a>b",        10011, R"(Attribute "Some Text" was "a>b", but cannot contain these characters: <>&)", "Some Text"},
     {text(1, 9, "<>&"), "a-b",        0, "", ""},
-    {text(none, -1, "%"), "%n%s",     10011, R"(Attribute "Some Text" was "%n%s", but cannot contain these characters: %)", "Some Text"},
+    {text(kNone, -1, "%"), "%n%s",     10011, R"(Attribute "Some Text" was "%n%s", but cannot contain these characters: %)", "Some Text"},
     {std::make_shared<NAMEApiAttribute>("N", 50, false, false, 1, -1, ""), "", 10763,
      R"(Attribute "" was "" [0 characters long], but must be a string at least 1 characters)", "|1"},
     {std::make_shared<STRINGApiAttribute>("T", 20, false, "Some Text"), std::string(9, '&'), 0, "", ""},
@@ -56,7 +56,7 @@ const Check checks[] = {
 // clang-format on
 
 TEST(AttributeCheck, SaysExactlyWhatIsWrong) {
-    for (const Check& row : checks) {
+    for (const Check& row : kChecks) {
         const APIMethodError error =
             errorOf([&] { EXPECT_TRUE(row.attribute->Validate(row.value)); });
         EXPECT_STREQ(error.what(), row.message.c_str()) << row.value;
@@ -88,7 +88,7 @@ struct Condition {
 };
 
 // clang-format off
-const std::map<const BASEApiAttribute*, std::vector<Condition>> conditions = {
+const std::map<const BASEApiAttribute*, std::vector<Condition>> kConditions = {
     {APISample::GetNumberAttr(), {{"10", ">", "9", true}, {"10", ">=", "10", true}, {"-10", "<", "-9", true},
         {"10", "<=", "9", false}, {"10", "=", "010", true}, {"", "=", "0", false}, {"1", "iqin", "1", false},
         {"1", "!=", "1", false}}},
@@ -117,7 +117,7 @@ const std::map<const BASEApiAttribute*, std::vector<Condition>> conditions = {
 // clang-format on
 
 TEST(AttributeFilter, EachKindComparesInItsOwnWay) {
-    for (const auto& [attribute, rows] : conditions) {
+    for (const auto& [attribute, rows] : kConditions) {
         for (const Condition& row : rows) {
             EXPECT_EQ(attribute->ApplyFilter(
                           {"X", APIAttributeFilter::GetFilterTypeFromString(row.type), row.operand},
@@ -137,10 +137,10 @@ TEST(AttributeDescriptors, AreBuiltOnceForAllThreads) {
         API_ATTRIBUTE(B, "B", ENUM<FilterTimeEnum>, 20);
         API_ATTRIBUTE_LIST(A, B);
     };
-    constexpr std::size_t count = 8;
-    std::vector<const APIAttributeList*> lists(count);
+    constexpr std::size_t kThreads = 8;
+    std::vector<const APIAttributeList*> lists(kThreads);
     std::vector<std::jthread> threads;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < kThreads; ++i) {
         threads.emplace_back([&lists, i] {
             Fresh record;
             record.SetA("text");
@@ -160,7 +160,7 @@ struct Case {
 };
 
 // clang-format off
-const Case cases[] = {
+const Case kCases[] = {
     {"Truth",  "1",            "True"},
     {"Truth",  "TRUE",         "True"},
     {"Truth",  "true",         "True"},
@@ -207,7 +207,7 @@ const Case cases[] = {
 // clang-format on
 
 TEST(AttributeText, IsReadAndWrittenByTypedAccessors) {
-    for (const Case& row : cases) {
+    for (const Case& row : kCases) {
         APISample sample;
         sample.PutStringDirect(row.attribute, row.read);
         rewrite(sample);

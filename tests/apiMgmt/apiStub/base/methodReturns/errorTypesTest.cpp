@@ -7,13 +7,13 @@
 
 namespace {
 
-std::string Streamed(const GENERALError& error) {
+std::string streamed(const GENERALError& error) {
     std::ostringstream stream;
     stream << error;
     return stream.str();
 }
 
-TARNResponseStatus StatusOf(int code, const std::vector<std::string>& messages,
+TARNResponseStatus statusOf(int code, const std::vector<std::string>& messages,
                             const std::string& summary) {
     TARNResponseStatus status;
     status.errorCode = code;
@@ -30,7 +30,7 @@ TEST(GeneralError, LogMessageStandsBeforeTheMessage) {
         const GENERALError error("some/source", 12, test.message, test.logMessage);
         EXPECT_EQ(error.what(), test.message);
         EXPECT_EQ(error.GetLogMessage(), test.logged);
-        EXPECT_EQ(Streamed(error), test.logged);
+        EXPECT_EQ(streamed(error), test.logged);
     }
 }
 
@@ -45,7 +45,7 @@ TEST(GeneralError, KeepsTheArgumentsOfEachConversion) {
 
 TEST(ApiMethodError, LogsItsStateOrTheCodesOfAStatusRecord) {
     const auto invalid = ErrorStateEnum::InvalidValue;
-    TARNResponseStatus status = StatusOf(5, {"first", "second"}, "summary");
+    TARNResponseStatus status = statusOf(5, {"first", "second"}, "summary");
     status.extErrorCode1 = 7;
     status.extErrorCode2 = -9;
     const std::pair<APIMethodError, std::string> cases[] = {
@@ -54,12 +54,12 @@ TEST(ApiMethodError, LogsItsStateOrTheCodesOfAStatusRecord) {
         {{invalid, "f", 1, "m", "log"},                "Error state[25], Summary[log]"},
         {{"m", invalid, "f", 1, 10761, "%s", "Port"},  "Error state[25], Summary[m]"},
         {{status, "f", 3}, "Error code[5], extErrorCode[4294967287:7], Summary[first]"},
-        {{StatusOf(0, {"first"}, "summary"), "f", 3},  "Error state[10], Summary[summary]"},
+        {{statusOf(0, {"first"}, "summary"), "f", 3},  "Error state[10], Summary[summary]"},
         // clang-format on
     };
     for (const auto& [error, logged] : cases) {
         EXPECT_EQ(error.GetLogMessage(), logged);
-        EXPECT_EQ(Streamed(error), logged) << "the most derived form is streamed";
+        EXPECT_EQ(streamed(error), logged) << "the most derived form is streamed";
     }
     EXPECT_STREQ(cases[3].first.what(), "summary");
 }
@@ -70,9 +70,9 @@ TEST(TarnResponseStatus, SummaryAndDetail) {
         std::string summary, detail;
     } cases[] = {
         // clang-format off
-        {StatusOf(0, {"a", "b"}, ""), "", ""},   {StatusOf(0, {"a"}, "s"), "s", "s"},
-        {StatusOf(-1, {"a"}, ""), "", ""},       {StatusOf(1, {"a", "b"}, ""), "a", "a"},
-        {StatusOf(1, {"a"}, "s"), "s", "a"},     {StatusOf(1, {}, "s"), "s", "s"},
+        {statusOf(0, {"a", "b"}, ""), "", ""},   {statusOf(0, {"a"}, "s"), "s", "s"},
+        {statusOf(-1, {"a"}, ""), "", ""},       {statusOf(1, {"a", "b"}, ""), "a", "a"},
+        {statusOf(1, {"a"}, "s"), "s", "a"},     {statusOf(1, {}, "s"), "s", "s"},
         // clang-format on
     };
     for (const auto& test : cases) {

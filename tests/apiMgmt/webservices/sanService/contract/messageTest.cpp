@@ -17,7 +17,7 @@ using Rewrite = std::string (*)(soap*, const char* tag, const std::string& text)
     }
 
 // clang-format off
-const std::pair<std::string, Rewrite> MESSAGE_ROWS[] = {
+const std::pair<std::string, Rewrite> kMessageRows[] = {
     MESSAGES(AddHccToSan), MESSAGES(RemoveHccFromSan), MESSAGES(AddServer), MESSAGES(RemoveServer),
     MESSAGES(HccAttachVolume), MESSAGES(HccDetachVolume), MESSAGES(MakeDataAvailable),
     MESSAGES(MakeDataUnavailable), MESSAGES(FlushComplete), MESSAGES(NewPrimaryCfmAddresses),
@@ -25,8 +25,8 @@ const std::pair<std::string, Rewrite> MESSAGE_ROWS[] = {
 };
 // clang-format on
 
-TEST(Message, isReadAndWrittenAsItsSample) {
-    for (const auto& [name, rewrite] : MESSAGE_ROWS) {
+TEST(Message, IsReadAndWrittenAsItsSample) {
+    for (const auto& [name, rewrite] : kMessageRows) {
         const std::string bytes = wire::sample(name);
         ASSERT_FALSE(bytes.empty()) << name;
         const wire::Context context = wire::newContext();
@@ -34,7 +34,7 @@ TEST(Message, isReadAndWrittenAsItsSample) {
     }
 }
 
-TEST(Message, withTheAttachmentIsRead) {
+TEST(Message, WithTheAttachmentIsRead) {
     const std::string text =
         "<ns1:GetPhoneHomeDataResponse xmlns:ns1=\"urn:san-api:service\">"
         "<return><xop:Include xmlns:xop=\"http://www.w3.org/2004/08/xop/include\" "
@@ -49,10 +49,10 @@ TEST(Message, withTheAttachmentIsRead) {
 
 // Values at the edges of the contract: what a reader takes and refuses, and what a writer makes of
 // it.
-const std::string TYPE_ERROR = "error " + std::to_string(SOAP_TYPE);
-const std::string OCCURS_ERROR = "error " + std::to_string(SOAP_OCCURS);
-constexpr soap_mode LAX = 0;
-constexpr soap_mode STRICT = SOAP_XML_STRICT;
+const std::string kTypeError = "error " + std::to_string(SOAP_TYPE);
+const std::string kOccursError = "error " + std::to_string(SOAP_OCCURS);
+constexpr soap_mode kLax = 0;
+constexpr soap_mode kStrict = SOAP_XML_STRICT;
 
 struct Row {
     const char* what;
@@ -62,69 +62,69 @@ struct Row {
     std::string written;  // empty: as it was read
 };
 
-constexpr auto PORT = wire::rewrite<SanApi::ns1__IpAddressPort>;
-constexpr auto ADDRESS = wire::rewrite<SanApi::ns1__InetAddress>;
-constexpr auto INTERFACE = wire::rewrite<SanApi::ns1__interfaceObject>;
-constexpr auto VERSION = wire::rewrite<SanApi::ns1__HccApiXsd>;
-constexpr auto DESCRIPTION = wire::rewrite<SanApi::_ns3__SanApiWsdl>;
-constexpr auto RESULT = wire::rewrite<SanApi::ns1__resultObject>;
-constexpr auto IDENTITY = wire::rewrite<SanApi::ns1__scsiInfo>;
-constexpr auto PING = wire::rewrite<SanApi::ns1__PingResponse>;
-constexpr auto EVENT = wire::rewrite<SanApi::ns1__eventArg>;
+constexpr auto kPort = wire::rewrite<SanApi::ns1__IpAddressPort>;
+constexpr auto kAddress = wire::rewrite<SanApi::ns1__InetAddress>;
+constexpr auto kInterface = wire::rewrite<SanApi::ns1__interfaceObject>;
+constexpr auto kVersion = wire::rewrite<SanApi::ns1__HccApiXsd>;
+constexpr auto kDescription = wire::rewrite<SanApi::_ns3__SanApiWsdl>;
+constexpr auto kResult = wire::rewrite<SanApi::ns1__resultObject>;
+constexpr auto kIdentity = wire::rewrite<SanApi::ns1__scsiInfo>;
+constexpr auto kPing = wire::rewrite<SanApi::ns1__PingResponse>;
+constexpr auto kEvent = wire::rewrite<SanApi::ns1__eventArg>;
 
 std::string port(const std::string& number) {
     return R"(<e><ipAddress type="dns"></ipAddress><port>)" + number + "</port></e>";
 }
 
 // clang-format off
-const Row VALUE_ROWS[] = {
-    {"the greatest port",           PORT,        LAX,    port("65535"), ""},
-    {"a port above it",             PORT,        LAX,    port("65536"), TYPE_ERROR},
-    {"a negative port",             PORT,        LAX,    port("-1"), TYPE_ERROR},
-    {"a port that is no number",    PORT,        LAX,    port("http"), TYPE_ERROR},
-    {"no port, lax",                PORT,        LAX,    "<e><ipAddress type=\"dns\"/></e>",
+const Row kValueRows[] = {
+    {"the greatest port",           kPort,        kLax,    port("65535"), ""},
+    {"a port above it",             kPort,        kLax,    port("65536"), kTypeError},
+    {"a negative port",             kPort,        kLax,    port("-1"), kTypeError},
+    {"a port that is no number",    kPort,        kLax,    port("http"), kTypeError},
+    {"no port, lax",                kPort,        kLax,    "<e><ipAddress type=\"dns\"/></e>",
                                                          R"(<e><ipAddress type="dns"></ipAddress><port>0</port></e>)"},
-    {"no port, strict",             PORT,        STRICT, "<e><ipAddress type=\"dns\"/></e>", OCCURS_ERROR},
+    {"no port, strict",             kPort,        kStrict, "<e><ipAddress type=\"dns\"/></e>", kOccursError},
 
-    {"a nil address",               PORT,        LAX,    R"(<e xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><ipAddress xsi:nil="1"/><port>1</port></e>)",
+    {"a nil address",               kPort,        kLax,    R"(<e xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><ipAddress xsi:nil="1"/><port>1</port></e>)",
                                                          R"(<e><ipAddress xsi:nil="true"/><port>1</port></e>)"},
 
-    {"another kind than the child", ADDRESS,     LAX,    R"(<e type="ipv6"><ipv4Addr>10.0.0.1</ipv4Addr></e>)", ""},
-    {"no child",                    ADDRESS,     LAX,    R"(<e type="unknown"></e>)", ""},
-    {"an empty child",              ADDRESS,     LAX,    R"(<e type="ipv4"><ipv4Addr/></e>)", ""},
-    {"the first of two children",   ADDRESS,     LAX,    R"(<e type="dns"><dnsAddr>a</dnsAddr><addr>b</addr></e>)",
+    {"another kind than the child", kAddress,     kLax,    R"(<e type="ipv6"><ipv4Addr>10.0.0.1</ipv4Addr></e>)", ""},
+    {"no child",                    kAddress,     kLax,    R"(<e type="unknown"></e>)", ""},
+    {"an empty child",              kAddress,     kLax,    R"(<e type="ipv4"><ipv4Addr/></e>)", ""},
+    {"the first of two children",   kAddress,     kLax,    R"(<e type="dns"><dnsAddr>a</dnsAddr><addr>b</addr></e>)",
                                                          R"(<e type="dns"><dnsAddr>a</dnsAddr></e>)"},
-    {"a kind by its number",        ADDRESS,     LAX,    R"(<e type="2"></e>)", R"(<e type="ipv6"></e>)"},
-    {"a number without a name",     ADDRESS,     LAX,    R"(<e type="99"></e>)", ""},
-    {"the same, strict",            ADDRESS,     STRICT, R"(<e type="99"><addr>x</addr></e>)", TYPE_ERROR},
-    {"a kind in other letters",     ADDRESS,     LAX,    R"(<e type="IPV4"></e>)", TYPE_ERROR},
+    {"a kind by its number",        kAddress,     kLax,    R"(<e type="2"></e>)", R"(<e type="ipv6"></e>)"},
+    {"a number without a name",     kAddress,     kLax,    R"(<e type="99"></e>)", ""},
+    {"the same, strict",            kAddress,     kStrict, R"(<e type="99"><addr>x</addr></e>)", kTypeError},
+    {"a kind in other letters",     kAddress,     kLax,    R"(<e type="IPV4"></e>)", kTypeError},
 
-    {"an interface's type",         INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>iscsi</intfType></e>", ""},
-    {"a number for it",             INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>7</intfType></e>", ""},
-    {"no interface type",           INTERFACE,   LAX,    "<e><intfId>a</intfId></e>", ""},
-    {"an unknown interface type",   INTERFACE,   LAX,    "<e><intfId>a</intfId><intfType>sas</intfType></e>", TYPE_ERROR},
+    {"an interface's type",         kInterface,   kLax,    "<e><intfId>a</intfId><intfType>iscsi</intfType></e>", ""},
+    {"a number for it",             kInterface,   kLax,    "<e><intfId>a</intfId><intfType>7</intfType></e>", ""},
+    {"no interface type",           kInterface,   kLax,    "<e><intfId>a</intfId></e>", ""},
+    {"an unknown interface type",   kInterface,   kLax,    "<e><intfId>a</intfId><intfType>sas</intfType></e>", kTypeError},
 
-    {"a version",                   VERSION,     LAX,    R"(<e version="2.9"></e>)", ""},
-    {"the default version",         VERSION,     LAX,    "<e></e>", R"(<e version="2.3"></e>)"},
-    {"an empty version",            VERSION,     LAX,    R"(<e version=""></e>)", "<e></e>"},
-    {"the description's default",   DESCRIPTION, LAX,    "<e></e>", R"(<e version="2.1"></e>)"},
+    {"a version",                   kVersion,     kLax,    R"(<e version="2.9"></e>)", ""},
+    {"the default version",         kVersion,     kLax,    "<e></e>", R"(<e version="2.3"></e>)"},
+    {"an empty version",            kVersion,     kLax,    R"(<e version=""></e>)", "<e></e>"},
+    {"the description's default",   kDescription, kLax,    "<e></e>", R"(<e version="2.1"></e>)"},
 
-    {"a result in another order",   RESULT,      LAX,    "<e><resultCode>5</resultCode><msgArgs>b</msgArgs><other><x/></other>"
+    {"a result in another order",   kResult,      kLax,    "<e><resultCode>5</resultCode><msgArgs>b</msgArgs><other><x/></other>"
                                                          "<catalogNumber>4</catalogNumber><msgArgs>a</msgArgs></e>",
                                                          "<e><catalogNumber>4</catalogNumber><msgArgs>b</msgArgs><msgArgs>a</msgArgs>"
                                                          "<resultCode>5</resultCode></e>"},
-    {"a text for a number",         RESULT,      LAX,    "<e><catalogNumber>four</catalogNumber></e>", TYPE_ERROR},
-    {"a result without members",    RESULT,      LAX,    "<e/>", "<e><catalogNumber>0</catalogNumber><resultCode>0</resultCode></e>"},
-    {"a missing text",              IDENTITY,    LAX,    "<e/>", "<e><deviceId/></e>"},
-    {"a missing text, strict",      IDENTITY,    STRICT, "<e/>", OCCURS_ERROR},
-    {"markup and letters",          IDENTITY,    LAX,    "<e><deviceId>&lt;a&gt; &amp; \xC3\xA9\xE9\x9B\x86</deviceId></e>", ""},
-    {"no result",                   PING,        LAX,    "<e/>", R"(<e><return xsi:nil="true"/></e>)"},
-    {"a hyphen in a name",          EVENT,       LAX,    "<e><argType>CACHE-NET-IP</argType></e>", ""},
+    {"a text for a number",         kResult,      kLax,    "<e><catalogNumber>four</catalogNumber></e>", kTypeError},
+    {"a result without members",    kResult,      kLax,    "<e/>", "<e><catalogNumber>0</catalogNumber><resultCode>0</resultCode></e>"},
+    {"a missing text",              kIdentity,    kLax,    "<e/>", "<e><deviceId/></e>"},
+    {"a missing text, strict",      kIdentity,    kStrict, "<e/>", kOccursError},
+    {"markup and letters",          kIdentity,    kLax,    "<e><deviceId>&lt;a&gt; &amp; \xC3\xA9\xE9\x9B\x86</deviceId></e>", ""},
+    {"no result",                   kPing,        kLax,    "<e/>", R"(<e><return xsi:nil="true"/></e>)"},
+    {"a hyphen in a name",          kEvent,       kLax,    "<e><argType>CACHE-NET-IP</argType></e>", ""},
 };
 // clang-format on
 
-TEST(Value, isReadAndWritten) {
-    for (const Row& row : VALUE_ROWS) {
+TEST(Value, IsReadAndWritten) {
+    for (const Row& row : kValueRows) {
         const wire::Context context = wire::newContext(row.mode);
         const std::string& wanted = row.written.empty() ? row.read : row.written;
         const std::string written = row.rewrite(context.get(), "e", wire::envelope(row.read));

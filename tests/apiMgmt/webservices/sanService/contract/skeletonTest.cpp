@@ -26,7 +26,7 @@ long slotOf(Function function) {
 #define SLOT_WITH(Name, ...) \
     { #Name, slotOf < int (Skeleton::*)(__VA_ARGS__)>(&Skeleton::Name) }
 
-TEST(Skeleton, hasItsVirtualFunctionsInTheAgreedOrder) {
+TEST(Skeleton, HasItsVirtualFunctionsInTheAgreedOrder) {
     using Text = const char*;
     const std::vector<std::pair<std::string, long>> expected = {
         // The two destructors take the first two slots.
@@ -47,7 +47,7 @@ TEST(Skeleton, hasItsVirtualFunctionsInTheAgreedOrder) {
     long slot = 2;
     for (const auto& [name, actual] : expected) {
         EXPECT_EQ(actual, slot++) << name;
-}
+    }
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ std::string rewrite(soap* context, const char* tag, const std::string& text) {
             !message.soap_get(context, tag, nullptr) || soap_body_end_in(context) ||
             soap_envelope_end_in(context) || soap_end_recv(context)) {
             return;
-}
+        }
         soap_serializeheader(context);
         message.soap_serialize(context);
         if (!soap_begin_send(context) && !soap_envelope_begin_out(context) &&
@@ -68,7 +68,7 @@ std::string rewrite(soap* context, const char* tag, const std::string& text) {
             !message.soap_put(context, tag, "") && !soap_body_end_out(context) &&
             !soap_envelope_end_out(context)) {
             soap_end_send(context);
-}
+        }
     });
     return context->error ? "error " + std::to_string(context->error) : joined(written);
 }

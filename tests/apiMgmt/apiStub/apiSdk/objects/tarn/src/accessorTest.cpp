@@ -19,54 +19,54 @@ using namespace std::string_literals;
 
 /// For each type that a getter returns: what its setter is given, and the text that is stored.
 template <class Enum>
-auto SampleOf(const Enum*) {
+auto sampleOf(const Enum*) {
     const auto& row = GetEnumIdStrList(Enum{}).GetRows().back();  // no unset attribute reads as it
     return std::pair(row.id, std::string(row.xmlName));
 }
-auto SampleOf(const bool*) {
+auto sampleOf(const bool*) {
     return std::pair(true, "True"s);
 }
-auto SampleOf(const std::int64_t*) {
+auto sampleOf(const std::int64_t*) {
     return std::pair(std::int64_t{5000000000}, "5000000000"s);
 }
-auto SampleOf(const std::string*) {
+auto sampleOf(const std::string*) {
     return std::pair("10.1.2.3"s, "10.1.2.3"s);  // also an address
 }
-auto SampleOf(const DATETimeObject*) {
+auto sampleOf(const DATETimeObject*) {
     return std::pair(DATETimeObject("11/14/2026 03:04:05 PM"), "11/14/2026 03:04:05 PM"s);
 }
-auto SampleOf(const GETListFilter*) {
+auto sampleOf(const GETListFilter*) {
     return std::pair(
         GETListFilter(GETListFilterType::Or, {{"Name", FILTERType::Equal, "My-Volume"}}),
         "or Name = My&hy&Volume-"s);
 }
-auto SampleOf(const std::unique_ptr<APIObjectInstance>*) {
+auto sampleOf(const std::unique_ptr<APIObjectInstance>*) {
     return std::pair(APIObjectInstance("101.5", "TarnServer", "My: <Server>"),
                      "101.5 TarnServer My: <Server>"s);
 }
-auto SampleOf(const std::vector<APIObjectInstance>*) {
+auto sampleOf(const std::vector<APIObjectInstance>*) {
     return std::pair(std::vector<APIObjectInstance>{{"101.5", "TarnServer", "My: Server"},
                                                     {"101.6", "TarnServer", "Other"}},
                      "101.5 TarnServer My-co- Server:101.6 TarnServer Other"s);
 }
-auto SampleOf(const std::vector<std::string>*) {
+auto sampleOf(const std::vector<std::string>*) {
     return std::pair(std::vector{"a:b"s, "c"s}, "a-co-b:c"s);
 }
 template <class Enum>
-auto SampleOf(const std::vector<Enum>*) {
+auto sampleOf(const std::vector<Enum>*) {
     const auto rows = GetEnumIdStrList(Enum{}).GetRows();
     return std::pair(std::vector{rows.back().id, rows.front().id},
                      std::string(rows.back().xmlName) + " " + rows.front().xmlName);
 }
 template <class Record>
-auto SampleOf(const std::unique_ptr<Record>*) {
+auto sampleOf(const std::unique_ptr<Record>*) {
     Record record;
     record.PutStringDirect(record.GetAttributeList().front()->GetXmlName(), "a<b");
     return std::pair(record, record.ToXMLString(true));
 }
 template <class Record>
-auto SampleOf(const std::vector<std::unique_ptr<Record>>*) {
-    static const auto first = SampleOf(static_cast<const std::unique_ptr<Record>*>(nullptr));
+auto sampleOf(const std::vector<std::unique_ptr<Record>>*) {
+    static const auto first = sampleOf(static_cast<const std::unique_ptr<Record>*>(nullptr));
     static const Record second;
     return std::pair(std::vector<const BASEApiMethodObject*>{&first.first, &second},
                      first.second + second.ToXMLString(true));
@@ -74,15 +74,15 @@ auto SampleOf(const std::vector<std::unique_ptr<Record>>*) {
 
 /// What a getter returned, for the setter.
 template <class Value>
-const Value& ArgumentOf(const Value& value) {
+const Value& argumentOf(const Value& value) {
     return value;
 }
 template <class Value>
-const Value& ArgumentOf(const std::unique_ptr<Value>& value) {
+const Value& argumentOf(const std::unique_ptr<Value>& value) {
     return *value;
 }
 template <class Record>
-auto ArgumentOf(const std::vector<std::unique_ptr<Record>>& values) {
+auto argumentOf(const std::vector<std::unique_ptr<Record>>& values) {
     std::vector<const BASEApiMethodObject*> argument;
     argument.reserve(values.size());
     for (const auto& record : values) {
@@ -92,7 +92,7 @@ auto ArgumentOf(const std::vector<std::unique_ptr<Record>>& values) {
 }
 
 template <class Class>
-std::unique_ptr<Class> MakeFromRegistry() {
+std::unique_ptr<Class> makeFromRegistry() {
     const std::string& object = Class::GetObjectNameStatic();
     if constexpr (std::is_base_of_v<BASEApiMethod, Class>) {
         auto made = APIMethodRegistry::Instance().CreateObject(
@@ -110,9 +110,9 @@ std::unique_ptr<Class> MakeFromRegistry() {
 template <class Class, class Get, class Set>
 void Drive(const std::string& name, Get get, Set set) {
     using Value = decltype(get(std::declval<const Class&>()));
-    const auto sample = SampleOf(static_cast<const Value*>(nullptr));
+    const auto sample = sampleOf(static_cast<const Value*>(nullptr));
     const auto& argument = sample.first;
-    const std::unique_ptr<Class> owner = MakeFromRegistry<Class>();
+    const std::unique_ptr<Class> owner = makeFromRegistry<Class>();
     ASSERT_NE(owner, nullptr);
     EXPECT_FALSE(owner->IsAttributeSet(name));
     get(*owner);  // an unset attribute can be read
@@ -123,7 +123,7 @@ void Drive(const std::string& name, Get get, Set set) {
     EXPECT_EQ(escaped && stored.find_first_of("<>") != std::string::npos, false);
     EXPECT_EQ(owner->AllValues().size(), 1U);
     const Value value = get(*owner);
-    const auto read = ArgumentOf(value);
+    const auto read = argumentOf(value);
     if constexpr (
         requires { read == argument; } && !requires { read.front()->AllValues(); }) {
         EXPECT_TRUE(read == argument);
@@ -232,14 +232,14 @@ TEST(SdkAccessors, SetAndGetEveryAttribute) {
 TEST(SdkAccessors, EveryStatedAttributeHasThemAndItsDescriptor) {
     std::set<std::string> stated;
     std::set<std::string> found;
-    for (const ClassFact& fact : AllFacts()) {
+    for (const ClassFact& fact : allFacts()) {
         for (const AttributeFact& attribute : fact.attributes) {
             stated.insert(fact.name + " " + attribute.row);
         }
     }
     for (const ClassAccessors& entry : AllAccessors()) {
         for (const Accessor& accessor : entry.accessors) {
-            found.insert(entry.fact + " " + DescribeAttribute(*accessor.attribute));
+            found.insert(entry.fact + " " + describeAttribute(*accessor.attribute));
         }
     }
     EXPECT_EQ(found, stated);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kUnlistedColumn = 7;
 
-AttributeFact ReadAttribute(const std::string& line) {
+AttributeFact readAttribute(const std::string& line) {
     std::vector<std::string> columns;
     STRINGUtil::SplitString(line, "|", columns);
     for (std::string& column : columns) {
@@ -28,7 +28,7 @@ AttributeFact ReadAttribute(const std::string& line) {
     return fact;
 }
 
-ClassFact ReadClass(const std::string& line) {
+ClassFact readClass(const std::string& line) {
     static const std::set<std::string> keys = {"then", "after", "async", "privilege", "requires"};
     ClassFact fact;
     std::string key;
@@ -51,7 +51,7 @@ ClassFact ReadClass(const std::string& line) {
     return fact;
 }
 
-std::vector<ClassFact> ReadFacts() {
+std::vector<ClassFact> readFacts() {
     std::ifstream file(FACTS_FILE);
     std::vector<ClassFact> facts;
     for (std::string line; std::getline(file, line);) {
@@ -59,26 +59,26 @@ std::vector<ClassFact> ReadFacts() {
             continue;
         }
         if (line.front() == ' ') {
-            facts.back().attributes.push_back(ReadAttribute(line));
+            facts.back().attributes.push_back(readAttribute(line));
         } else {
-            facts.push_back(ReadClass(line));
+            facts.push_back(readClass(line));
         }
     }
     return facts;
 }
 
 /// By the class's name, which the ABI of this platform writes with its length before it.
-std::string KindOf(const BASEApiAttribute& attribute) {
+std::string kindOf(const BASEApiAttribute& attribute) {
     const std::string name = typeid(attribute).name();
     const std::size_t begin = name.find_first_not_of("0123456789");
     return name.substr(begin, name.find("ApiAttribute") - begin);
 }
 
-void AddRows(const ClassFact& fact, const std::string& where, std::vector<std::string>& rows) {
+void addRows(const ClassFact& fact, const std::string& where, std::vector<std::string>& rows) {
     const auto base = fact.words.find(where);
-    for (const ClassFact& other : AllFacts()) {
+    for (const ClassFact& other : allFacts()) {
         if (base != fact.words.end() && other.object == base->second[0] && other.method.empty()) {
-            for (const std::string& row : ListedRows(other)) {
+            for (const std::string& row : listedRows(other)) {
                 rows.push_back(row);
             }
         }
@@ -87,29 +87,29 @@ void AddRows(const ClassFact& fact, const std::string& where, std::vector<std::s
 
 }  // namespace
 
-const std::vector<ClassFact>& AllFacts() {
-    static const std::vector<ClassFact> facts = ReadFacts();
+const std::vector<ClassFact>& allFacts() {
+    static const std::vector<ClassFact> facts = readFacts();
     return facts;
 }
 
-std::vector<std::string> ListedRows(const ClassFact& fact) {
+std::vector<std::string> listedRows(const ClassFact& fact) {
     std::vector<std::string> rows;
-    AddRows(fact, "after", rows);
+    addRows(fact, "after", rows);
     for (const AttributeFact& attribute : fact.attributes) {
         if (attribute.listed) {
             rows.push_back(attribute.row);
         }
     }
-    AddRows(fact, "then", rows);
+    addRows(fact, "then", rows);
     return rows;
 }
 
-std::string DescribeAttribute(const BASEApiAttribute& attribute) {
+std::string describeAttribute(const BASEApiAttribute& attribute) {
     using Number = INTApiAttribute::INTAttributeProperties;
     using Text = STRINGApiAttribute::STRINGAttributeProperties;
     const auto& properties = attribute.GetProperties();
     std::ostringstream row;
-    row << attribute.GetXmlName() << '|' << attribute.GetDisplayName() << '|' << KindOf(attribute)
+    row << attribute.GetXmlName() << '|' << attribute.GetDisplayName() << '|' << kindOf(attribute)
         << '|' << properties.GetCode() << '|';
     if (const auto* number = dynamic_cast<const Number*>(&properties)) {
         row << number->GetMinimum() << '|' << number->GetMaximum() << '|';

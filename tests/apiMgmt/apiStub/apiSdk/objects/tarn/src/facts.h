@@ -7,7 +7,7 @@
 /// The rows of facts.txt.
 struct AttributeFact {
     std::string xmlName;
-    /// The row without blanks around its columns, as DescribeAttribute writes an attribute.
+    /// The row without blanks around its columns, as describeAttribute writes an attribute.
     std::string row;
     bool listed = true;
 };
@@ -23,11 +23,11 @@ struct ClassFact {
 };
 
 /// Every class of facts.txt, in its order; lives as long as the process.
-const std::vector<ClassFact>& AllFacts();
+const std::vector<ClassFact>& allFacts();
 
 /// The rows of the class's attribute list: its own and its base's.
-std::vector<std::string> ListedRows(const ClassFact& fact);
+std::vector<std::string> listedRows(const ClassFact& fact);
 
 class BASEApiAttribute;
 /// An attribute as a row of the facts.
-std::string DescribeAttribute(const BASEApiAttribute& attribute);
+std::string describeAttribute(const BASEApiAttribute& attribute);

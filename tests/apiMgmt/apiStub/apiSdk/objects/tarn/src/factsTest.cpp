@@ -12,10 +12,10 @@ namespace {
 
 /// Compares each class of one kind with what its registry makes, which holds no other.
 template <class Base, class Check>
-void ForEachClass(const std::string& kind, Check check) {
+void forEachClass(const std::string& kind, Check check) {
     const auto& registry = APIRegistryOf<Base>::Instance();
     std::size_t count = 0;
-    for (const ClassFact& fact : AllFacts()) {
+    for (const ClassFact& fact : allFacts()) {
         if (fact.kind != kind) {
             continue;
         }
@@ -27,28 +27,28 @@ void ForEachClass(const std::string& kind, Check check) {
         EXPECT_EQ(made->GetObjectName(), fact.object);
         std::vector<std::string> rows;
         for (const BASEApiAttribute* attribute : made->GetAttributeList()) {
-            rows.push_back(DescribeAttribute(*attribute));
+            rows.push_back(describeAttribute(*attribute));
             EXPECT_EQ(made->GetAttributeByName(attribute->GetXmlName())->GetXmlName(),
                       attribute->GetXmlName());
         }
-        EXPECT_EQ(rows, ListedRows(fact));
+        EXPECT_EQ(rows, listedRows(fact));
         check(*made, fact);
     }
     EXPECT_EQ(registry.GetCreators().size(), count);
 }
 
-std::string RequiredError(const BASEApiMethod& method) {
+std::string requiredError(const BASEApiMethod& method) {
     return errorOf([&] { method.ValidateRequiredAttributes(); }).what();
 }
 
 TEST(SdkFacts, ObjectsAndRecordsHaveTheStatedAttributes) {
-    ForEachClass<BASEApiObject>("object", [](const auto&, const auto&) {});
-    ForEachClass<BASEApiMethodObject>("record", [](const auto&, const auto&) {});
+    forEachClass<BASEApiObject>("object", [](const auto&, const auto&) {});
+    forEachClass<BASEApiMethodObject>("record", [](const auto&, const auto&) {});
 }
 
 TEST(SdkFacts, MethodsAreAsStated) {
     const auto server = APIObjectRegistry::Instance().CreateObject("TarnServer");
-    ForEachClass<BASEApiMethod>("method", [&](BASEApiMethod& method, const ClassFact& fact) {
+    forEachClass<BASEApiMethod>("method", [&](BASEApiMethod& method, const ClassFact& fact) {
         const bool async = fact.words.at("async")[0] == "true";
         EXPECT_EQ(method.GetMethodName(), fact.method);
         EXPECT_EQ(method.AsyncAllowed(), async);
@@ -57,10 +57,10 @@ TEST(SdkFacts, MethodsAreAsStated) {
                   fact.words.at("privilege")[0]);
         EXPECT_FALSE(method.IsAssociation());
         for (const std::string& name : fact.words.at("requires")) {
-            EXPECT_EQ(RequiredError(method), "Required attribute " + name + " not set");
+            EXPECT_EQ(requiredError(method), "Required attribute " + name + " not set");
             method.PutStringDirect(name, "");  // an empty text counts
         }
-        EXPECT_EQ(RequiredError(method), "");
+        EXPECT_EQ(requiredError(method), "");
         // Also what the class does not declare is written; only what it says unwritten is not.
         method.PutStringDirect("Undeclared", "");
         for (const AttributeFact& attribute : fact.attributes) {
@@ -77,7 +77,7 @@ TEST(SdkFacts, MethodsAreAsStated) {
 }
 
 template <class Association>
-void CheckAssociation(const ClassFact& fact) {
+void checkAssociation(const ClassFact& fact) {
     SCOPED_TRACE(fact.name);
     const Association empty;
     EXPECT_EQ(empty.GetObjectName(), fact.object);
@@ -85,9 +85,9 @@ void CheckAssociation(const ClassFact& fact) {
     EXPECT_FALSE(empty.AsyncAllowed());
     EXPECT_EQ(empty.GetMinUserPriv(), UserPrivilegeEnum::Reporter);
     EXPECT_TRUE(empty.IsAssociation());
-    EXPECT_EQ(RequiredError(empty), "InstanceID not specified for association [" + fact.object +
+    EXPECT_EQ(requiredError(empty), "InstanceID not specified for association [" + fact.object +
                                         "::" + fact.method + "]");
-    EXPECT_EQ(RequiredError(Association("101.5")), "");
+    EXPECT_EQ(requiredError(Association("101.5")), "");
     const Association fromMap(typename Association::ValueMap{{"InstanceId", "101.5"}});
     EXPECT_EQ(fromMap.GetInstanceId(), "101.5");
 }
@@ -96,18 +96,18 @@ TEST(SdkFacts, AssociationsAreAsStated) {
     using HostCache = APITarnHostCache;
     using Server = APITarnServer;
     constexpr void (*kChecks[])(const ClassFact&) = {
-        CheckAssociation<HostCache::APITarnHostCacheServerListAssociation>,
-        CheckAssociation<Server::APITarnServerHostCacheAssociation>,
-        CheckAssociation<Server::APITarnServerStorageUsageAssociation>,
-        CheckAssociation<Server::APITarnServerTarnAssociation>,
-        CheckAssociation<Server::APITarnServerSaServerListAssociation>,
-        CheckAssociation<Server::APITarnServerPathListAssociation>,
-        CheckAssociation<Server::APITarnServerMappingProfileListAssociation>,
-        CheckAssociation<Server::APITarnServerMappingListAssociation>,
-        CheckAssociation<Server::APITarnServerHbaListAssociation>,
+        checkAssociation<HostCache::APITarnHostCacheServerListAssociation>,
+        checkAssociation<Server::APITarnServerHostCacheAssociation>,
+        checkAssociation<Server::APITarnServerStorageUsageAssociation>,
+        checkAssociation<Server::APITarnServerTarnAssociation>,
+        checkAssociation<Server::APITarnServerSaServerListAssociation>,
+        checkAssociation<Server::APITarnServerPathListAssociation>,
+        checkAssociation<Server::APITarnServerMappingProfileListAssociation>,
+        checkAssociation<Server::APITarnServerMappingListAssociation>,
+        checkAssociation<Server::APITarnServerHbaListAssociation>,
     };
     std::size_t checked = 0;
-    for (const ClassFact& fact : AllFacts()) {
+    for (const ClassFact& fact : allFacts()) {
         if (fact.kind == "association") {
             ASSERT_LT(checked, std::size(kChecks));
             kChecks[checked++](fact);
