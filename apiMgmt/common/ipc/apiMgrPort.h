@@ -8,6 +8,6 @@
 /// callers store the same value.
 int getApiMgrPort();
 
-/// The same with the word that keeps the result; 0 in it means that none is kept yet. An
-/// entry with port 0 is returned as 0, and so is looked up again by the next call.
+/// The same, with the port stored in `cache`; 0 there means that it has not been looked up. An
+/// entry that names port 0 gives 0, so the next call looks it up again.
 int getApiMgrPort(std::atomic<int>& cache);

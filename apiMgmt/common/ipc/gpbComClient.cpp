@@ -27,7 +27,7 @@ constexpr const char* kSource = "apiMgmt/common/ipc/gpbComClient";
 }
 
 std::string reason(const char* what, int error) {
-    // Not strerror, whose buffer the threads of a process share.
+    // The C++ library asks strerror, whose buffer the GNU C library keeps for each thread.
     return std::string(what) + ": " + std::generic_category().message(error);
 }
 

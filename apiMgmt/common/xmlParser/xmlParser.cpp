@@ -125,18 +125,18 @@ unsigned long hashSalt() {
 /// is nearly a fifth of what a short reply takes. One that is followed by another instruction,
 /// which may be a declaration out of place, is left for Expat to judge.
 std::string_view withoutUsualDeclaration(std::string_view text) {
-    constexpr std::string_view usual = R"(<?xml version="1.0" encoding="UTF-8"?>)";
-    if (!text.starts_with(usual)) {
+    constexpr std::string_view kUsualDeclaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+    if (!text.starts_with(kUsualDeclaration)) {
         return text;
     }
-    const std::string_view rest =
-        text.substr(std::min(text.size(), text.find_first_not_of(" \t\r\n", usual.size())));
+    const std::string_view rest = text.substr(
+        std::min(text.size(), text.find_first_not_of(" \t\r\n", kUsualDeclaration.size())));
     return rest.starts_with('<') && !rest.starts_with("<?") ? rest : text;
 }
 
 using ExpatParser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
-// What a parser took for its work it keeps; one that read more than this is not kept.
+// A parser never gives memory back. One that read a document longer than this is thrown away.
 constexpr std::size_t kMaxKeptSize = std::size_t{64} * 1024;
 
 /// The thread's own parser, ready for a document. Setting one up anew is a sixth of what a short

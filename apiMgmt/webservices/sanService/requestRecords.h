@@ -29,9 +29,10 @@ private:
 /// What to do with an entry that has no address element at all.
 enum class MissingAddress { Warn, Ignore };
 
-/// One APIIpv4AddressPort for each usable entry. An entry that is nil is skipped with the line
-/// @p skipped, one without an address element as @p missing says, one whose address has no text
-/// without a word.
+/// One APIIpv4AddressPort for each usable entry. What cannot be used is left out:
+/// - a nil entry, and the line @p skipped is logged
+/// - an entry without an address element; @p missing says whether that line is logged
+/// - an entry whose address is empty; nothing is logged
 RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
                                    const ServiceLog::FixedEntry& skipped, MissingAddress missing);
 

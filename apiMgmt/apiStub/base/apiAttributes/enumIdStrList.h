@@ -73,7 +73,6 @@ public:
     }
 
     constexpr std::span<const ENUMIdStr<Enum>> GetRows() const { return m_rows; }
-    constexpr Enum GetFallback() const { return m_fallback; }
 
 private:
     const ENUMIdStr<Enum>* Find(Enum id) const {

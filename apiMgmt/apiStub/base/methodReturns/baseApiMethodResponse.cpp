@@ -24,12 +24,14 @@ constexpr const char* kBadMessage = "Invalid content in response message";
 constexpr const char* kBadDocument = "Invalid response in return XML";
 
 using Elements = std::vector<const parser::XMLElement*>;
+using ReturnPtr = std::unique_ptr<BASEApiMethodReturn>;
 
-BASEApiMethodReturn* malformed(const char* summary, const std::string& detail) {
-    return new BASEApiMethodReturn(false, ErrorStateEnum::ParsingError, summary, summary, detail);
+ReturnPtr malformed(const char* summary, const std::string& detail) {
+    return std::make_unique<BASEApiMethodReturn>(false, ErrorStateEnum::ParsingError, summary,
+                                                 summary, detail);
 }
 
-BASEApiMethodReturn* badCount(std::size_t count) {
+ReturnPtr badCount(std::size_t count) {
     return malformed(kBadDocument,
                      STRINGUtil::FormatStr(
                          "Incorrect number of APIMethodReturn elements.  Expected 1, found [%u].",
@@ -49,39 +51,40 @@ ErrorStateEnum errorStateOf(const std::string& text) {
                                        : gErrorStateEnumIdStrList.GetId(text);
 }
 
-BASEApiMethodReturn* withBool(const BASEApiMethod&, const parser::XMLElement& element) {
-    return new BOOLMethodReturn(STRINGUtil::ConvertStringToBool(element.GetElementContent()));
+ReturnPtr withBool(const BASEApiMethod&, const parser::XMLElement& element) {
+    return std::make_unique<BOOLMethodReturn>(
+        STRINGUtil::ConvertStringToBool(element.GetElementContent()));
 }
 
-BASEApiMethodReturn* withInt(const BASEApiMethod&, const parser::XMLElement& element) {
-    return new INTMethodReturn(decimal(element.GetElementContent()));
+ReturnPtr withInt(const BASEApiMethod&, const parser::XMLElement& element) {
+    return std::make_unique<INTMethodReturn>(decimal(element.GetElementContent()));
 }
 
-BASEApiMethodReturn* withString(const BASEApiMethod&, const parser::XMLElement& element) {
-    return new STRINGMethodReturn(element.GetElementContent());
+ReturnPtr withString(const BASEApiMethod&, const parser::XMLElement& element) {
+    return std::make_unique<STRINGMethodReturn>(element.GetElementContent());
 }
 
 template <class Return>
-BASEApiMethodReturn* withName(const BASEApiMethod&, const parser::XMLElement& element) {
+ReturnPtr withName(const BASEApiMethod&, const parser::XMLElement& element) {
     auto made = std::make_unique<Return>(true);
     made->SetReturnObject(element.GetElementContent());
-    return made.release();
+    return made;
 }
 
 template <bool isArray>
-BASEApiMethodReturn* withObjects(const BASEApiMethod& method, const parser::XMLElement& element) {
-    return method.ParseReturnApiObjectXML(&element, isArray);
+ReturnPtr withObjects(const BASEApiMethod& method, const parser::XMLElement& element) {
+    return ReturnPtr(method.ParseReturnApiObjectXML(&element, isArray));
 }
 
 template <bool isArray>
-BASEApiMethodReturn* withRecords(const BASEApiMethod& method, const parser::XMLElement& element) {
-    return method.ParseReturnApiMethodObjectXML(&element, isArray);
+ReturnPtr withRecords(const BASEApiMethod& method, const parser::XMLElement& element) {
+    return ReturnPtr(method.ParseReturnApiMethodObjectXML(&element, isArray));
 }
 
 /// One kind of return value: the element that carries it, and what makes the return.
 struct ReturnKind {
     const char* tag;
-    BASEApiMethodReturn* (*make)(const BASEApiMethod& method, const parser::XMLElement& element);
+    ReturnPtr (*make)(const BASEApiMethod& method, const parser::XMLElement& element);
 };
 
 // The first kind whose element is present decides. To add one: a return class of its own, its
@@ -101,7 +104,7 @@ constexpr ReturnKind kReturnKinds[] = {
 // clang-format on
 
 /// The return of the first kind found below `parent`; null when there is none.
-BASEApiMethodReturn* valueBelow(const BASEApiMethod& method, const parser::XMLElement& parent) {
+ReturnPtr valueBelow(const BASEApiMethod& method, const parser::XMLElement& parent) {
     for (const ReturnKind& kind : kReturnKinds) {
         if (const parser::XMLElement* element = parent.GetChildElemByTag(kind.tag)) {
             return kind.make(method, *element);
@@ -125,9 +128,7 @@ const std::string* responseDocument(const protoIPCMsg::GPBIPCMsg& reply, const c
     return &response.cmdrespmsg().responsedocument();
 }
 
-}  // namespace
-
-BASEApiMethodReturn* BASEApiMethod::ProcessResponse(const protoIPCMsg::GPBIPCMsg& reply) const {
+ReturnPtr process(const BASEApiMethod& method, const protoIPCMsg::GPBIPCMsg& reply) {
     const char* detail = nullptr;
     const std::string* document = responseDocument(reply, detail);
     if (document == nullptr) {
@@ -143,17 +144,23 @@ BASEApiMethodReturn* BASEApiMethod::ProcessResponse(const protoIPCMsg::GPBIPCMsg
         return badCount(found.size());
     }
     RESPErrorInfo status;
-    ParseRespStatusNode(found.front(), status);
+    method.ParseRespStatusNode(found.front(), status);
     if (!status.successful) {
-        return new BASEApiMethodReturn(false, status.errorState, status.error,
-                                       status.localizedError, status.errorDetail);
+        return std::make_unique<BASEApiMethodReturn>(false, status.errorState, status.error,
+                                                     status.localizedError, status.errorDetail);
     }
     // A return that renders itself puts its value beside the status, the API manager into it.
-    BASEApiMethodReturn* value = valueBelow(*this, *found.front());
+    ReturnPtr value = valueBelow(method, *found.front());
     if (value == nullptr) {
-        value = valueBelow(*this, root);
+        value = valueBelow(method, root);
     }
-    return value != nullptr ? value : badCount(found.size());
+    return value != nullptr ? std::move(value) : badCount(found.size());
+}
+
+}  // namespace
+
+BASEApiMethodReturn* BASEApiMethod::ProcessResponse(const protoIPCMsg::GPBIPCMsg& reply) const {
+    return process(*this, reply).release();
 }
 
 void BASEApiMethod::ParseRespStatusNode(const parser::XMLElement* element,

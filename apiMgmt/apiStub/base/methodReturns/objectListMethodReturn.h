@@ -46,12 +46,13 @@ public:
     }
 
     /// Takes the objects of `objects` in place of those held before, which it deletes as the
-    /// destructor would have.
+    /// destructor would have, save those that `objects` holds too. Null pointers are skipped.
     void SetReturnObject(const std::vector<Object*>& objects) {
         if (m_ownsObjects) {
             DeleteAllBut(objects);
         }
         m_objects = objects;
+        std::erase(m_objects, nullptr);
     }
 
     /// Deletes the objects and empties the list.

@@ -72,9 +72,9 @@ TEST(StringUtil, TextsThatMeanTrueOrANumber) {
     } rows[] = {
         // clang-format off
         {STRINGUtil::ConvertStringToBool, {"true", "TRUE", "1", "01", " 1", "1abc"},
-         {"", "2", "yes", "on", "truely", "-1", "11", "4294967297"}},
-        {STRINGUtil::IsNumeric, {"12", "-3.5", "+7", "1e5", " 4", "\n4", "5.", ".5", "007"},
-         {"", "-", "+", "1e", "1e+", " ", ".", "12 ", "1,5", "0x10", "inf", "nan", "1 2", "abc"}},
+         {"", "2", "yes", "on", "truely", "-1", "11", "4294967297", "18446744073709551617"}},
+        {STRINGUtil::IsNumeric, {"12", "-3.5", "+7", "1e5", " 4", "\n4", "5.", ".5", "007", "1e308"},
+         {"", "-", "+", "1e", "1e+", " ", ".", "12 ", "1,5", "0x10", "inf", "nan", "1 2", "abc", "1e309", "-1e309"}},
         {[](const std::string& text) { return STRINGUtil::StartsWith(text, "2."); }, {"2.1", "2."},
          {"2", "", "12."}},
         // clang-format on
@@ -109,7 +109,7 @@ TEST(StringUtil, TextsAreChanged) {
     const auto right = [](const char* text) { return Changed(Util::TrimRight, text); };
     const auto both = [](const char* text) { return Changed(Util::Trim, text); };
     const auto base36 = [](const char* text) { return Util::FormatBase36String(text, '0', 7); };
-    constexpr bool markup = true, full = false;
+    constexpr bool kMarkup = true, kFull = false;
     const std::pair<std::string, std::string> cases[] = {
         // clang-format off
         {Util::AddToList("", "x"), "x"},
@@ -126,15 +126,15 @@ TEST(StringUtil, TextsAreChanged) {
         {left(" \f\n\r\t\vx y "), "x y "},      {left(" \t "), ""},  {left("\xc2\xa0x"), "\xc2\xa0x"},
         {right(" x y \f\n\r\t\v"), " x y"},     {right(" \t "), ""}, {right("x\b"), "x\b"},
         {both(" \f\n\r\t\vx y \f\n\r\t\v"), "x y"}, {both(" \t "), ""}, {both(""), ""},
-        {Util::EscapeString("a<b>&'\"\t\r\n\x1f\0"s, markup), "a&lt;b&gt;&'\"\t\r\n\x1f\0"s},
-        {Util::EscapeString("a<b>&'\"&lt;", full), "a&lt;b&gt;&amp;&apos;&quot;&amp;lt;"},
-        {Util::EscapeString("\t\r\n\x1f\0"s, full), "&#x0a;&#x0a;&#x0a;&#x0a;&#x0a;"},
-        {Util::EscapeString("\x20\x7f\x80\xff", full), "\x20\x7f\x80\xff"},
-        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", markup), "<>&amp;&quot;&apos;"},
-        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", full), "<>&\"'"},
-        {Util::UnEscapeString("&amp;lt;&&lt;a&lt", markup), "&amp;lt;&<a&lt"},
-        {Util::UnEscapeString("&amp;lt;&&lt;a&apos", full), "&lt;&<a&apos"},
-        {Util::UnEscapeString("&#x0a;&nbsp;&LT;&", full), "&#x0a;&nbsp;&LT;&"},
+        {Util::EscapeString("a<b>&'\"\t\r\n\x1f\0"s, kMarkup), "a&lt;b&gt;&'\"\t\r\n\x1f\0"s},
+        {Util::EscapeString("a<b>&'\"&lt;", kFull), "a&lt;b&gt;&amp;&apos;&quot;&amp;lt;"},
+        {Util::EscapeString("\t\r\n\x1f\0"s, kFull), "&#x0a;&#x0a;&#x0a;&#x0a;&#x0a;"},
+        {Util::EscapeString("\x20\x7f\x80\xff", kFull), "\x20\x7f\x80\xff"},
+        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", kMarkup), "<>&amp;&quot;&apos;"},
+        {Util::UnEscapeString("&lt;&gt;&amp;&quot;&apos;", kFull), "<>&\"'"},
+        {Util::UnEscapeString("&amp;lt;&&lt;a&lt", kMarkup), "&amp;lt;&<a&lt"},
+        {Util::UnEscapeString("&amp;lt;&&lt;a&apos", kFull), "&lt;&<a&apos"},
+        {Util::UnEscapeString("&#x0a;&nbsp;&LT;&", kFull), "&#x0a;&nbsp;&LT;&"},
         {base36("1a2"), "00001A2"}, {base36("zz345678"), "ZZ345678"}, {base36(""), ""},
         {base36("a-b"), ""},        {base36("a b"), ""},              {base36("\xc3\xa4"), ""},
         // clang-format on

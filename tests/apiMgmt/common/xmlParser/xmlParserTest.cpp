@@ -20,10 +20,15 @@ std::string nested(std::size_t depth) {
     return repeated("<a>", depth) + repeated("</a>", depth);
 }
 
-const std::string usualDeclaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+// The parser's limits, stated once more: they are documented.
+constexpr std::size_t kMaxDepth = 128;
+constexpr std::size_t kMaxElements = 1'000'000;
+constexpr std::size_t kMaxSize = 67'108'864;
+
+const std::string kUsualDeclaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
 
 // clang-format off
-const std::pair<std::string, std::string> contents[] = {
+const std::pair<std::string, std::string> kContents[] = {
     {"<a/>",                                     ""},
     {"<a></a>",                                  ""},
     {"<a> t </a>",                               " t "},
@@ -31,8 +36,8 @@ const std::pair<std::string, std::string> contents[] = {
     {"<a>x<![CDATA[<y>]]><!-- n -->z</a>",       "x<y>z"},
     {"<a>1\r\n2</a>",                            "1\n2"},
     {"<?xml version=\"1.0\"?>\n<a>t</a>\n",      "t"},
-    {usualDeclaration + "\n<a>t</a>\n",          "t"},
-    {usualDeclaration + "<?p?><a><b/></a>",       "<b/>"},
+    {kUsualDeclaration + "\n<a>t</a>\n",          "t"},
+    {kUsualDeclaration + "<?p?><a><b/></a>",       "<b/>"},
     {"\xef\xbb\xbf<a>t</a>",                     "t"},
     // With child elements: as written, references and white space included.
     {"<a><b>1 &lt; 2</b><c/></a>",               "<b>1 &lt; 2</b><c/>"},
@@ -45,7 +50,7 @@ const std::pair<std::string, std::string> contents[] = {
 // clang-format on
 
 TEST(XmlParserTest, GivesTheContentOfTheDocumentElement) {
-    for (const auto& [text, content] : contents) {
+    for (const auto& [text, content] : kContents) {
         XMLParser reader(nullptr);
         ASSERT_TRUE(reader.ParseXMLString(text)) << text;
         EXPECT_EQ(reader.GetDocumentElement()->GetElementName(), "a") << text;
@@ -63,11 +68,11 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
         {"not UTF-8", "<a>\xff</a>"},                {"a surrogate", "<a>\xed\xa0\x80</a>"},
         {"forbidden reference", "<a>&#1;</a>"},      {"unknown entity", "<a>&b;</a>"},
         {"document type", "<!DOCTYPE a><a/>"},       {"prefix alone", "<a><p:/></a>"},
-        {"declaration alone", usualDeclaration},     {"mark after it", usualDeclaration + "\xef\xbb\xbf<a/>"},
-        {"two of them", usualDeclaration + "<?xml version='1.0'?><a/>"},
-        {"too deep", nested(XMLParser::kMaxDepth + 1)},
-        {"too many elements", "<a>" + repeated("<b/>", XMLParser::kMaxElements) + "</a>"},
-        {"too long", "<a>" + std::string(XMLParser::kMaxSize, 'x') + "</a>"},
+        {"declaration alone", kUsualDeclaration},     {"mark after it", kUsualDeclaration + "\xef\xbb\xbf<a/>"},
+        {"two of them", kUsualDeclaration + "<?xml version='1.0'?><a/>"},
+        {"too deep", nested(kMaxDepth + 1)},
+        {"too many elements", "<a>" + repeated("<b/>", kMaxElements) + "</a>"},
+        {"too long", "<a>" + std::string(kMaxSize - 6, 'x') + "</a>"},
         {"bytes of a declared one-byte code", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>"},
         {"entities that grow", "<!DOCTYPE a [<!ENTITY b 'bb'><!ENTITY c '&b;&b;'>]><a>&c;</a>"},
         {"external entity", "<!DOCTYPE a [<!ENTITY b SYSTEM '/etc/hostname'>]><a>&b;</a>"},
@@ -83,10 +88,10 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
 
 TEST(XmlParserTest, ReadsUpToItsLimits) {
     XMLParser reader(nullptr);
-    EXPECT_TRUE(reader.ParseXMLString(nested(XMLParser::kMaxDepth)));
-    EXPECT_TRUE(
-        reader.ParseXMLString("<a>" + repeated("<b/>", XMLParser::kMaxElements - 1) + "</a>"));
-    EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), XMLParser::kMaxElements - 1);
+    EXPECT_TRUE(reader.ParseXMLString(nested(kMaxDepth)));
+    EXPECT_TRUE(reader.ParseXMLString("<a>" + std::string(kMaxSize - 7, 'x') + "</a>"));
+    EXPECT_TRUE(reader.ParseXMLString("<a>" + repeated("<b/>", kMaxElements - 1) + "</a>"));
+    EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), kMaxElements - 1);
 }
 
 TEST(XmlParserTest, FindsChildrenByLocalName) {

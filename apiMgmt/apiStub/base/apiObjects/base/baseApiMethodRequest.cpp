@@ -10,6 +10,7 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
 #include "apiMgmt/common/ipc/generalUtils.h"
 #include "apiMgmt/common/ipc/gpbComClient.h"
+#include "apiMgmt/common/utils/stringUtil.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 
 namespace {
@@ -30,9 +31,9 @@ constexpr std::size_t kMessageMemory = 4096;
 /// The element that tells whose session a request belongs to.
 std::string connectionElement(const std::string& sessionKey, const std::string& locale) {
     std::string inner;
-    XMLText::AppendElement(inner, "sessionkey", sessionKey);
+    XMLText::AppendElement(inner, "sessionkey", STRINGUtil::EscapeString(sessionKey, false));
     if (locale.size() == kLocaleSize) {
-        XMLText::AppendElement(inner, "locale", locale);
+        XMLText::AppendElement(inner, "locale", STRINGUtil::EscapeString(locale, false));
     }
     std::string element;
     XMLText::AppendElement(element, kConnectionTag, inner);

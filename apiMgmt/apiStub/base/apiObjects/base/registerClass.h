@@ -27,12 +27,7 @@ public:
 /// are to stay free of compiler tags.
 class APIRegistration {
 public:
-    explicit APIRegistration(bool entered) : m_entered(entered) {}
-    /// False when an earlier registration holds the key.
-    bool IsEntered() const { return m_entered; }
-
-private:
-    bool m_entered;
+    explicit APIRegistration(bool /*entered*/) {}
 };
 
 #define API_REGISTER_AS(Base, Class, Name, Key, ...)        \

@@ -64,7 +64,7 @@ std::string success(const std::string& value) {
     return reply("<Successful>True</Successful>" + value);
 }
 
-constexpr char notParsed[] =
+constexpr char kNotParsed[] =
     "failed 4|Invalid content in response message|Invalid content in response message|"
     "Failed to parse XML response data";
 #define COUNT(n)                                                              \
@@ -72,11 +72,11 @@ constexpr char notParsed[] =
     "Incorrect number of APIMethodReturn elements.  Expected 1, found [" n "]."
 
 // clang-format off
-const std::pair<std::string, std::string> documents[] = {
+const std::pair<std::string, std::string> kDocuments[] = {
     // malformed
-    {"",                                                       notParsed},
-    {"<compapi>",                                              notParsed},
-    {"<!DOCTYPE compapi>" + success("<ReturnInt>1</ReturnInt>"), notParsed},
+    {"",                                                       kNotParsed},
+    {"<compapi>",                                              kNotParsed},
+    {"<!DOCTYPE compapi>" + success("<ReturnInt>1</ReturnInt>"), kNotParsed},
     {"<compapi/>",                                             COUNT("0")},
     {"<compapi><ApiMethodReturn/><ApiMethodReturn/></compapi>", COUNT("2")},
     {"<compapi><a><ApiMethodReturn/></a></compapi>",           COUNT("0")},
@@ -121,16 +121,18 @@ const std::pair<std::string, std::string> documents[] = {
              "<ReturnMethodObject><SampleRecord><Port>1</Port></SampleRecord></ReturnMethodObject>"},
     {"<compapi><ApiMethodReturn><Successful>True</Successful></ApiMethodReturn><ReturnInt>7</ReturnInt></compapi>",
              "<ReturnInt>7</ReturnInt>"},
+    {"<compapi><ReturnBool>True</ReturnBool>" + reply("<Successful>True</Successful><ReturnInt>7</ReturnInt>").substr(9),
+             "<ReturnInt>7</ReturnInt>"},
 };
 
 // Values that are written as they were read.
-const std::string values[] = {
+const std::string kValues[] = {
     "<ReturnBool>True</ReturnBool>",
     "<ReturnInt>-2147483648</ReturnInt>",
     "<ReturnString>a&lt;&amp;&apos;&quot;&#x0a; </ReturnString>",
     "<ReturnString></ReturnString>",
-    "<ReturnEnum>Up</ReturnEnum>",
-    "<ReturnEnumMask>A B</ReturnEnumMask>",
+    "<ReturnEnum>U&amp;p&lt;</ReturnEnum>",
+    "<ReturnEnumMask>A &lt;B&apos;</ReturnEnumMask>",
     "<ReturnMethodObject />",
     "<ReturnMethodObjectArray />",
     "<ReturnMethodObject><SampleRecord><Comment>a&lt;b</Comment></SampleRecord></ReturnMethodObject>",
@@ -147,13 +149,13 @@ const std::string values[] = {
 // clang-format on
 
 TEST(ReplyDocumentTest, GivesOneReturn) {
-    for (const auto& [document, outcome] : documents) {
+    for (const auto& [document, outcome] : kDocuments) {
         EXPECT_EQ(outcomeOf(*process(replyWith(document))), outcome) << document;
     }
 }
 
 TEST(ReplyDocumentTest, IsWhatAReturnWritesInEachEncoding) {
-    for (const std::string& value : values) {
+    for (const std::string& value : kValues) {
         const ReturnPtr made = process(replyWith(success(value)));
         EXPECT_EQ(outcomeOf(*made), value);
         for (const auto& row : gObjectReturnEncodeEnumIdStrList.GetRows()) {
@@ -218,7 +220,7 @@ TEST(ObjectListTest, SingleReturnKeepsItsFirstObject) {
         auto* first = new CountedRecord();
         single.SetReturnObject(first, false);
         single.SetReturnObject(second.get(), false);
-        EXPECT_EQ(single.GetObject(), first);
+        EXPECT_EQ(single.GetObjects(), std::vector<BASEApiMethodObject*>{first});
         single.SetReturnObject(second.release(), true);
         EXPECT_EQ(CountedRecord::alive, 1);
         single.SetReturnObject(single.GetObject(), true);  // in place of itself
@@ -238,7 +240,8 @@ TEST(ObjectListTest, ArrayReturnOwnsItsList) {
         array.SetReturnObject(new CountedRecord(), false);
         EXPECT_EQ(array.GetObject(), nullptr);
         // One of the objects held so far stays, the other goes.
-        array.SetReturnObject({array.GetObjects()[1], new CountedRecord()});
+        array.SetReturnObject({nullptr, array.GetObjects()[1], new CountedRecord(), nullptr});
+        EXPECT_EQ(array.GetObjects().size(), 2U);
         EXPECT_EQ(CountedRecord::alive, 3);
         array.CleanUpApiObjects();
         EXPECT_TRUE(array.GetObjects().empty());

@@ -34,15 +34,16 @@ const protoIPCMsg::APICmdReqMsg& commandOf(const GPBIPCMsg& request) {
 }
 
 TEST(RequestDocumentTest, NamesSessionOnlyWithoutHeader) {
-    const std::string key = "<sessionkey>k 1</sessionkey>";
+    const std::string key = "<sessionkey>k&lt;1</sessionkey>";
     const std::string element = Add().GetXMLString(false, true);
     const std::pair<const char*, std::string> sessions[] = {
         // clang-format off
         {"", key}, {"en", key}, {"en_US", key + "<locale>en_US</locale>"}, {"en_US.UTF-8", key},
+        {"e<>US", key + "<locale>e&lt;&gt;US</locale>"},
         // clang-format on
     };
     for (const auto& [locale, connection] : sessions) {
-        const GPBIPCMsg request = build(nullptr, "k 1", nullptr, locale);
+        const GPBIPCMsg request = build(nullptr, "k<1", nullptr, locale);
         std::string document = "<compapi><ApiConnection>" + connection;
         EXPECT_EQ(commandOf(request).requestdocument(),
                   document.append("</ApiConnection>").append(element).append("</compapi>"));
@@ -50,7 +51,7 @@ TEST(RequestDocumentTest, NamesSessionOnlyWithoutHeader) {
         EXPECT_FALSE(commandOf(request).has_hccheader());
     }
     const APIHccReqHeader header;
-    const GPBIPCMsg request = build(&header, "k 1", nullptr, "en_US");
+    const GPBIPCMsg request = build(&header, "k<1", nullptr, "en_US");
     EXPECT_EQ(commandOf(request).requestdocument(), "<compapi>" + element + "</compapi>");
 }
 
