@@ -2,19 +2,25 @@
 #include "host/modGsoap.h"
 
 #include <ap_expr.h>
+#include <ap_mpm.h>
 #include <apr_strings.h>
 #include <http_core.h>
 #include <http_log.h>
 #include <http_request.h>
+#include <limits.h>
+#include <stdlib.h>
 
 /* The plug-ins that the configuration being read names, so that one that serves several
  * locations is loaded once. Written while the server starts, single-threaded, only. */
 static apr_array_header_t* libraries;
+/* The sections that name them, likewise. */
+static apr_array_header_t* services;
 
 static int beginConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* ptemp) {
     (void)plog;
     (void)ptemp;
     libraries = apr_array_make(pconf, 1, sizeof(struct soapLibrary*));
+    services = apr_array_make(pconf, 1, sizeof(struct soapService*));
     return OK;
 }
 
@@ -29,6 +35,19 @@ static struct soapLibrary* findOrAddLibrary(apr_pool_t* pool, const char* path) 
     library->path = path;
     APR_ARRAY_PUSH(libraries, struct soapLibrary*) = library;
     return library;
+}
+
+static struct soapService* findOrAddService(apr_pool_t* pool, const char* path) {
+    for (int i = 0; i < services->nelts; ++i) {
+        struct soapService* known = APR_ARRAY_IDX(services, i, struct soapService*);
+        if (strcmp(known->path, path) == 0) {
+            return known;
+        }
+    }
+    struct soapService* service = apr_pcalloc(pool, sizeof *service);
+    service->path = path;
+    APR_ARRAY_PUSH(services, struct soapService*) = service;
+    return service;
 }
 
 static const char* checkFile(cmd_parms* cmd, const char* argument, const char** path) {
@@ -52,9 +71,22 @@ static const char* setLibrary(cmd_parms* cmd, void* location, const char* argume
     const char* path;
     const char* error = checkFile(cmd, argument, &path);
     if (!error) {
-        ((struct soapLocation*)location)->library = findOrAddLibrary(cmd->pool, path);
+        struct soapLocation* said = location;
+        said->library = findOrAddLibrary(cmd->pool, path);
+        said->service = findOrAddService(cmd->pool, cmd->path ? cmd->path : "server");
     }
     return error;
+}
+
+static const char* setMaxCalls(cmd_parms* cmd, void* location, const char* argument) {
+    char* end;
+    const long number = strtol(argument, &end, 10);
+    if (*end || end == argument || number < 0 || number > INT_MAX) {
+        return apr_psprintf(cmd->pool, "%s: a number is wanted, 0 for no limit, not %s",
+                            cmd->cmd->name, argument);
+    }
+    ((struct soapLocation*)location)->maxCalls = (int)number;
+    return NULL;
 }
 
 static const char* setWsdl(cmd_parms* cmd, void* location, const char* argument) {
@@ -70,12 +102,16 @@ static const command_rec directives[] = {
                   "Path of the shared object that serves SOAP requests here"),
     AP_INIT_TAKE1("SOAPWsdl", setWsdl, NULL, RSRC_CONF | ACCESS_CONF,
                   "Path of the WSDL file that a GET with the query ?wsdl returns"),
+    AP_INIT_TAKE1("SOAPMaxCalls", setMaxCalls, NULL, RSRC_CONF | ACCESS_CONF,
+                  "How many calls of this location run at once, in all processes; 0 for no limit"),
     {NULL, {NULL}, NULL, 0, RAW_ARGS, NULL}};
 // clang-format on
 
 static void* createLocation(apr_pool_t* pool, char* path) {
     (void)path;
-    return apr_pcalloc(pool, sizeof(struct soapLocation));
+    struct soapLocation* location = apr_pcalloc(pool, sizeof *location);
+    location->maxCalls = -1;
+    return location;
 }
 
 static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
@@ -83,6 +119,10 @@ static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
     struct soapLocation* merged = apr_pmemdup(pool, inner, sizeof *merged);
     if (!merged->library) {
         merged->library = base->library;
+        merged->service = base->service;
+    }
+    if (merged->maxCalls < 0) {
+        merged->maxCalls = base->maxCalls;
     }
     if (!merged->wsdl) {
         merged->wsdl = base->wsdl;
@@ -112,7 +152,23 @@ static int finishConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* 
                                server_rec* server) {
     (void)plog;
     (void)ptemp;
+    soapOpenCounts(server);
+    for (int i = 0; i < services->nelts; ++i) {
+        struct soapService* service = APR_ARRAY_IDX(services, i, struct soapService*);
+        service->counts = soapFindCounts(service->path);
+    }
     return loadLibraries(pconf, server);
+}
+
+/* The parent gets this for each child that it sees end, however that came. */
+static void noteChild(server_rec* server, pid_t pid, ap_generation_t generation, int slot,
+                      mpm_child_status status) {
+    (void)server;
+    (void)generation;
+    (void)slot;
+    if (status == MPM_CHILD_EXITED) {
+        soapForgetProcess(pid);
+    }
 }
 
 /* The handler that SetHandler gives a request; known before the server itself looks for it. */
@@ -148,6 +204,7 @@ static apr_status_t endChild(void* data) {
 
 static void initChild(apr_pool_t* pool, server_rec* server) {
     (void)server;
+    soapBeginProcess();
     apr_pool_cleanup_register(pool, NULL, endChild, apr_pool_cleanup_null);
 }
 
@@ -159,6 +216,7 @@ static void registerHooks(apr_pool_t* pool) {
     ap_hook_translate_name(noteService, NULL, NULL, APR_HOOK_REALLY_FIRST);
     ap_hook_map_to_storage(skipFiles, NULL, NULL, APR_HOOK_FIRST);
     ap_hook_child_init(initChild, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_child_status(noteChild, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_handler(soapHandler, NULL, NULL, APR_HOOK_MIDDLE);
 }
 

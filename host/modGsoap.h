@@ -8,6 +8,8 @@
  *   soapBodyScan.c refuses bodies that are made to cost much
  *   soapServe.c    the contexts that are ready and the call of the plug-in
  *   soapWsdl.c     the service's description
+ *   soapCounts.c   what all processes count together, and the limit of calls at once
+ *   soapNotes.c    what the access log can say about a request
  *   serveGuard.cpp keeps C++ exceptions of a plug-in inside the request
  */
 #pragma once
@@ -21,6 +23,7 @@
 
 #include "host/include/soapInterface.h"
 #include "host/include/soapRequestConf.h"
+#include "host/soapCounts.h"
 
 APLOG_USE_MODULE(gsoap);
 extern module AP_MODULE_DECLARE_DATA gsoap_module;
@@ -50,10 +53,20 @@ struct soapWsdl {
     apr_array_header_t* texts; /* of const char * */
 };
 
+/* A path at which a plug-in serves, also where several virtual hosts have it: they count as one.
+ * Owned by the configuration; its counts are set when the server has started, and are null where
+ * there is no room for them. */
+struct soapService {
+    const char* path;
+    struct soapServiceCounts* counts;
+};
+
 /* What the directives of one location say; null where they say nothing. */
 struct soapLocation {
     struct soapLibrary* library;
+    struct soapService* service; /* the section that names the library */
     struct soapWsdl* wsdl;
+    int maxCalls; /* 0 for no limit, -1 where it is not said */
 };
 
 /* soapLibrary.c: loads the plug-in and fills in its table. False when it cannot be used; the
@@ -73,10 +86,14 @@ size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room);
 
 /* soapServe.c: gives up what is kept for the next requests; no request may be served any more. */
 void soapFreeReady(struct soapLibrary* library);
-/* soapServe.c: lets the plug-in answer `body`. Fills `reply` and says whether its envelope is one
- * of SOAP 1.2; gives the HTTP status for it. */
-int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
-              apr_bucket_brigade* reply, int* isSoap12);
+/* soapServe.c: lets the plug-in answer `body`, which `call` counts. Fills `reply` and says whether
+ * its envelope is one of SOAP 1.2; gives the HTTP status for it. */
+int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call,
+              apr_bucket_brigade* body, apr_bucket_brigade* reply, int* isSoap12);
+
+/* soapNotes.c: notes for the access log, of a request that the gate refused and of a call. */
+void soapNoteRefusal(request_rec* r, enum soapRefusal reason);
+void soapNoteCall(request_rec* r, const struct soapCall* call);
 
 /* soapHandler.c: answers a request of the handler. */
 int soapHandler(request_rec* r);

@@ -11,8 +11,21 @@
 #define SOAP_12_TYPE "application/soap+xml"
 #define UTF_8 "; charset=utf-8"
 
+/* What a client is told that finds all places taken: a call takes milliseconds while the array
+ * answers. */
+#define SECONDS_TO_RETRY "1"
+
+static void countRefusal(request_rec* r, enum soapRefusal why) {
+    const struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
+    if (location->service && location->service->counts) {
+        soapAdd(&location->service->counts->refused[why], 1);
+    }
+    soapNoteRefusal(r, why);
+}
+
 /* A refusal that says in plain text what is wrong, in place of the server's general page. */
-static int refuse(request_rec* r, int status, const char* reason) {
+static int refuse(request_rec* r, int status, enum soapRefusal why, const char* reason) {
+    countRefusal(r, why);
     r->status = status;
     ap_set_content_type(r, "text/plain" UTF_8);
     ap_rprintf(r, "%s\n", reason);
@@ -21,7 +34,7 @@ static int refuse(request_rec* r, int status, const char* reason) {
 
 static int refuseMethod(request_rec* r, const struct soapLocation* location) {
     apr_table_setn(r->headers_out, "Allow", location->wsdl ? "GET, HEAD, POST" : "POST");
-    return refuse(r, HTTP_METHOD_NOT_ALLOWED,
+    return refuse(r, HTTP_METHOD_NOT_ALLOWED, kSoapMethod,
                   location->wsdl ? "A request is sent with POST; GET with ?wsdl describes them."
                                  : "A request is sent with POST.");
 }
@@ -40,7 +53,10 @@ static size_t matchWord(const char* text, const char* word, const char* stops) {
  * before any character, as HTTP has it, or single ones, as some clients have it. Gives what follows
  * the value. */
 static const char* readValue(const char* text, char* value, size_t room) {
-    const char quote = *text == '"' || *text == '\'' ? *text++ : '\0';
+    char quote = '\0';
+    if (*text == '"' || *text == '\'') {
+        quote = *text++;
+    }
     while (*text && (quote ? *text != quote : !strchr("; \t", *text))) {
         text += quote == '"' && *text == '\\' && text[1] ? 1 : 0;
         if (room > 1) {
@@ -90,13 +106,14 @@ static int isSoapType(const char* contentType) {
 static int passesHeaders(request_rec* r, int* status) {
     const char* encoding = apr_table_get(r->headers_in, "Content-Encoding");
     if (!isSoapType(apr_table_get(r->headers_in, "Content-Type"))) {
-        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE,
+        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, kSoapMediaType,
                          "The content type of a SOAP request is " SOAP_11_TYPE " or " SOAP_12_TYPE
                          ", its character set UTF-8.");
         return 0;
     }
     if (encoding && strcasecmp(encoding, "identity") != 0) {
-        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, "A SOAP request is sent unencoded.");
+        *status = refuse(r, HTTP_UNSUPPORTED_MEDIA_TYPE, kSoapMediaType,
+                         "A SOAP request is sent unencoded.");
         return 0;
     }
     return 1;
@@ -125,15 +142,25 @@ static int passesBody(request_rec* r, apr_bucket_brigade* body, int* status) {
     const char* reason = NULL;
     *status = soapReadBody(r, body, &reason);
     if (*status == HTTP_REQUEST_ENTITY_TOO_LARGE) {
-        reason = "The request body is larger than the service accepts.";
-    } else if (*status == OK) {
-        reason = refusedStart(body);
+        *status =
+            refuse(r, *status, kSoapSize, "The request body is larger than the service accepts.");
+    } else if (reason) {
+        *status = refuse(r, HTTP_BAD_REQUEST, kSoapHostile, reason);
+    } else if (*status != OK) {
+        countRefusal(r, kSoapBroken);
+    } else if ((reason = refusedStart(body))) {
+        *status = refuse(r, HTTP_BAD_REQUEST, kSoapNoXml, reason);
+    } else {
+        return 1;
     }
-    if (reason) {
-        *status = refuse(r, *status == OK ? HTTP_BAD_REQUEST : *status, reason);
-        return 0;
-    }
-    return *status == OK;
+    return 0;
+}
+
+/* The same words for a client that comes when all places are taken, whenever that is noticed. */
+static int refuseBusy(request_rec* r) {
+    apr_table_setn(r->headers_out, "Retry-After", SECONDS_TO_RETRY);
+    return refuse(r, HTTP_SERVICE_UNAVAILABLE, kSoapBusy,
+                  "The service has as many calls at work as it may.");
 }
 
 static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply, const char* type) {
@@ -151,15 +178,27 @@ static int sendReply(request_rec* r, int status, apr_bucket_brigade* reply, cons
     return OK;
 }
 
-static int servePost(request_rec* r, struct soapLibrary* library) {
-    apr_bucket_brigade* body = apr_brigade_create(r->pool, r->connection->bucket_alloc);
+static int servePost(request_rec* r, const struct soapLocation* location) {
+    struct soapServiceCounts* counts = location->service->counts;
+    const unsigned limit = location->maxCalls > 0 ? (unsigned)location->maxCalls : 0;
+    struct soapCall call;
     int status;
+    int isSoap12 = 0;
+    /* At once, where it can be told already; a place is taken for a body that is there, so that
+     * slow clients take none. */
+    if (soapIsFull(counts, limit)) {
+        return refuseBusy(r);
+    }
+    apr_bucket_brigade* body = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     if (!passesHeaders(r, &status) || !passesBody(r, body, &status)) {
         return status;
     }
+    if (!soapBeginCall(&call, counts, limit)) {
+        return refuseBusy(r);
+    }
     apr_bucket_brigade* reply = apr_brigade_create(r->pool, r->connection->bucket_alloc);
-    int isSoap12 = 0;
-    status = soapServe(r, library, body, reply, &isSoap12);
+    status = soapServe(r, location->library, &call, body, reply, &isSoap12);
+    soapNoteCall(r, &call);
     return sendReply(r, status, reply, isSoap12 ? SOAP_12_TYPE UTF_8 : SOAP_11_TYPE UTF_8);
 }
 
@@ -179,7 +218,7 @@ int soapHandler(request_rec* r) {
         return refuseMethod(r, location);
     }
     if (location->library) {
-        return servePost(r, location->library);
+        return servePost(r, location);
     }
     ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r,
                   SOAP_HANDLER " is set here, and no SOAPLibrary names a plug-in");

@@ -11,15 +11,18 @@
  */
 #include "host/modGsoap.h"
 
+#include <apr_strings.h>
 #include <http_log.h>
 #include <stdlib.h>
 
+#include "host/include/soapRequestReport.h"
 #include "host/serveGuard.h"
 
 /* A context and what its hooks need. */
 struct readyContext {
     struct soap context;
     struct soapRequestConf conf;
+    struct soapCall* call;
     apr_bucket_brigade* body;  /* what the engine has still to read */
     apr_bucket_brigade* reply; /* what it has written */
     int spoilt;                /* the context is not as it was set up */
@@ -106,6 +109,51 @@ static int attachConf(struct soap* context, struct soap_plugin* plugin, void* co
     return SOAP_OK;
 }
 
+/* What the plug-in reports goes to the call that its thread serves. */
+static void reportOperation(const char* name) {
+    if (current && name) {
+        soapNoteOperation(current->call, name);
+    }
+}
+
+static void reportCluster(const char* id) {
+    if (current && id) {
+        apr_cpystrn(current->call->cluster, id, sizeof current->call->cluster);
+    }
+}
+
+static void reportArray(int begins) {
+    if (current) {
+        soapNoteArray(current->call, begins);
+    }
+}
+
+static void reportEnd(enum soapReportedEnd end) {
+    if (current) {
+        current->call->outcomeIsReported = 1;
+        current->call->outcome = end == SOAP_REFUSED_BY_ARRAY ? kSoapRefusedByArray : kSoapNoAnswer;
+    }
+}
+
+static void reportLostLogLines(uint32_t count) {
+    if (current) {
+        current->call->lostLogLines += count;
+    }
+}
+
+static struct soapRequestReport report = {.length = sizeof report,
+                                          .operation = reportOperation,
+                                          .cluster = reportCluster,
+                                          .asksArray = reportArray,
+                                          .ended = reportEnd,
+                                          .lostLogLines = reportLostLogLines};
+
+static int attachReport(struct soap* context, struct soap_plugin* plugin, void* data) {
+    const int status = attachConf(context, plugin, data);
+    plugin->id = SOAP_REQUEST_REPORT_ID;
+    return status;
+}
+
 static int prepareContext(struct readyContext* ready, const struct apache_soap_interface* table) {
     struct soap* context = &ready->context;
     table->init(context);
@@ -117,7 +165,9 @@ static int prepareContext(struct readyContext* ready, const struct apache_soap_i
     context->fparse = refuseHttp;
     context->fpoll = leaveConnection;
     context->fclose = leaveConnection;
-    return table->registerPlugin(context, attachConf, &ready->conf);
+    /* The last one stands first, where isAsNew looks. */
+    const int status = table->registerPlugin(context, attachReport, &report);
+    return status == SOAP_OK ? table->registerPlugin(context, attachConf, &ready->conf) : status;
 }
 
 static void freeContext(struct readyContext* ready, const struct apache_soap_interface* table) {
@@ -147,16 +197,25 @@ void soapFreeReady(struct soapLibrary* library) {
     }
 }
 
-static struct readyContext* takeContext(struct soapLibrary* library) {
+static void countContext(uint64_t* count) {
+    if (count) {
+        soapAdd(count, 1);
+    }
+}
+
+static struct readyContext* takeContext(struct soapLibrary* library,
+                                        struct soapServiceCounts* counts) {
     for (int i = 0; i < SOAP_READY_CONTEXTS; ++i) {
         struct readyContext** slot = &library->contexts[i];
         if (__atomic_load_n(slot, __ATOMIC_RELAXED)) {
             struct readyContext* ready = __atomic_exchange_n(slot, NULL, __ATOMIC_ACQUIRE);
             if (ready) {
+                countContext(counts ? &counts->contextsReused : NULL);
                 return ready;
             }
         }
     }
+    countContext(counts ? &counts->contextsMade : NULL);
     return makeContext(library->table);
 }
 
@@ -198,12 +257,13 @@ static int callPlugin(struct readyContext* ready, const struct apache_soap_inter
     return 0;
 }
 
-int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* body,
-              apr_bucket_brigade* reply, int* isSoap12) {
+int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call,
+              apr_bucket_brigade* body, apr_bucket_brigade* reply, int* isSoap12) {
     int status = 0;
-    struct readyContext* ready = takeContext(library);
+    struct readyContext* ready = takeContext(library, call->counts);
     if (ready) {
         ready->conf.r = r;
+        ready->call = call;
         ready->body = body;
         ready->reply = reply;
         ready->version = 0;
@@ -216,6 +276,7 @@ int soapServe(request_rec* r, struct soapLibrary* library, apr_bucket_brigade* b
     } else {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, r, "no context for a SOAP request");
     }
+    soapEndCall(call, status);
     if (status) {
         return status;
     }

@@ -37,7 +37,7 @@ enum {
 struct soapBodyScan {
     const char* refusal; /* once set, it stays */
     int state;
-    int quote; /* the one that ends the attribute's value */
+    char quote; /* the one that ends the attribute's value */
     unsigned level;
     unsigned tagAttributes;
     unsigned tagNamespaces;

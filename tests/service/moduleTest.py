@@ -268,7 +268,7 @@ class OddPluginTest(ModuleCase):
                 self.assertNotIn("words of the plug-in", server.error_log())
 
     def test_context_that_a_plugin_changed_is_not_used_again(self):
-        for behaviour, seen in (("serves without a copy", "new"), ("registers", "2")):
+        for behaviour, seen in (("serves without a copy", "new"), ("registers", "3")):
             with self.subTest(behaviour):
                 server = self.start_oddly(behaviour)
                 self.assertEqual([server.post(soap.PING).text for _ in range(3)], [seen] * 3)

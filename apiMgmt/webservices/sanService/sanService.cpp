@@ -50,6 +50,9 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
     google::protobuf::internal::VerifyVersion(GOOGLE_PROTOBUF_VERSION, kOldestProtobuf,
                                               ServiceLog::kSource);
 
+    if (fplugin != nullptr) {
+        m_report = static_cast<const soapRequestReport*>(fplugin(this, SOAP_REQUEST_REPORT_ID));
+    }
     const soapRequestConf* configuration = getRequestConfiguration();
     const request_rec* request = configuration != nullptr ? configuration->r : nullptr;
     const conn_rec* connection = request != nullptr ? request->connection : nullptr;

@@ -9,6 +9,7 @@
 #include "apiMgmt/webservices/sanService/requestScan.h"
 #include "apiMgmt/webservices/sanService/serviceLog.h"
 #include "host/include/soapRequestConf.h"
+#include "host/include/soapRequestReport.h"
 
 class BASEApiMethod;
 class BASEApiMethodReturn;
@@ -122,6 +123,9 @@ private:
     int ServeOperation(const ServiceLog::FixedEntry& entry, const Request* request,
                        const Response* response, Serve&& serve) {
         ServiceLog::Write(entry);
+        if (m_report != nullptr) {
+            m_report->operation(entry.function);
+        }
         if (request == nullptr || response == nullptr) {
             return soap_senderfault(gNullPointerMsg, "");
         }
@@ -138,6 +142,8 @@ private:
     size_t (*m_receive)(soap*, char*, size_t);  // the host's
     RequestScan m_scan;
     bool m_dispatching = false;  // operations are called for a request, and not by a program
+    // What the module wants to know about the request; null in a module that does not ask.
+    const soapRequestReport* m_report = nullptr;
     APIHccReqHeader m_header;
     std::string m_apiMgrAddress;
     int m_apiMgrPort;

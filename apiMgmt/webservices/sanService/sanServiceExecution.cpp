@@ -9,8 +9,40 @@
 #include "apiMgmt/apiStub/base/methodReturns/baseApiMethodReturn.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 
+namespace {
+
+// Tells the module, where it wants to know, that the array is being asked.
+class ArrayCall {
+public:
+    ArrayCall(const soapRequestReport* report, const std::string& cluster) : m_report(report) {
+        if (m_report != nullptr) {
+            m_report->cluster(cluster.c_str());
+            m_report->asksArray(1);
+        }
+    }
+    ~ArrayCall() {
+        if (m_report != nullptr) {
+            m_report->asksArray(0);
+        }
+    }
+    ArrayCall(const ArrayCall&) = delete;
+    ArrayCall& operator=(const ArrayCall&) = delete;
+
+private:
+    const soapRequestReport* m_report;
+};
+
+void reportEnd(const soapRequestReport* report, soapReportedEnd end) {
+    if (report != nullptr) {
+        report->ended(end);
+    }
+}
+
+}  // namespace
+
 const BASEApiMethodReturn* SANService::ExecuteMethod(
     const BASEApiMethod& method, const std::map<std::string, std::string>* args) const {
+    const ArrayCall asking(m_report, m_header.hccId);
     try {
         return method.Execute(&m_header, args);
     } catch (const APIMethodError& failure) {
@@ -46,12 +78,14 @@ int SANService::ParseXMLResponse(SanApi::ns1__resultObject** result,
                                  const BASEApiMethodReturn* ret) {
     if (ret == nullptr) {
         ServiceLog::Write(ServiceLog::kNoReturn);
+        reportEnd(m_report, SOAP_NO_ANSWER);
         return soap_receiverfault("Received Invalid/NULL response from tarn", "");
     }
     if (ret->GetSuccessful()) {
         *result = AllocSoapResultObject();
         return SOAP_OK;
     }
+    reportEnd(m_report, SOAP_REFUSED_BY_ARRAY);
     return soap_receiverfault(ret->GetError().c_str(), "");
 }
 
