@@ -97,7 +97,7 @@ static const char* setWsdl(cmd_parms* cmd, void* location, const char* argument)
 
 /* In .htaccess files the directives are not allowed: they load code into the server. */
 // clang-format off
-static const command_rec directives[] = {
+static const command_rec kDirectives[] = {
     AP_INIT_TAKE1("SOAPLibrary", setLibrary, NULL, RSRC_CONF | ACCESS_CONF,
                   "Path of the shared object that serves SOAP requests here"),
     AP_INIT_TAKE1("SOAPWsdl", setWsdl, NULL, RSRC_CONF | ACCESS_CONF,
@@ -226,6 +226,6 @@ module AP_MODULE_DECLARE_DATA gsoap_module = {STANDARD20_MODULE_STUFF,
                                               mergeLocations,
                                               NULL,
                                               NULL,
-                                              directives,
+                                              kDirectives,
                                               registerHooks,
                                               0};

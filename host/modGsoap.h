@@ -92,7 +92,7 @@ int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call
               apr_bucket_brigade* body, apr_bucket_brigade* reply, int* isSoap12);
 
 /* soapNotes.c: notes for the access log, of a request that the gate refused and of a call. */
-void soapNoteRefusal(request_rec* r, enum soapRefusal reason);
+void soapNoteRefusal(request_rec* r, enum SoapRefusal reason);
 void soapNoteCall(request_rec* r, const struct soapCall* call);
 
 /* soapHandler.c: answers a request of the handler. */

@@ -3,7 +3,7 @@
 
 #include <string.h>
 
-enum state {
+enum State {
     IN_TEXT,
     AFTER_LESS,      /* < */
     AFTER_BANG,      /* <! */
@@ -27,8 +27,8 @@ enum state {
     IN_VALUE         /* within quotes */
 };
 
-static const char notMarkup[] = "The request body has markup that is not XML.";
-static const char cdataWord[] = "CDATA[";
+static const char kNotMarkup[] = "The request body has markup that is not XML.";
+static const char kCdataWord[] = "CDATA[";
 
 static int isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -121,7 +121,7 @@ static int afterLess(struct soapBodyScan* scan, char c) {
         case '/':
             return IN_END_TAG;
         default:
-            return startsName(c) ? beginTag(scan) : refuse(scan, notMarkup);
+            return startsName(c) ? beginTag(scan) : refuse(scan, kNotMarkup);
     }
 }
 
@@ -136,7 +136,7 @@ static int afterBang(struct soapBodyScan* scan, char c) {
 static int beginName(struct soapBodyScan* scan, char c) {
     scan->name[0] = c;
     scan->nameSize = 1;
-    return startsName(c) ? IN_NAME : refuse(scan, notMarkup);
+    return startsName(c) ? IN_NAME : refuse(scan, kNotMarkup);
 }
 
 static int inTag(struct soapBodyScan* scan, char c) {
@@ -154,7 +154,7 @@ static int inTagName(struct soapBodyScan* scan, char c) {
     if (ends) {
         return inTag(scan, c);
     }
-    return c == '<' || c == '=' || c == '"' || c == '\'' ? refuse(scan, notMarkup) : IN_TAG_NAME;
+    return c == '<' || c == '=' || c == '"' || c == '\'' ? refuse(scan, kNotMarkup) : IN_TAG_NAME;
 }
 
 static int inName(struct soapBodyScan* scan, char c) {
@@ -163,7 +163,7 @@ static int inName(struct soapBodyScan* scan, char c) {
         return c == '=' ? AFTER_EQUALS : AFTER_NAME;
     }
     if (c == '<' || c == '>' || c == '/' || c == '"' || c == '\'') {
-        return refuse(scan, notMarkup);
+        return refuse(scan, kNotMarkup);
     }
     if (scan->nameSize == kSoapMaxAttributeNameBytes) {
         return refuse(scan, "An attribute of the request body has too long a name.");
@@ -176,7 +176,7 @@ static int afterName(struct soapBodyScan* scan, char c) {
     if (isBlank(c)) {
         return AFTER_NAME;
     }
-    return c == '=' ? AFTER_EQUALS : refuse(scan, notMarkup);
+    return c == '=' ? AFTER_EQUALS : refuse(scan, kNotMarkup);
 }
 
 static int afterEquals(struct soapBodyScan* scan, char c) {
@@ -184,26 +184,26 @@ static int afterEquals(struct soapBodyScan* scan, char c) {
         return AFTER_EQUALS;
     }
     scan->quote = c;
-    return c == '"' || c == '\'' ? IN_VALUE : refuse(scan, notMarkup);
+    return c == '"' || c == '\'' ? IN_VALUE : refuse(scan, kNotMarkup);
 }
 
 static int inValue(struct soapBodyScan* scan, char c) {
     if (c == '<') {
-        return refuse(scan, notMarkup);
+        return refuse(scan, kNotMarkup);
     }
     return c == scan->quote ? IN_TAG : IN_VALUE;
 }
 
 static int inCdataWord(struct soapBodyScan* scan, char c) {
-    if (c != cdataWord[scan->nameSize++]) {
-        return refuse(scan, notMarkup);
+    if (c != kCdataWord[scan->nameSize++]) {
+        return refuse(scan, kNotMarkup);
     }
-    return cdataWord[scan->nameSize] ? IN_CDATA_WORD : IN_CDATA;
+    return kCdataWord[scan->nameSize] ? IN_CDATA_WORD : IN_CDATA;
 }
 
 /* One byte; gives the state after it. */
 static int step(struct soapBodyScan* scan, char c) {
-    switch ((enum state)scan->state) {
+    switch ((enum State)scan->state) {
         case IN_TEXT:
             return c == '<' ? AFTER_LESS : IN_TEXT;
         case AFTER_LESS:
@@ -211,7 +211,7 @@ static int step(struct soapBodyScan* scan, char c) {
         case AFTER_BANG:
             return afterBang(scan, c);
         case AFTER_DASH:
-            return c == '-' ? IN_COMMENT : refuse(scan, notMarkup);
+            return c == '-' ? IN_COMMENT : refuse(scan, kNotMarkup);
         case IN_CDATA_WORD:
             return inCdataWord(scan, c);
         case IN_CDATA:
@@ -228,14 +228,14 @@ static int step(struct soapBodyScan* scan, char c) {
         case COMMENT_DASH:
             return c == '-' ? COMMENT_DASHES : IN_COMMENT;
         case COMMENT_DASHES:
-            return c == '>' ? IN_TEXT : refuse(scan, notMarkup);
+            return c == '>' ? IN_TEXT : refuse(scan, kNotMarkup);
         case IN_INSTRUCTION:
             return c == '?' ? INSTRUCTION_END : IN_INSTRUCTION;
         case INSTRUCTION_END:
-            return c == '>' ? IN_TEXT : refuse(scan, notMarkup);
+            return c == '>' ? IN_TEXT : refuse(scan, kNotMarkup);
         case IN_END_TAG:
             if (c == '<') {
-                return refuse(scan, notMarkup);
+                return refuse(scan, kNotMarkup);
             }
             return c == '>' ? closeElement(scan) : IN_END_TAG;
         case IN_TAG_NAME:
@@ -243,7 +243,7 @@ static int step(struct soapBodyScan* scan, char c) {
         case IN_TAG:
             return inTag(scan, c);
         case AFTER_SLASH:
-            return c == '>' ? endEmptyElement(scan) : refuse(scan, notMarkup);
+            return c == '>' ? endEmptyElement(scan) : refuse(scan, kNotMarkup);
         case IN_NAME:
             return inName(scan, c);
         case AFTER_NAME:
@@ -253,7 +253,7 @@ static int step(struct soapBodyScan* scan, char c) {
         case IN_VALUE:
             return inValue(scan, c);
     }
-    return refuse(scan, notMarkup);
+    return refuse(scan, kNotMarkup);
 }
 
 const char* soapScan(struct soapBodyScan* scan, const char* data, size_t size) {

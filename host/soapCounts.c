@@ -16,16 +16,16 @@ APLOG_USE_MODULE(gsoap);
 
 #define RETAINED "mod_gsoap counts"
 
-const char* const soapOutcomeNames[kSoapOutcomes] = {
+const char* const kSoapOutcomeNames[kSoapOutcomes] = {
     "answered", "refused_by_service", "refused_by_array", "no_answer_of_array", "failed"};
 
-const char* const soapRefusalNames[kSoapRefusals] = {"method",  "media_type", "size", "no_xml",
-                                                     "hostile", "broken",     "busy"};
+const char* const kSoapRefusalNames[kSoapRefusals] = {"method",  "media_type", "size", "no_xml",
+                                                      "hostile", "broken",     "busy"};
 
 #define MICROSECONDS 1000ULL
 #define MILLISECONDS 1000000ULL
 /* The usual ones of Prometheus, and below them three for calls that take less. */
-const uint64_t soapBucketEnds[kSoapBuckets - 1] = {
+const uint64_t kSoapBucketEnds[kSoapBuckets - 1] = {
     500 * MICROSECONDS,  1 * MILLISECONDS,    2500 * MICROSECONDS, 5 * MILLISECONDS,
     10 * MILLISECONDS,   25 * MILLISECONDS,   50 * MILLISECONDS,   100 * MILLISECONDS,
     250 * MILLISECONDS,  500 * MILLISECONDS,  1000 * MILLISECONDS, 2500 * MILLISECONDS,
@@ -218,7 +218,7 @@ void soapNoteArray(struct soapCall* call, int begins) {
 
 static void countTime(struct soapHistogram* histogram, uint64_t time) {
     int bucket = 0;
-    while (bucket < kSoapBuckets - 1 && time > soapBucketEnds[bucket]) {
+    while (bucket < kSoapBuckets - 1 && time > kSoapBucketEnds[bucket]) {
         ++bucket;
     }
     soapAdd(&histogram->buckets[bucket], 1);

@@ -13,8 +13,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* How a call that reached the plug-in ended; soapOutcomeNames has their names. */
-enum soapOutcome {
+/* How a call that reached the plug-in ended; kSoapOutcomeNames has their names. */
+enum SoapOutcome {
     kSoapAnswered,
     kSoapRefusedByService,
     kSoapRefusedByArray,
@@ -23,8 +23,8 @@ enum soapOutcome {
     kSoapOutcomes
 };
 
-/* Why the gate refused a request; soapRefusalNames has their names. */
-enum soapRefusal {
+/* Why the gate refused a request; kSoapRefusalNames has their names. */
+enum SoapRefusal {
     kSoapMethod,
     kSoapMediaType,
     kSoapSize,
@@ -35,8 +35,8 @@ enum soapRefusal {
     kSoapRefusals
 };
 
-extern const char* const soapOutcomeNames[kSoapOutcomes];
-extern const char* const soapRefusalNames[kSoapRefusals];
+extern const char* const kSoapOutcomeNames[kSoapOutcomes];
+extern const char* const kSoapRefusalNames[kSoapRefusals];
 
 enum {
     kSoapMaxServices = 32,   /* paths of locations that name a plug-in */
@@ -48,7 +48,7 @@ enum {
 };
 
 /* The upper ends of all buckets but the last, in nanoseconds. */
-extern const uint64_t soapBucketEnds[kSoapBuckets - 1];
+extern const uint64_t kSoapBucketEnds[kSoapBuckets - 1];
 
 struct soapHistogram {
     uint64_t buckets[kSoapBuckets];
@@ -97,7 +97,7 @@ struct soapCall {
     struct soapPlace* place;          /* null for one that found none, where none was demanded */
     const char* operation;
     uint32_t operationRow;
-    enum soapOutcome outcome;
+    enum SoapOutcome outcome;
     int outcomeIsReported;
     int askedArray;
     uint64_t began, asked, arrayTime;

@@ -15,7 +15,7 @@
  * answers. */
 #define SECONDS_TO_RETRY "1"
 
-static void countRefusal(request_rec* r, enum soapRefusal why) {
+static void countRefusal(request_rec* r, enum SoapRefusal why) {
     const struct soapLocation* location = ap_get_module_config(r->per_dir_config, &gsoap_module);
     if (location->service && location->service->counts) {
         soapAdd(&location->service->counts->refused[why], 1);
@@ -24,7 +24,7 @@ static void countRefusal(request_rec* r, enum soapRefusal why) {
 }
 
 /* A refusal that says in plain text what is wrong, in place of the server's general page. */
-static int refuse(request_rec* r, int status, enum soapRefusal why, const char* reason) {
+static int refuse(request_rec* r, int status, enum SoapRefusal why, const char* reason) {
     countRefusal(r, why);
     r->status = status;
     ap_set_content_type(r, "text/plain" UTF_8);

@@ -5,9 +5,9 @@
 
 #define MICROSECOND 1000
 
-void soapNoteRefusal(request_rec* r, enum soapRefusal reason) {
+void soapNoteRefusal(request_rec* r, enum SoapRefusal reason) {
     apr_table_setn(r->notes, "soap-outcome", "refused_by_gate");
-    apr_table_setn(r->notes, "soap-reason", soapRefusalNames[reason]);
+    apr_table_setn(r->notes, "soap-reason", kSoapRefusalNames[reason]);
 }
 
 /* The bytes of the UTF-8 character that the text begins with; 0 when it begins with none, with one
@@ -42,7 +42,7 @@ static const char* oneLine(apr_pool_t* pool, const char* text) {
 }
 
 void soapNoteCall(request_rec* r, const struct soapCall* call) {
-    apr_table_setn(r->notes, "soap-outcome", soapOutcomeNames[call->outcome]);
+    apr_table_setn(r->notes, "soap-outcome", kSoapOutcomeNames[call->outcome]);
     if (call->operation) {
         apr_table_setn(r->notes, "soap-operation", call->operation);
     }

@@ -33,7 +33,7 @@ struct readyContext {
 static __thread struct readyContext* current;
 
 /* Sent where a plug-in gives no answer of its own. */
-static const char noAnswer[] =
+static const char kNoAnswer[] =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<SOAP-ENV:Envelope xmlns:SOAP-ENV=\"http://schemas.xmlsoap.org/soap/envelope/\">"
     "<SOAP-ENV:Body><SOAP-ENV:Fault><faultcode>SOAP-ENV:Server</faultcode>"
@@ -128,7 +128,7 @@ static void reportArray(int begins) {
     }
 }
 
-static void reportEnd(enum soapReportedEnd end) {
+static void reportEnd(enum SoapReportedEnd end) {
     if (current) {
         current->call->outcomeIsReported = 1;
         current->call->outcome = end == SOAP_REFUSED_BY_ARRAY ? kSoapRefusedByArray : kSoapNoAnswer;
@@ -282,6 +282,6 @@ int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call
     }
     *isSoap12 = 0;
     apr_brigade_cleanup(reply);
-    apr_brigade_puts(reply, NULL, NULL, noAnswer);
+    apr_brigade_puts(reply, NULL, NULL, kNoAnswer);
     return HTTP_INTERNAL_SERVER_ERROR;
 }

@@ -19,7 +19,7 @@
 #define SOAP_REQUEST_REPORT_ID "mod_gsoap request report 1"
 
 /* How a call ended, where its reply alone does not show it. */
-enum soapReportedEnd {
+enum SoapReportedEnd {
     SOAP_REFUSED_BY_ARRAY = 1, /* the array answered that it will not */
     SOAP_NO_ANSWER = 2         /* the array gave no answer that can be used */
 };
@@ -39,7 +39,7 @@ struct soapRequestReport {
 
     /* Left out, a reply that is no fault counts as answered and a fault as the service's refusal.
      */
-    void (*ended)(enum soapReportedEnd end);
+    void (*ended)(enum SoapReportedEnd end);
 
     /* So many lines could not be written to the system log. */
     void (*lostLogLines)(uint32_t count);

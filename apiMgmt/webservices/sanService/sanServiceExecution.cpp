@@ -32,7 +32,7 @@ private:
     const soapRequestReport* m_report;
 };
 
-void reportEnd(const soapRequestReport* report, soapReportedEnd end) {
+void reportEnd(const soapRequestReport* report, SoapReportedEnd end) {
     if (report != nullptr) {
         report->ended(end);
     }
