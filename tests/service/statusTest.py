@@ -2,7 +2,6 @@
 and the counters over all processes."""
 
 import concurrent.futures
-import contextlib
 import os
 import re
 import signal
@@ -12,7 +11,6 @@ import unittest
 
 import harness
 import soap
-from operations import OPERATIONS
 from soap import PING
 from webServer import PATH, WebServer
 
