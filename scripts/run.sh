@@ -168,7 +168,7 @@ LoadModule gsoap_module "$release/host/mod_gsoap.so"
     Require all denied
 </Directory>
 Define SAN_PLUGIN "$release/apiMgmt/webservices/sanService/libsanService.so"
-Define SAN_WSDL "$root/apiMgmt/webservices/sanService/contract/sanApi.wsdl"
+Define SAN_WSDL "$release/generated/sanContract/sanApi.wsdl"
 Define SAN_ACCESS_LOG "$state/access.log"
 Include "$release/packaging/apache/san-service.conf"
 TEXT

@@ -18,7 +18,7 @@ import subprocess
 import tempfile
 import time
 
-from programs import BUILD, PRELOADED, ROOT
+from programs import BUILD, PRELOADED
 
 APACHE = os.environ.get("SAN_APACHE", "/usr/sbin/apache2")
 MODULES = "/usr/lib/apache2/modules"
@@ -27,7 +27,7 @@ SERVICE_PLUGIN = BUILD / "apiMgmt/webservices/sanService/libsanService.so"
 SERVICE_CONFIGURATION = BUILD / "packaging" / "apache" / "san-service.conf"
 BARE_PLUGIN = BUILD / "bench" / "libbarePlugin.so"
 ODD_PLUGIN = BUILD / "tests" / "service" / "liboddPlugin.so"
-WSDL = ROOT / "apiMgmt/webservices/sanService/contract/sanApi.wsdl"
+WSDL = BUILD / "generated/sanContract/sanApi.wsdl"
 
 PATH = "/sanService"
 START_SECONDS = 60

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Generates the contract's code with soapcpp2 and adapts it.
+"""Generates the contract's code and its service description with soapcpp2, and adapts the code.
 
 The generator has no option for what the ADAPTATIONS do, so they edit its output. Each says how
 often its text has to be there; anything else, as after a new release of the generator, fails the
@@ -10,10 +10,15 @@ How to add one: a row in ADAPTATIONS with the reason above it.
 import argparse
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
+import tempfile
 
-ENUMERATIONS = 17
+from describeContract import describe
+
+CONTRACT = pathlib.Path(__file__).resolve().parent
+ENUMERATIONS = len(re.findall(r"^enum ", (CONTRACT / "sanEnums.h").read_text(), re.MULTILINE))
 
 # files, pattern, replacement, how often it must be found
 ADAPTATIONS = [
@@ -32,6 +37,8 @@ ADAPTATIONS = [
     # The skeleton's slots are part of the interface and know no secure transport: that is the
     # web server's business.
     ("SanApiSanApiPortBindingService.h", r"virtual int (ssl_run|ssl_accept)\(", r"int \1(", 2),
+    # The time of the generation: without it the same definitions give the same files.
+    ("*C*.cpp", r"^SOAP_SOURCE_STAMP\(.*\)$", "", 4),
 ]
 
 
@@ -54,29 +61,38 @@ def adapt(out, files, pattern, replacement, expected):
                  f"found {found} times:\n    {pattern}")
 
 
+def generate(soapcpp2, imports, out):
+    common = ["-1", "-x", "-L", f"-d{out}", f"-I{CONTRACT}:{imports}"]
+    # 150 serializers a file: two files of like size, which compile beside each other.
+    run_generator([soapcpp2, *common, "-i", "-f150", "-qSanApi", "-pSanApi",
+                   str(CONTRACT / "sanApi.h")])
+    run_generator([soapcpp2, *common, "-S", "-w", "-penv", str(CONTRACT / "sanEnv.h")])
+    for row in ADAPTATIONS:
+        adapt(out, *row)
+    definitions = re.findall(r'^#import "(san\w+\.h)"', (CONTRACT / "sanApi.h").read_text(), re.M)
+    (out / "sanApi.wsdl").write_text(
+        describe(out / "SanApiPortBinding.wsdl", [CONTRACT / name for name in definitions]))
+
+
+def take_over(made, out):
+    """Writes what differs from the last time only: what stayed the same is not compiled again."""
+    out.mkdir(parents=True, exist_ok=True)
+    for path in made.iterdir():
+        old = out / path.name
+        if not old.exists() or old.read_bytes() != path.read_bytes():
+            shutil.copyfile(path, old)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--soapcpp2", required=True)
     parser.add_argument("--imports", required=True, help="folder of the generator's own imports")
     parser.add_argument("--out", required=True, type=pathlib.Path)
     args = parser.parse_args()
-
-    contract = pathlib.Path(__file__).resolve().parent
-    args.out.mkdir(parents=True, exist_ok=True)
-    for old in args.out.iterdir():
-        old.unlink()
-    common = ["-1", "-x", "-L", f"-d{args.out}", f"-I{contract}:{args.imports}"]
-    try:
-        # 150 serializers a file: two files of like size, which compile beside each other.
-        run_generator([args.soapcpp2, *common, "-i", "-f150", "-qSanApi", "-pSanApi",
-                       str(contract / "sanApi.h")])
-        run_generator([args.soapcpp2, *common, "-S", "-w", "-penv", str(contract / "sanEnv.h")])
-        for row in ADAPTATIONS:
-            adapt(args.out, *row)
-    except SystemExit:
-        for written in args.out.iterdir():
-            written.unlink()
-        raise
+    with tempfile.TemporaryDirectory() as folder:
+        made = pathlib.Path(folder)
+        generate(args.soapcpp2, args.imports, made)
+        take_over(made, args.out)
 
 
 if __name__ == "__main__":

@@ -8,6 +8,10 @@
 // element repeated once per item. @ marks an attribute. A trailing underscore of a name, there to
 // keep clear of keywords and other names, is not part of the name on the wire.
 //
+// /// above a class or an enumeration, and ///< behind a member, is documentation: clients read it in
+// the service description (sanApi.wsdl), which is made of these definitions in the build. What
+// stands above a request says what its operation does. Comments with // are for those who read here.
+//
 // The order of everything is part of the interface: namespace rows, children, values of
 // enumerations, and the operations, from which come the order in which the dispatcher compares
 // tags and the virtual slots of the skeleton.
@@ -34,4 +38,3 @@
 #import "sanHeader.h"
 #import "sanServed.h"
 #import "sanUnserved.h"
-#import "sanOperations.h"

@@ -2,9 +2,10 @@
 // stands for a hyphen, "_x0020" for a blank. The values count from 0 in the order written and must
 // stay as they are: a client may send the number in place of the text.
 //
-// How to add a value: at the end of its enumeration here, and in sanApi.wsdl.
+// How to add a value: at the end of its enumeration.
 
 // clang-format off
+/// What an address says that it is.
 enum ns1__InetAddressType {
     ns1__InetAddressType__unknown,
     ns1__InetAddressType__ipv4,
@@ -56,7 +57,7 @@ enum ns1__CachePolicy {
     ns1__CachePolicy__clientaffinity
 };
 
-// The kinds of storage array that a cluster can be attached to.
+/// The kinds of storage array that a cluster can be attached to.
 enum ns1__SanType {
     ns1__SanType__OSL,
     ns1__SanType__VQD
@@ -90,6 +91,7 @@ enum ns1__LinkState {
     ns1__LinkState__down
 };
 
+/// The transport of an interface to the storage.
 enum ns1__InterfaceType {
     ns1__InterfaceType__unknown,
     ns1__InterfaceType__fc,
@@ -114,7 +116,7 @@ enum ns1__AttachType {
     ns1__AttachType__primarycfmelection
 };
 
-// END closes the list and is a value of its own.
+/// END closes the list and is a value of its own.
 enum ns1__eventArgType {
     ns1__eventArgType__SIZE,
     ns1__eventArgType__MODE,

@@ -1,7 +1,6 @@
 // Data objects that the served messages carry.
 //
-// How to add one: write the class here with its members in the order in which they travel, and
-// the same in sanApi.wsdl; a test compares both.
+// How to add one: write the class here with its members in the order in which they travel.
 
 // clang-format off
 // Restricted texts; nothing is enforced beyond the base type.
@@ -17,11 +16,11 @@ class xsd__base64Binary {
     int            __size;
 };
 
-// An empty element.
+/// An empty element.
 class ns1__void {
 };
 
-// An address of one of four kinds. Nothing ties "type" to the element that is chosen.
+/// An address of one of four kinds: exactly one child. Nothing ties "type" to the child that is there.
 class ns1__InetAddress {
     @enum ns1__InetAddressType   type 1;
     $int                         __union_InetAddress;
@@ -33,23 +32,26 @@ class ns1__InetAddress {
     }                            union_InetAddress;
 };
 
+/// Where something listens.
 class ns1__IpAddressPort {
     ns1__InetAddress*            ipAddress nullptr 1;
     ns1__InetPortNumber          port 1;
 };
 
+/// What a server runs.
 class ns1__operatingSystemObject {
     std::string*                 clusterId 0;
     std::string                  osType 1;
     std::string                  osRelease 1;
 };
 
+/// Versions of the cluster's software.
 class ns1__versionInformationObject {
     std::string                  apiVersion 1;
     std::string                  softwareVersion 1;
 };
 
-// A host cache node as the cluster announces it.
+/// A server (host cache node) as the cluster announces it.
 class ns1__hcnDiscoverableObject {
     std::string                              hccId 1;
     std::string                              hcnId 1;
@@ -60,24 +62,24 @@ class ns1__hcnDiscoverableObject {
     ns1__versionInformationObject*           norvaneVersion nullptr 1;
 };
 
-// One storage-facing interface of a node. Without intfType no transport type is known.
+/// One interface of a server to the storage.
 class ns1__interfaceObject {
     std::string                  intfId 1;
-    enum ns1__InterfaceType*     intfType 0;
+    enum ns1__InterfaceType*     intfType 0;  ///< left out where the transport is unknown
 };
 
-// The SCSI identity of a volume.
+/// The SCSI identity of a volume.
 class ns1__scsiInfo {
     std::string                  deviceId 1;
     std::string*                 serialNumber 0;
 };
 
-// The outcome of most operations.
+/// The outcome of most operations. A refusal is a fault, so what arrives here says success.
 class ns1__resultObject {
-    int                              catalogNumber 1;
-    std::string*                     defaultMsg 0;
-    std::vector<std::string>         msgArgs 0;
-    int                              resultCode 1;
+    int                              catalogNumber 1;  ///< number of the message in the catalogue
+    std::string*                     defaultMsg 0;     ///< its text
+    std::vector<std::string>         msgArgs 0;        ///< what to put into it, in order
+    int                              resultCode 1;     ///< 0 for success
     std::vector<ns1__IpAddressPort*> ipAddresses 0;
 };
 // clang-format on

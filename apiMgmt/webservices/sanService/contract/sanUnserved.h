@@ -2,7 +2,7 @@
 // ends in the fault for an unknown method. Their messages are declared so that the generated code
 // has the shape of the whole family; the members are left out.
 //
-// How to serve one: move its two classes to sanServed.h, and go on as is said there.
+// How to serve one: move its two classes to sanServed.h and go on as docs/addingOperations.md says.
 
 // clang-format off
 class ns1__GetVersion {};
