@@ -1,17 +1,16 @@
 #include "apiMgmt/common/ipc/gpbComClient.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <string>
 
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
+#include "tests/support/interruptedCalls.h"
 #include "tests/support/replyMessage.h"
 #include "tests/support/scriptedPeer.h"
 
@@ -120,31 +119,40 @@ TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
 TEST(GpbComClientTest, SendsNoRequestThatIsNoFrame) {
     std::atomic<int> connections = 0;
     ScriptedPeer peer([&](int) { ++connections; });
-    EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()), "");
-    EXPECT_NE(failureOf(peer.port(), makeRequest(documentOfSize(ipcFraming::kMaxBodySize))), "");
-    EXPECT_NE(failureOf(0), "");
-    EXPECT_NE(failureOf(65536), "");
+    EXPECT_NE(failureOf(peer.port(), GPBIPCMsg()).find("empty or too long"), std::string::npos);
+    EXPECT_EQ(failureOf(0), "127.0.0.1:0: Not an address and port");
+    EXPECT_EQ(failureOf(65536), "127.0.0.1:65536: Not an address and port");
     EXPECT_EQ(connections, 0);
 }
 
-TEST(GpbComClientTest, TakesReplyInSingleBytesThroughSignals) {
-    struct sigaction interrupting {};
-    interrupting.sa_handler = [](int) {};  // without SA_RESTART
-    struct sigaction before {};
-    ASSERT_EQ(sigaction(SIGUSR1, &interrupting, &before), 0);
-
-    const pthread_t waiting = pthread_self();
-    const std::string frame = replyFrame("at last");
-    ScriptedPeer peer([&](int fd) {
+TEST(GpbComClientTest, GoesOnAfterInterruptedCalls) {
+    ScriptedPeer peer([](int fd) {
         ScriptedPeer::receive(fd);
-        for (const char byte : frame) {
-            pthread_kill(waiting, SIGUSR1);
-            ::usleep(1000);  // so that the wait is entered again
-            ScriptedPeer::send(fd, std::string(1, byte));
-        }
+        ScriptedPeer::send(fd, replyFrame("at last"));
     });
+    interruptedCalls::each = true;
     EXPECT_EQ(exchange(peer.port()), "at last");
-    sigaction(SIGUSR1, &before, nullptr);
+    interruptedCalls::each = false;
+    EXPECT_GT(interruptedCalls::count, 4);
+}
+
+// One byte more than the largest is refused by who sends it and by who is told of it.
+TEST(IpcFramingTest, TakesFramesUpToTheLargest) {
+    constexpr std::size_t kMaxBodySize = 67'108'864;
+    const std::size_t around = makeRequest(documentOfSize(kMaxBodySize)).ByteSizeLong();
+    for (const bool fits : {true, false}) {
+        const std::size_t body = kMaxBodySize + (fits ? 0 : 1);
+        const GPBIPCMsg message = makeRequest(documentOfSize(2 * kMaxBodySize - around + !fits));
+        ASSERT_EQ(message.ByteSizeLong(), body);
+        std::string frame;
+        EXPECT_EQ(ipcFraming::encodeFrame(message, frame), fits);
+        EXPECT_EQ(frame.size(), fits ? body + 4 : 0);
+
+        ipcFraming::FrameReader reader;
+        ipcFraming::encodeLength(static_cast<std::uint32_t>(body), reader.room().first<4>());
+        EXPECT_EQ(reader.added(4), fits ? ipcFraming::FrameReader::State::wantsMore
+                                        : ipcFraming::FrameReader::State::badLength);
+    }
 }
 
 }  // namespace
