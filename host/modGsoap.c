@@ -1,5 +1,6 @@
 /* Directives and hooks of the module; docs/module.md is their reference page. */
 #include "host/modGsoap.h"
+#include "host/soapStatus.h"
 
 #include <ap_expr.h>
 #include <ap_mpm.h>
@@ -8,7 +9,11 @@
 #include <http_log.h>
 #include <http_request.h>
 #include <limits.h>
+#include <mod_status.h>
 #include <stdlib.h>
+
+#define DEFAULT_PING_SECONDS 5
+#define MAX_PING_SECONDS 300
 
 /* The plug-ins that the configuration being read names, so that one that serves several
  * locations is loaded once. Written while the server starts, single-threaded, only. */
@@ -37,14 +42,20 @@ static struct soapLibrary* findOrAddLibrary(apr_pool_t* pool, const char* path) 
     return library;
 }
 
-static struct soapService* findOrAddService(apr_pool_t* pool, const char* path) {
+const apr_array_header_t* soapConfiguredServices(void) {
+    return services;
+}
+
+/* That of the section in which the directive stands. */
+static struct soapService* findOrAddService(const cmd_parms* cmd) {
+    const char* path = cmd->path ? cmd->path : "server";
     for (int i = 0; i < services->nelts; ++i) {
         struct soapService* known = APR_ARRAY_IDX(services, i, struct soapService*);
         if (strcmp(known->path, path) == 0) {
             return known;
         }
     }
-    struct soapService* service = apr_pcalloc(pool, sizeof *service);
+    struct soapService* service = apr_pcalloc(cmd->pool, sizeof *service);
     service->path = path;
     APR_ARRAY_PUSH(services, struct soapService*) = service;
     return service;
@@ -73,7 +84,8 @@ static const char* setLibrary(cmd_parms* cmd, void* location, const char* argume
     if (!error) {
         struct soapLocation* said = location;
         said->library = findOrAddLibrary(cmd->pool, path);
-        said->service = findOrAddService(cmd->pool, cmd->path ? cmd->path : "server");
+        said->service = findOrAddService(cmd);
+        said->service->library = said->library;
     }
     return error;
 }
@@ -95,6 +107,27 @@ static const char* setWsdl(cmd_parms* cmd, void* location, const char* argument)
     return error ? error : soapReadWsdl(&((struct soapLocation*)location)->wsdl, path, cmd->pool);
 }
 
+static const char* setPing(cmd_parms* cmd, void* location, const char* argument,
+                           const char* seconds) {
+    (void)location;
+    const char* path;
+    char* text;
+    const char* error = checkFile(cmd, argument, &path);
+    if (!error) {
+        error = soapReadFile(path, &text, cmd->pool);
+    }
+    if (error) {
+        return error;
+    }
+    struct soapService* service = findOrAddService(cmd);
+    service->ping = text;
+    service->pingSeconds = seconds ? atoi(seconds) : DEFAULT_PING_SECONDS;
+    return service->pingSeconds > 0 && service->pingSeconds <= MAX_PING_SECONDS
+               ? NULL
+               : apr_psprintf(cmd->pool, "%s: from 1 to %d seconds are allowed, not %s",
+                              cmd->cmd->name, MAX_PING_SECONDS, seconds);
+}
+
 /* In .htaccess files the directives are not allowed: they load code into the server. */
 // clang-format off
 static const command_rec kDirectives[] = {
@@ -104,6 +137,8 @@ static const command_rec kDirectives[] = {
                   "Path of the WSDL file that a GET with the query ?wsdl returns"),
     AP_INIT_TAKE1("SOAPMaxCalls", setMaxCalls, NULL, RSRC_CONF | ACCESS_CONF,
                   "How many calls of this location run at once, in all processes; 0 for no limit"),
+    AP_INIT_TAKE12("SOAPPing", setPing, NULL, RSRC_CONF | ACCESS_CONF,
+                   "Path of a request for the deep health check, and how many seconds it may take"),
     {NULL, {NULL}, NULL, 0, RAW_ARGS, NULL}};
 // clang-format on
 
@@ -155,6 +190,11 @@ static int finishConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* 
     soapOpenCounts(server);
     for (int i = 0; i < services->nelts; ++i) {
         struct soapService* service = APR_ARRAY_IDX(services, i, struct soapService*);
+        if (!service->library) {
+            ap_log_error(APLOG_MARK, APLOG_EMERG, 0, server,
+                         "SOAPPing stands in a section without SOAPLibrary, %s", service->path);
+            return HTTP_INTERNAL_SERVER_ERROR;
+        }
         service->counts = soapFindCounts(service->path);
     }
     return loadLibraries(pconf, server);
@@ -218,6 +258,8 @@ static void registerHooks(apr_pool_t* pool) {
     ap_hook_child_init(initChild, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_child_status(noteChild, NULL, NULL, APR_HOOK_MIDDLE);
     ap_hook_handler(soapHandler, NULL, NULL, APR_HOOK_MIDDLE);
+    ap_hook_handler(soapStatusHandler, NULL, NULL, APR_HOOK_MIDDLE);
+    APR_OPTIONAL_HOOK(ap, status_hook, soapExtendStatus, NULL, NULL, APR_HOOK_MIDDLE);
 }
 
 __attribute__((visibility("default")))

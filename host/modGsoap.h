@@ -10,6 +10,7 @@
  *   soapWsdl.c     the service's description
  *   soapCounts.c   what all processes count together, and the limit of calls at once
  *   soapNotes.c    what the access log can say about a request
+ *   soapStatus.c   shows the counts, with soapMetrics.c, soapPage.c and soapPing.c
  *   serveGuard.cpp keeps C++ exceptions of a plug-in inside the request
  */
 #pragma once
@@ -28,8 +29,9 @@
 APLOG_USE_MODULE(gsoap);
 extern module AP_MODULE_DECLARE_DATA gsoap_module;
 
-/* The handler that gives a location's requests to this module. */
+/* The handlers: one gives a location's requests to a plug-in, one shows what is counted. */
 #define SOAP_HANDLER "gsoap_handler"
+#define SOAP_STATUS_HANDLER "gsoap-status"
 
 /* The largest request body in bytes. What an engine spends on a hostile body can grow with the
  * square of its size, so the limit protects the processor; LimitRequestBody can lower it. */
@@ -58,7 +60,11 @@ struct soapWsdl {
  * there is no room for them. */
 struct soapService {
     const char* path;
+    struct soapLibrary* library;
     struct soapServiceCounts* counts;
+    const char* ping; /* the request of the deep health check; null for none */
+    int pingSeconds;
+    int isPinging; /* in this process; atomic */
 };
 
 /* What the directives of one location say; null where they say nothing. */
@@ -73,6 +79,8 @@ struct soapLocation {
  * error log then has a line that says why. */
 int soapLoadLibrary(struct soapLibrary* library, apr_pool_t* pool, server_rec* server);
 
+/* soapWsdl.c: reads a whole file as a text; gives null, or an error text from `pool`. */
+const char* soapReadFile(const char* path, char** text, apr_pool_t* pool);
 /* soapWsdl.c: reads a file into `wsdl`; gives null, or an error text from `pool`. */
 const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* pool);
 /* soapWsdl.c: answers with the description, with the address by which the client came. */
@@ -95,5 +103,9 @@ int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call
 void soapNoteRefusal(request_rec* r, enum SoapRefusal reason);
 void soapNoteCall(request_rec* r, const struct soapCall* call);
 
-/* soapHandler.c: answers a request of the handler. */
+/* modGsoap.c: the services of the configuration, an array of struct soapService *. */
+const apr_array_header_t* soapConfiguredServices(void);
+
+/* soapHandler.c, soapStatus.c: answer a request of their handlers. */
 int soapHandler(request_rec* r);
+int soapStatusHandler(request_rec* r);

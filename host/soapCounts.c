@@ -36,8 +36,6 @@ static int32_t ownPid;
 /* Where this thread looks first for a free place: it most likely left it there. */
 static __thread unsigned usualPlace;
 
-enum { kFree, kBeingNamed, kNamed };
-
 uint64_t soapNow(void) {
     struct timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
@@ -97,10 +95,10 @@ struct soapCounts* soapAllCounts(void) {
 struct soapServiceCounts* soapFindCounts(const char* path) {
     for (int i = 0; all && i < kSoapMaxServices; ++i) {
         struct soapServiceCounts* counts = &all->services[i];
-        if (counts->state == kFree) {
+        if (counts->state == kSoapFree) {
             apr_cpystrn(counts->path, path, sizeof counts->path);
-            counts->operations[0].state = kNamed;
-            __atomic_store_n(&counts->state, kNamed, __ATOMIC_RELEASE);
+            counts->operations[0].state = kSoapNamed;
+            __atomic_store_n(&counts->state, kSoapNamed, __ATOMIC_RELEASE);
         }
         if (strncmp(counts->path, path, sizeof counts->path - 1) == 0) {
             return counts;
@@ -123,7 +121,7 @@ static void leavePlace(struct soapPlace* place) {
 }
 
 void soapForgetProcess(int32_t pid) {
-    for (int i = 0; all && i < kSoapMaxServices && all->services[i].state == kNamed; ++i) {
+    for (int i = 0; all && i < kSoapMaxServices && all->services[i].state == kSoapNamed; ++i) {
         for (uint32_t at = 0; at < all->places; ++at) {
             struct soapPlace* place = &all->services[i].places[at];
             if (__atomic_load_n(&place->owner, __ATOMIC_RELAXED) == pid) {
@@ -185,13 +183,14 @@ static uint32_t findOperation(struct soapServiceCounts* counts, const char* name
     for (uint32_t i = 1; i < kSoapMaxOperations; ++i) {
         struct soapOperationCounts* row = &counts->operations[i];
         uint32_t state = __atomic_load_n(&row->state, __ATOMIC_ACQUIRE);
-        if (state == kFree && __atomic_compare_exchange_n(&row->state, &state, kBeingNamed, 0,
-                                                          __ATOMIC_ACQUIRE, __ATOMIC_ACQUIRE)) {
+        if (state == kSoapFree &&
+            __atomic_compare_exchange_n(&row->state, &state, kSoapBeingNamed, 0, __ATOMIC_ACQUIRE,
+                                        __ATOMIC_ACQUIRE)) {
             apr_cpystrn(row->name, name, sizeof row->name);
-            __atomic_store_n(&row->state, kNamed, __ATOMIC_RELEASE);
+            __atomic_store_n(&row->state, kSoapNamed, __ATOMIC_RELEASE);
             return i;
         }
-        if (state == kNamed && strncmp(row->name, name, sizeof row->name - 1) == 0) {
+        if (state == kSoapNamed && strncmp(row->name, name, sizeof row->name - 1) == 0) {
             return i;
         }
     }

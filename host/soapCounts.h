@@ -55,7 +55,10 @@ struct soapHistogram {
     uint64_t sum; /* nanoseconds */
 };
 
-/* A name that is not whole yet has state 1, one that readers may see 2. Two processes that meet the
+/* Of a row that has a name; readers look at named ones alone. */
+enum { kSoapFree, kSoapBeingNamed, kSoapNamed };
+
+/* What one operation counts. Two processes that meet the
  * same new name at once make a row each; readers add them up. */
 struct soapOperationCounts {
     uint32_t state;

@@ -10,7 +10,7 @@
 #define ADDRESS_PLACEHOLDER "@SERVICE_ADDRESS@"
 #define WSDL_SIZE_LIMIT 4194304
 
-static const char* readWhole(const char* path, char** text, apr_pool_t* pool) {
+const char* soapReadFile(const char* path, char** text, apr_pool_t* pool) {
     apr_file_t* file;
     apr_finfo_t info;
     apr_status_t status = apr_file_open(&file, path, APR_FOPEN_READ, APR_FPROT_OS_DEFAULT, pool);
@@ -19,7 +19,7 @@ static const char* readWhole(const char* path, char** text, apr_pool_t* pool) {
     }
     status = apr_file_info_get(&info, APR_FINFO_SIZE, file);
     if (status == APR_SUCCESS && info.size > WSDL_SIZE_LIMIT) {
-        return apr_psprintf(pool, "%s is too large for a service description", path);
+        return apr_psprintf(pool, "%s is too large", path);
     }
     if (status == APR_SUCCESS) {
         *text = apr_pcalloc(pool, (apr_size_t)info.size + 1);
@@ -32,7 +32,7 @@ static const char* readWhole(const char* path, char** text, apr_pool_t* pool) {
 
 const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* pool) {
     char* text = NULL;
-    const char* error = readWhole(path, &text, pool);
+    const char* error = soapReadFile(path, &text, pool);
     if (error) {
         return error;
     }

@@ -161,6 +161,7 @@ TraceEnable off
 $identity
 LoadModule mpm_${mpm}_module $modules/mod_mpm_$mpm.so
 LoadModule authz_core_module $modules/mod_authz_core.so
+LoadModule authz_host_module $modules/mod_authz_host.so
 LoadModule reqtimeout_module $modules/mod_reqtimeout.so
 LoadModule env_module $modules/mod_env.so
 LoadModule gsoap_module "$release/host/mod_gsoap.so"

@@ -6,9 +6,11 @@ import os
 import re
 import signal
 import socket
+import tempfile
 import time
 import unittest
 
+from arraySimulator import ArraySimulator
 import harness
 import soap
 from soap import PING
@@ -136,6 +138,118 @@ class NotesTest(harness.ServiceCase):
                     self.array.fail(fault, command="Ping")
                 self.server.post(request)
                 self.assertTrue(wait_until(lambda: self.notes() == expected, 5), self.notes())
+
+
+STATUS = """
+LoadModule status_module /usr/lib/apache2/modules/mod_status.so
+<Location /status>
+    SetHandler gsoap-status
+</Location>
+<Location /server-status>
+    SetHandler server-status
+</Location>
+<Location {path}>
+    SOAPMaxCalls 2
+    SOAPPing "{ping}" 1
+</Location>
+"""
+
+
+def metrics(server):
+    """The samples by name and labels, without the location's."""
+    lines = server.request("GET", "/status/metrics").text.splitlines()
+    samples = dict(line.rsplit(" ", 1) for line in lines if not line.startswith("#"))
+    return {name.replace(f'location="{PATH}",', "").replace(f'{{location="{PATH}"}}', ""):
+            float(value) for name, value in samples.items()}
+
+
+class StatusTest(unittest.TestCase):
+    def start(self, array):
+        ping = self.enterContext(tempfile.NamedTemporaryFile("w", suffix=".xml"))
+        ping.write(PING)
+        ping.flush()
+        return self.enterContext(WebServer(
+            mpm="prefork", threads=4, api_manager_port=array.port,
+            extra=STATUS.format(path=PATH, ping=ping.name)))
+
+    def test_counts_of_all_processes_outlive_a_restart(self):
+        with ArraySimulator("--lenient") as array:
+            server = self.start(array)
+            for _ in range(2):
+                with concurrent.futures.ThreadPoolExecutor(2) as pool:
+                    list(pool.map(server.post, [PING] * 10))
+                server.process.send_signal(signal.SIGUSR1)
+                wait_until(lambda: server.error_log().count("resuming normal operations") > 1)
+            array.fail("refuse", command="RemoveHccFromSan")
+            server.post(soap.envelope(REMOVE.format("c"), HEAD))
+            array.fail("delay", command="RemoveHccFromSan", delayMs=30)
+            server.post(soap.envelope(REMOVE.format("c"), HEAD))
+            server.request("GET")
+            seen = metrics(server)
+            rows = [
+                ('san_calls_total{operation="Ping",outcome="answered"}', 20),
+                ('san_calls_total{operation="RemoveHccFromSan",outcome="answered"}', 1),
+                ('san_calls_total{operation="RemoveHccFromSan",outcome="refused_by_array"}', 1),
+                ('san_call_duration_seconds_count{operation="Ping"}', 20),
+                ('san_call_duration_seconds_bucket{operation="Ping",le="+Inf"}', 20),
+                ('san_array_duration_seconds_bucket{operation="RemoveHccFromSan",le="+Inf"}', 2),
+                ('san_calls_refused_total{reason="method"}', 1),
+                ('san_calls_in_progress{operation="Ping"}', 0),
+                ("san_oldest_call_seconds", 0),
+                ("san_array_answers", 1),
+            ]
+            self.assertEqual([(name, seen.get(name)) for name, _ in rows], rows)
+            self.assertEqual(sum(seen[f'san_contexts_total{{kind="{kind}"}}']
+                                 for kind in ("made", "reused")), 22)
+            self.assertLess(  # without the delayed one
+                seen['san_array_duration_seconds_bucket{operation="RemoveHccFromSan",le="0.025"}'], 2)
+            self.assertGreaterEqual(
+                seen['san_array_duration_seconds_sum{operation="RemoveHccFromSan"}'], 0.03)
+            page = server.request("GET", "/status").text
+            for word in ("Ping", "answered", "refused_by_array", "20"):
+                self.assertIn(word, page)
+            self.assertNotIn("<script", page)
+            self.assertNotIn("not answer", page)
+            self.assertIn("SoapCalls: 22\n", server.request("GET", "/server-status?auto").text)
+            self.assertIn("SOAP service", server.request("GET", "/server-status").text)
+            for path in ("/status/health", "/status/health?deep"):
+                self.assertEqual(server.request("GET", path).status, 200)
+
+    def test_a_silent_array_shows(self):
+        with SilentArray() as array:
+            server = self.start(array)
+            self.assertEqual(server.request("GET", "/status/health").status, 200)
+            # The first Ping waits on for ever; the next check of that process starts no other.
+            for _ in range(3):
+                self.assertEqual(server.request("GET", "/status/health?deep").status, 503)
+            waiting = metrics(server)
+            self.assertIn(waiting["san_calls_waiting_for_array"], (1, 2, 3, 4))
+            self.assertEqual(waiting['san_calls_in_progress{operation="Ping"}'],
+                             waiting["san_calls_waiting_for_array"])
+            self.assertGreater(waiting["san_oldest_call_seconds"], 1)
+            wait_until(lambda: server.request("GET", "/status/health").status == 503)
+            page = server.request("GET", "/status").text
+            self.assertRegex(page, 'class="bad">The array does not answer: a call has waited')
+            array.release()
+            wait_until(lambda: metrics(server)["san_calls_waiting_for_array"] == 0)
+            self.assertIn("gave no answer", server.request("GET", "/status/health").text)
+
+    def test_killed_processes_leave_nothing_at_work(self):
+        with SilentArray() as array:
+            server = self.start(array)
+            with concurrent.futures.ThreadPoolExecutor(2) as pool:
+                calls = [pool.submit(server.post, PING) for _ in range(2)]
+                wait_until(lambda: metrics(server)["san_calls_waiting_for_array"] == 2)
+                for pid in server.children():
+                    with contextlib.suppress(ProcessLookupError):
+                        os.kill(pid, signal.SIGKILL)
+                for call in calls:
+                    self.assertIsInstance(call.exception(), OSError)
+
+            def nothing_at_work():
+                with contextlib.suppress(OSError):  # the one that accepted may be a killed one
+                    return metrics(server)["san_oldest_call_seconds"] == 0
+            self.assertTrue(wait_until(nothing_at_work))
 
 
 if __name__ == "__main__":

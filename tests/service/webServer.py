@@ -49,6 +49,7 @@ CoreDumpDirectory "{directory}"
 {user}
 LoadModule mpm_{mpm}_module {modules}/mod_mpm_{mpm}.so
 LoadModule authz_core_module {modules}/mod_authz_core.so
+LoadModule authz_host_module {modules}/mod_authz_host.so
 LoadModule env_module {modules}/mod_env.so
 LoadModule reqtimeout_module {modules}/mod_reqtimeout.so
 LoadModule gsoap_module "{module}"
