@@ -13,6 +13,7 @@
 
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
+#include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 
@@ -147,6 +148,7 @@ GPBComClient::GPBComClient(GPBComEndpoint endpoint) : m_endpoint(std::move(endpo
 void GPBComClient::SendReceiveMessage(const protoIPCMsg::GPBIPCMsg& request,
                                       protoIPCMsg::GPBIPCMsg& reply) const {
     std::string frame;
+    const SecretScope cleared(frame);
     if (!ipcFraming::encodeFrame(request, frame)) {
         fail(m_endpoint, __LINE__, "Request is empty or too long");
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 
@@ -52,9 +53,15 @@ std::span<char> FrameReader::room() {
 void FrameReader::grow() {
     // Only a known body can fill the buffer, since the header fits it by far.
     const std::size_t capacity = std::min(2 * m_capacity, kHeaderSize + m_bodySize);
-    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
-    std::memcpy(larger.get(), data(), m_filled);
-    m_heap = std::move(larger);
+    char* const larger = static_cast<char*>(std::realloc(m_heap.get(), capacity));
+    if (larger == nullptr) {
+        throw std::bad_alloc();
+    }
+    if (!m_heap) {
+        std::memcpy(larger, m_inline.data(), m_filled);
+    }
+    (void)m_heap.release();
+    m_heap.reset(larger);
     m_capacity = capacity;
 }
 

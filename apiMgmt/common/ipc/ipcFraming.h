@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -60,7 +61,11 @@ public:
 private:
     // Replies are far below this size, so that most need no memory of their own.
     std::array<char, 4096> m_inline;
-    std::unique_ptr<char[]> m_heap;
+    struct Free {
+        void operator()(char* bytes) const { std::free(bytes); }
+    };
+    // The C library's own, since it enlarges a large piece of memory without a copy of it.
+    std::unique_ptr<char, Free> m_heap;
     std::size_t m_capacity = sizeof(m_inline);
     std::size_t m_filled = 0;
     std::size_t m_bodySize = 0;  // 0 until the header is whole

@@ -30,7 +30,7 @@ private:
     }
     static void XMLCALL onEnd(void* user, const XML_Char*) { self(user).end(); }
     static void XMLCALL onText(void* user, const XML_Char* text, int length) {
-        self(user).m_text.append(text, static_cast<std::size_t>(length));
+        self(user).text({text, static_cast<std::size_t>(length)});
     }
     static void XMLCALL onDoctype(void* user, const XML_Char*, const XML_Char*, const XML_Char*,
                                   int) {
@@ -82,6 +82,25 @@ private:
         element.m_content = m_source.substr(tag + tagSize, 0);
         m_current = &element;
         m_textBegin = m_text.size();
+        m_run = {};
+    }
+
+    /// Most texts stand in the source as they are, in one run, and need no copy. Those with
+    /// references or sections of character data are put together.
+    void text(std::string_view piece) {
+        const std::size_t at = position();
+        const bool asItIs =
+            static_cast<std::size_t>(XML_GetCurrentByteCount(m_expat)) == piece.size() &&
+            m_source[at] == piece.front();
+        const bool copying = m_text.size() != m_textBegin;
+        if (asItIs && !copying && (m_run.empty() || m_run.end() == m_source.begin() + at)) {
+            m_run = m_source.substr(at - m_run.size(), m_run.size() + piece.size());
+            return;
+        }
+        if (!copying) {
+            m_text.append(m_run);
+        }
+        m_text.append(piece);
     }
 
     void end() {
@@ -90,7 +109,8 @@ private:
         }
         XMLElement& element = *m_current;
         if (element.m_firstChild == nullptr) {
-            element.m_content = std::string_view(m_text).substr(m_textBegin);
+            element.m_content =
+                m_text.size() == m_textBegin ? m_run : std::string_view(m_text).substr(m_textBegin);
         } else {
             const auto begin = static_cast<std::size_t>(element.m_content.data() - m_source.data());
             element.m_content = m_source.substr(begin, position() - begin);
@@ -105,6 +125,7 @@ private:
     std::vector<XMLElement>& m_elements;
     XMLElement* m_current = nullptr;
     std::size_t m_textBegin = 0;  // of the element that started last
+    std::string_view m_run;       // its text, as long as that stands in the source
     std::size_t m_depth = 0;
     bool m_refused = false;
 };
@@ -154,28 +175,54 @@ XML_Parser readyParser(ExpatParser& kept) {
     return kept.get();
 }
 
+/// Expat copies what it is given, so a large document goes to it in pieces. Where a token is longer
+/// than a piece, which Expat then reads from its beginning each time, the pieces grow.
+bool feed(XML_Parser expat, std::string_view text) {
+    constexpr std::size_t kFirstPiece = std::size_t{256} * 1024;
+    std::size_t given = 0;
+    std::size_t piece = kFirstPiece;
+    while (true) {
+        const std::string_view next = text.substr(given, piece);
+        const bool last = given + next.size() == text.size();
+        if (XML_Parse(expat, next.data(), static_cast<int>(next.size()),
+                      last ? XML_TRUE : XML_FALSE) != XML_STATUS_OK) {
+            return false;
+        }
+        if (last) {
+            return true;
+        }
+        const bool passed = static_cast<std::size_t>(XML_GetCurrentByteIndex(expat)) >= given;
+        given += next.size();
+        piece *= passed ? 1 : 2;
+    }
+}
+
 }  // namespace
 
 XMLParser::XMLParser(const char* name) : m_name(name != nullptr ? name : "") {}
 
 bool XMLParser::ParseXMLString(std::string_view text) {
     m_elements.clear();
+    m_source.assign(text.substr(0, kMaxSize + 1));
+    return ParseInPlace(m_source);
+}
+
+bool XMLParser::ParseInPlace(std::string_view text) {
+    m_elements.clear();
     m_text.clear();
     if (text.size() > kMaxSize) {
         return false;
     }
     text = withoutUsualDeclaration(text);
-    m_source.assign(text);
     m_text.reserve(text.size());
     const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
     m_elements.reserve(std::min(tags, kMaxElements));
 
     thread_local ExpatParser kept(nullptr, &XML_ParserFree);
     XML_Parser expat = readyParser(kept);
-    const DocumentBuilder builder(expat, m_source, m_text, m_elements);
-    const bool read = XML_Parse(expat, m_source.data(), static_cast<int>(m_source.size()),
-                                XML_TRUE) == XML_STATUS_OK;
-    if (m_source.size() > kMaxKeptSize) {
+    const DocumentBuilder builder(expat, text, m_text, m_elements);
+    const bool read = feed(expat, text);
+    if (text.size() > kMaxKeptSize) {
         kept.reset();
     }
     if (!read) {

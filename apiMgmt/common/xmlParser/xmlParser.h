@@ -34,6 +34,9 @@ public:
     /// before. Raises nothing but std::bad_alloc.
     bool ParseXMLString(std::string_view text);
 
+    /// The same without a copy of `text`, which has to live as long as the elements are used.
+    bool ParseInPlace(std::string_view text);
+
     /// The document's outermost element; null unless the last text was read in full. It
     /// belongs to the parser.
     const XMLElement* GetDocumentElement() const;
@@ -42,8 +45,8 @@ public:
 
 private:
     std::string m_name;
-    std::string m_source;                // what element names and markup point into
-    std::string m_text;                  // the decoded texts of all elements, one after another
+    std::string m_source;                // the copy of the text, when there is one
+    std::string m_text;                  // the texts that do not stand in the source as they are
     std::vector<XMLElement> m_elements;  // in document order; never grows beyond its reservation
 };
 

@@ -3,7 +3,10 @@
 #include <google/protobuf/stubs/common.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
+
+#include "apiMgmt/common/utils/secretText.h"
 
 namespace {
 
@@ -64,6 +67,12 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
         ServiceLog::Write(ServiceLog::kNoAddresses);
     }
     SimpleLogger::setMask(kAllLevels);
+}
+
+SANService::~SANService() {
+    clearSecret(m_header.credentials);
+    clearSecret(m_header.authToken);
+    ::explicit_bzero(buf, std::min(sizeof(buf), m_scan.size()));  // what the engine has read
 }
 
 size_t SANService::ReceiveChecked(soap* context, char* target, size_t room) {

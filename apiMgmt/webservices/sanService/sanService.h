@@ -40,7 +40,8 @@ public:
     /// @p apiMgrAddress and @p apiMgrPort are kept for copy() alone: a call to the management API
     /// finds its way by itself, always to 127.0.0.1 and the port of getApiMgrPort().
     SANService(const soap& context, const std::string& apiMgrAddress, const int& apiMgrPort);
-    ~SANService() override = default;
+    /// Clears the secrets of the request.
+    ~SANService() override;
     SANService(const SANService&) = delete;
     SANService& operator=(const SANService&) = delete;
 
@@ -114,7 +115,7 @@ private:
 
     int DispatchChecked();
     int KeepHeader(int outcome);
-    std::string DecodeCredentials(const SanApi::xsd__base64Binary& userPass);
+    void TakeCredentials(SanApi::xsd__base64Binary& userPass);
     SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);
 
     /// What every operation does first: its log line, the check of its parameters, the cluster

@@ -1,10 +1,12 @@
 // What happens to a request before its operation runs, and to the reply's header.
 
+#include <cstring>
 #include <exception>
 #include <string>
 #include <string_view>
 
 #include "apiMgmt/common/text/safeText.h"
+#include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 
 namespace {
@@ -74,7 +76,7 @@ std::string SANService::ParseRequestHeaders(bool credentialsRequired) {
     if (header == nullptr) {
         return "Soap header not specified";
     }
-    const SanApi::ns1__HccApiHeader* apiHeader = header->ns1__HccApiHeader_;
+    SanApi::ns1__HccApiHeader* apiHeader = header->ns1__HccApiHeader_;
     if (apiHeader == nullptr) {
         return "SanService soap header not specified";
     }
@@ -87,7 +89,7 @@ std::string SANService::ParseRequestHeaders(bool credentialsRequired) {
             kFullVersion.c_str(), text::shortened(m_header.schemaVersion).c_str());
     }
     if (apiHeader->userPass != nullptr && apiHeader->userPass->__size > 0) {
-        m_header.credentials = DecodeCredentials(*apiHeader->userPass);
+        TakeCredentials(*apiHeader->userPass);
     }
     if (apiHeader->authToken != nullptr && !apiHeader->authToken->empty()) {
         m_header.authToken = *apiHeader->authToken;
@@ -100,17 +102,21 @@ std::string SANService::ParseRequestHeaders(bool credentialsRequired) {
 
 // Clients encode the credentials once more inside the element that is base64 already. The engine
 // hands that inner text over without its terminating zero, and its decoder runs to the zero.
-std::string SANService::DecodeCredentials(const SanApi::xsd__base64Binary& userPass) {
-    const std::string encoded(reinterpret_cast<const char*>(userPass.__ptr),
-                              static_cast<size_t>(userPass.__size));
+void SANService::TakeCredentials(SanApi::xsd__base64Binary& userPass) {
+    const auto size = static_cast<size_t>(userPass.__size);
+    std::string encoded(reinterpret_cast<const char*>(userPass.__ptr), size);
+    const SecretScope cleared(encoded);
+    ::explicit_bzero(userPass.__ptr, size);
     int decodedSize = userPass.__size;
-    const char* decoded = soap_base642s(this, encoded.c_str(), nullptr, 0, &decodedSize);
+    char* decoded =
+        const_cast<char*>(soap_base642s(this, encoded.c_str(), nullptr, 0, &decodedSize));
     if (decoded == nullptr) {
         // No credentials then. The decoder's error is not the request's.
         error = SOAP_OK;
-        return "";
+        return;
     }
-    return decoded;
+    m_header.credentials = decoded;
+    ::explicit_bzero(decoded, m_header.credentials.size());
 }
 
 void SANService::PopulateResponseHeaders() {
@@ -122,5 +128,8 @@ void SANService::PopulateResponseHeaders() {
         apiHeader.xsdVersion->version = kFullVersion;
     }
     apiHeader.userPass = nullptr;
+    if (apiHeader.authToken != nullptr) {
+        clearSecret(*apiHeader.authToken);
+    }
     apiHeader.authToken = nullptr;
 }

@@ -2,6 +2,7 @@
 // request names (sanId) is this one, so it is not passed on.
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
+#include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/webservices/sanService/requestRecords.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 
@@ -20,6 +21,7 @@ int SANService::Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* resp
 int SANService::AddHccToSan(SanApi::ns1__AddHccToSan* request,
                             SanApi::ns1__AddHccToSanResponse* response) {
     return ServeOperation(ServiceLog::kAddHcc, request, response, [&] {
+        const SecretScope keyCleared(request->hccKey);
         const RequestRecords addresses = buildAddressRecords(
             request->cfmIpAddresses, ServiceLog::kAddHccSkip, MissingAddress::Warn);
         if (addresses.IsEmpty()) {

@@ -135,7 +135,7 @@ ReturnPtr process(const BASEApiMethod& method, const protoIPCMsg::GPBIPCMsg& rep
         return malformed(kBadMessage, detail);
     }
     parser::XMLParser reader(nullptr);
-    if (!reader.ParseXMLString(*document)) {
+    if (!reader.ParseInPlace(*document)) {
         return malformed(kBadMessage, "Failed to parse XML response data");
     }
     const parser::XMLElement& root = *reader.GetDocumentElement();

@@ -4,10 +4,17 @@
 
 #include "apiMgmt/apiStub/base/apiAttributes/neverDestroyed.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/xmlText.h"
+#include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 #include "apiMgmt/common/xmlParser/xmlElement.h"
 
 ATTRIBUTEValues::ATTRIBUTEValues(ValueMap values) : m_values(std::move(values)) {}
+
+void ATTRIBUTEValues::ClearSecrets() noexcept {
+    for (auto& [name, value] : m_values) {
+        clearSecret(value);
+    }
+}
 
 bool ATTRIBUTEValues::GetStringDirect(const std::string& name, std::string& value) const {
     const auto entry = m_values.find(name);

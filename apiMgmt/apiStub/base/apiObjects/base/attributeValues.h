@@ -43,6 +43,9 @@ protected:
     ATTRIBUTEValues(ATTRIBUTEValues&&) = default;
     ATTRIBUTEValues& operator=(ATTRIBUTEValues&&) = default;
 
+    /// Overwrites all values; the object is of no use afterwards.
+    void ClearSecrets() noexcept;
+
     /// The attribute with that XML name, or null. It lives as long as the process.
     static const BASEApiAttribute* FindAttribute(const APIAttributeList& attributes,
                                                  const std::string& name);

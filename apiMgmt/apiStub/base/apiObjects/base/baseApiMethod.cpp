@@ -30,7 +30,10 @@ BASEApiMethod::BASEApiMethod(bool isAssociation) : m_isAssociation(isAssociation
 BASEApiMethod::BASEApiMethod(const ValueMap& attributes, bool isAssociation)
     : ATTRIBUTEValues(attributes), m_isAssociation(isAssociation) {}
 
-BASEApiMethod::~BASEApiMethod() = default;
+// Clusters' keys travel in methods.
+BASEApiMethod::~BASEApiMethod() {
+    ClearSecrets();
+}
 
 bool BASEApiMethod::AsyncAllowed() const {
     return true;

@@ -1,5 +1,6 @@
 // What goes out: the request document, the message around it, and the exchange.
 #include <google/protobuf/arena.h>
+#include <malloc.h>
 
 #include <array>
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
 #include "apiMgmt/common/ipc/generalUtils.h"
 #include "apiMgmt/common/ipc/gpbComClient.h"
+#include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/common/utils/stringUtil.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 
@@ -67,18 +69,64 @@ void addBlobs(protoIPCMsg::APICmdReqMsg& command, const std::map<std::string, st
     }
 }
 
+/// Clears what a request carries when it was answered, or could not be.
+class RequestSecrets {
+public:
+    explicit RequestSecrets(protoIPCMsg::GPBIPCMsg& request) : m_request(request) {}
+    ~RequestSecrets() {
+        // A part that is not there must not be made here: that would need memory.
+        if (!m_request.apireqmsg().cmdreqmsg().has_requestdocument()) {
+            return;
+        }
+        protoIPCMsg::APICmdReqMsg& command = *m_request.mutable_apireqmsg()->mutable_cmdreqmsg();
+        clearSecret(*command.mutable_requestdocument());
+        if (command.hccheader().has_credentials()) {
+            clearSecret(*command.mutable_hccheader()->mutable_credentials());
+        }
+        if (command.hccheader().has_authtoken()) {
+            clearSecret(*command.mutable_hccheader()->mutable_authtoken());
+        }
+    }
+    RequestSecrets(const RequestSecrets&) = delete;
+    RequestSecrets& operator=(const RequestSecrets&) = delete;
+
+private:
+    protoIPCMsg::GPBIPCMsg& m_request;
+};
+
+/// Gives the memory that a large reply took back to the system; the C library would keep it for
+/// the next one, for each thread.
+class MemoryReturn {
+public:
+    void NoteSize(std::size_t bytes) { m_large = bytes > kLarge; }
+    ~MemoryReturn() {
+        if (m_large) {
+            ::malloc_trim(0);
+        }
+    }
+
+private:
+    static constexpr std::size_t kLarge = std::size_t{1} * 1024 * 1024;
+    bool m_large = false;
+};
+
 BASEApiMethodReturn* exchange(const BASEApiMethod& method, const APIHccReqHeader* header,
                               const std::string& sessionKey,
                               const std::map<std::string, std::string>* blobs,
                               const std::string& locale) {
     // Both messages with all their parts in one piece of memory, which for a usual call is this
     // one; a longer text goes to the heap.
+    MemoryReturn memoryReturn;  // ends after the messages
     alignas(std::max_align_t) std::array<char, kMessageMemory> memory;
     google::protobuf::Arena arena(memory.data(), memory.size());
     auto& request = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
     auto& reply = *google::protobuf::Arena::CreateMessage<protoIPCMsg::GPBIPCMsg>(&arena);
-    method.BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
-    method.SendRequestToAPIManager(request, reply);
+    {
+        const RequestSecrets cleared(request);
+        method.BuildGPBApiRequest(request, header, sessionKey, blobs, locale);
+        method.SendRequestToAPIManager(request, reply);
+    }
+    memoryReturn.NoteSize(reply.apirespmsg().cmdrespmsg().responsedocument().size());
     return method.ProcessResponse(reply);
 }
 
@@ -111,7 +159,9 @@ void BASEApiMethod::BuildGPBApiRequest(protoIPCMsg::GPBIPCMsg& request,
     const std::string connection =
         header != nullptr ? std::string() : connectionElement(sessionKey, locale);
     // Straight into the message, so that the document is not copied again.
-    fillDocument(*command.mutable_requestdocument(), connection, GetXMLString(false, true));
+    std::string rendered = GetXMLString(false, true);
+    const SecretScope cleared(rendered);
+    fillDocument(*command.mutable_requestdocument(), connection, rendered);
     if (header != nullptr) {
         addHeader(command, *header);
     }
