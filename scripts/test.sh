@@ -12,14 +12,15 @@ Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test,
 the threaded tests with ThreadSanitizer and runs them. Ends with the test runner's summary.
 
   --all     also the tests that need heavy packages: the matrix of independent SOAP clients,
-            the simulator's page in a real browser, and clang-tidy over the sources that changed
+            the simulator's page in a real browser, Prometheus' reading of the metrics, and
+            clang-tidy over the sources that changed
   --help    this text
 
 Other options go to ctest as they are, for example: scripts/test.sh -R stringUtil
 TEXT
 }
 
-heavy='clients|browser|lint'
+heavy='clients|browser|lint|monitoring'
 kinds=(build run test)
 select=(-LE "$heavy")
 passed=()

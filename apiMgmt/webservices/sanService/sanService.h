@@ -114,6 +114,7 @@ private:
     static void NameRefusal(soap* context, const char** code, const char** text);
 
     int DispatchChecked();
+    void ReportLostLines();
     int KeepHeader(int outcome);
     void TakeCredentials(SanApi::xsd__base64Binary& userPass);
     SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);
@@ -126,6 +127,7 @@ private:
         ServiceLog::Write(entry);
         if (m_report != nullptr) {
             m_report->operation(entry.function);
+            ReportLostLines();
         }
         if (request == nullptr || response == nullptr) {
             return soap_senderfault(gNullPointerMsg, "");

@@ -1,5 +1,7 @@
 // How a method of the management API is run, and what the client sees of its outcome.
 
+#include <atomic>
+#include <cstdint>
 #include <exception>
 #include <memory>
 
@@ -39,6 +41,18 @@ void reportEnd(const soapRequestReport* report, SoapReportedEnd end) {
 }
 
 }  // namespace
+
+// The log counts for the process: each line is told once, by whichever request comes by next.
+void SANService::ReportLostLines() {
+    static std::atomic<std::uint64_t> told{0};
+    const std::uint64_t lost = SimpleLogger::lostLines();
+    std::uint64_t before = told.load(std::memory_order_relaxed);
+    while (lost > before && !told.compare_exchange_weak(before, lost, std::memory_order_relaxed)) {
+    }
+    if (lost > before) {
+        m_report->lostLogLines(static_cast<std::uint32_t>(lost - before));
+    }
+}
 
 const BASEApiMethodReturn* SANService::ExecuteMethod(
     const BASEApiMethod& method, const std::map<std::string, std::string>* args) const {
