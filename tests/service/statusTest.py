@@ -2,6 +2,7 @@
 and the counters over all processes."""
 
 import concurrent.futures
+import contextlib
 import os
 import re
 import signal
@@ -118,7 +119,8 @@ class NotesTest(harness.ServiceCase):
         ("<!DOCTYPE a>", "- refused_by_gate hostile no -"),
         ("<a>" + "b" * 140000, "- refused_by_gate size no -"),
     ]
-    FAULTS = [("refuse", "refused_by_array"), ("garbage", "no_answer_of_array")]
+    FAULTS = [("refuse", "refused_by_array"), ("garbage", "no_answer_of_array"),
+              ("badXml", "no_answer_of_array"), ("twoReturns", "no_answer_of_array")]
 
     def notes(self):
         """The notes of the last line of the access log."""

@@ -99,7 +99,9 @@ int SANService::ParseXMLResponse(SanApi::ns1__resultObject** result,
         *result = AllocSoapResultObject();
         return SOAP_OK;
     }
-    reportEnd(m_report, SOAP_REFUSED_BY_ARRAY);
+    reportEnd(m_report, ret->GetErrorCode() == ErrorStateEnum::ParsingError
+                            ? SOAP_NO_ANSWER
+                            : SOAP_REFUSED_BY_ARRAY);
     return soap_receiverfault(ret->GetError().c_str(), "");
 }
 
