@@ -17,7 +17,8 @@ ERRORS = r"apiMgmt/apiStub/base/methodReturns/" \
 STUB = ["text", "utils", "proto", "errors", "ipc", "xmlParser"]
 SERVICE = STUB + ["base", "apiSdk", "contract", "hostInterface"]
 CALLS = ["text", "contract"]
-SIM_ARRAY = ["text", "simText", "simArray", "simProtocol", "simWire", "simFaults", "simExchanges"]
+SIM_ARRAY = ["text", "simText", "simArray", "simProtocol", "simWire", "simFaults", "simExchanges",
+             "simVerify"]
 ANYTHING = None
 ROOMS = [
     ("text",          r"apiMgmt/common/text/",           []),
@@ -33,15 +34,16 @@ ROOMS = [
     ("service",       r"apiMgmt/webservices/sanService/", SERVICE),
     ("hostInterface", r"host/include/",                  []),
     ("host",          r"host/",                          ["hostInterface"]),
-    ("simText",      r"sim/text/",        ["text", "xmlParser"]),
+    ("simText",      r"sim/text/",        ["text"]),
     ("simArray",     r"sim/array/",       ["simText"]),
     ("simProtocol",  r"sim/protocol/",    ["proto", "xmlParser", "simText", "simArray"]),
     ("simWire",      r"sim/wire/",        ["ipc"]),
-    ("simFaults",    r"sim/faults/",      ["proto", "simText", "simProtocol", "simWire"]),
+    ("simFaults",    r"sim/faults/",      ["proto", "ipc", "simText", "simProtocol", "simWire"]),
     ("simExchanges", r"sim/exchanges/",   ["text", "simText"]),
-    ("simulator",    r"sim/simulator/",   ["proto", *SIM_ARRAY]),
+    ("simVerify",    r"sim/verify/",      ["simText", "simArray", "simProtocol", "simExchanges"]),
+    ("simulator",    r"sim/simulator/",   ["proto", "ipc", *SIM_ARRAY]),
     ("simPage",      r"sim/page/",        []),
-    ("simControl",   r"sim/control/",     ["simText", "simulator", "simPage"]),
+    ("simControl",   r"sim/control/",     [*SIM_ARRAY, "simulator", "simPage"]),
     ("simctl",       r"sim/simctl/",      ["ipc", *SIM_ARRAY, "simControl"]),
     ("sim",          r"sim/",             ["ipc", *SIM_ARRAY, "simulator", "simControl"]),
     ("clientCall",        r"client/call/",               CALLS),

@@ -14,6 +14,7 @@ import pathlib
 import re
 import signal
 import socket
+import stat
 import sys
 import time
 
@@ -53,10 +54,12 @@ def collected_file(path):
 
 
 def bind(path):
-    """A datagram socket at the path. One that nobody listens on is replaced."""
+    """A datagram socket at the path. One that nobody listens on is replaced, and nothing else."""
     if is_served(path):
         sys.exit(f"{path}: a log daemon listens here")
-    if os.path.exists(path):
+    if os.path.lexists(path):
+        if not stat.S_ISSOCK(os.lstat(path).st_mode):
+            sys.exit(f"{path}: is there already and is no socket; it is left as it is")
         os.unlink(path)
     collector = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
     collector.bind(path)

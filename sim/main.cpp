@@ -11,23 +11,27 @@
 #include <system_error>
 
 #include "apiMgmt/common/ipc/apiMgrPort.h"
+#include "apiMgmt/common/text/safeText.h"
 #include "sim/control/controlServer.h"
 #include "sim/control/controlSocket.h"
+#include "sim/control/secretFile.h"
 #include "sim/simulator/simulator.h"
 #include "sim/wire/ipcServer.h"
 
 namespace {
 
-constexpr int wrongUsage = 64;  // exit status
+constexpr int kWrongUsage = 64;  // exit status
 /// A pipe with room takes PIPE_BUF bytes without waiting.
-constexpr std::size_t longestLine = PIPE_BUF - 64;
+constexpr std::size_t kMaxLine = PIPE_BUF - 64;
 /// How long a closed connection may keep its port, and a little more.
-constexpr std::chrono::seconds portWait{65};
+constexpr std::chrono::seconds kPortWait{65};
 
 struct Arguments {
     int port = getApiMgrPort();
     std::string control;  // empty: where simctl looks for this port
     int web = -1;         // no page
+    std::string listen = "127.0.0.1";
+    std::string tokenFile;
     std::string seedFile;
     std::string credentialsFile;
     std::string scenarioFile;
@@ -37,11 +41,11 @@ struct Arguments {
 void declare(CLI::App& app, Arguments& arguments) {
     sim::SimulatorOptions& options = arguments.options;
     app.set_version_flag("--version", PROGRAM_VERSION);
-    app.add_option("--port", arguments.port, "TCP port on 127.0.0.1; 0 takes any free one")
+    app.add_option("--port", arguments.port, "TCP port on 127.0.0.1, up to 65535; 0: any free")
         ->check(CLI::Range(0, 65535).name("N"))
         ->capture_default_str();
-    app.add_option("--volumes", options.seed.volumes, "volumes to start with: vol-1, vol-2, ...")
-        ->check(CLI::Range(0, 100000).name("N"))
+    app.add_option("--volumes", options.seed.volumes, "volumes to start with, up to 100000")
+        ->check(CLI::Range(0, sim::Seed::kMaxVolumes).name("N"))
         ->capture_default_str();
     app.add_option("--seed-file", arguments.seedFile, "clusters, servers, volumes to start with")
         ->type_name("FILE");
@@ -57,8 +61,15 @@ void declare(CLI::App& app, Arguments& arguments) {
     app.add_option("--control", arguments.control,
                    "socket file for simctl, else one that goes with the port")
         ->type_name("PATH");
-    app.add_option("--web", arguments.web, "serve the page on this port of 127.0.0.1; 0: any free")
+    app.add_option("--web", arguments.web, "serve the page on this port, up to 65535; 0: any free")
         ->check(CLI::Range(0, 65535).name("N"));
+    app.add_option("--listen", arguments.listen, "serve the page there, for other machines")
+        ->type_name("ADDRESS")
+        ->capture_default_str();
+    app.add_option("--token-file", arguments.tokenFile,
+                   "what the page's readers have to bring; without it, one that is printed when "
+                   "other machines reach the page")
+        ->type_name("FILE");
     app.add_flag("--lenient", options.lenient,
                  "refuse nothing: make what a command names and the array does not know");
     app.add_flag("--show-keys", options.showKeys, "do not mask cluster keys in what is shown");
@@ -67,12 +78,15 @@ void declare(CLI::App& app, Arguments& arguments) {
 void readFiles(Arguments& arguments) {
     if (!arguments.seedFile.empty()) {
         arguments.options.seed.content = sim::readJsonFile(arguments.seedFile);
+        arguments.options.seed.source = arguments.seedFile;
     }
     if (!arguments.credentialsFile.empty()) {
-        arguments.options.access = sim::Access(sim::readJsonFile(arguments.credentialsFile));
+        arguments.options.access =
+            sim::Access(sim::readJsonFile(arguments.credentialsFile), arguments.credentialsFile);
     }
     if (!arguments.scenarioFile.empty()) {
         arguments.options.scenario = sim::readJsonFile(arguments.scenarioFile);
+        arguments.options.scenarioSource = arguments.scenarioFile;
     }
 }
 
@@ -93,7 +107,7 @@ int endSignals() {
 void printLine(const std::string& line) {
     static std::size_t leftOut = 0;
     std::string text = leftOut == 0 ? "" : "(" + std::to_string(leftOut) + " lines left out)\n";
-    text += line.substr(0, longestLine) + "\n";
+    text += line.substr(0, kMaxLine) + "\n";
     pollfd out{STDOUT_FILENO, POLLOUT, 0};
     if (::poll(&out, 1, 0) != 1 || ::write(STDOUT_FILENO, text.data(), text.size()) < 0) {
         ++leftOut;
@@ -106,16 +120,21 @@ void printLine(const std::string& line) {
 /// those that the system gives to outgoing connections: one that has it keeps it for up to a
 /// minute after its end. That is waited for; another server on the port is not.
 std::unique_ptr<sim::IpcServer> serveIpc(sim::Simulator& simulator, int port, int stopFd) {
-    const auto end = std::chrono::steady_clock::now() + portWait;
+    const auto end = std::chrono::steady_clock::now() + kPortWait;
     for (bool told = false;; told = true) {
         try {
             return std::make_unique<sim::IpcServer>(
                 port, [&](std::string_view message) { return simulator.handle(message); },
                 printLine);
-        } catch (const std::system_error& problem) {
-            if (problem.code() != std::errc::address_in_use || sim::IpcServer::isServed(port) ||
+        } catch (const std::system_error& failure) {
+            if (failure.code() != std::errc::address_in_use ||
                 std::chrono::steady_clock::now() > end) {
                 throw;
+            }
+            if (sim::IpcServer::isServed(port)) {
+                throw std::runtime_error("port " + std::to_string(port) +
+                                         " is taken: another simulator or an API manager listens "
+                                         "there; choose another one with --port");
             }
         }
         if (!told) {
@@ -136,20 +155,27 @@ std::unique_ptr<sim::ControlServer> serveControl(sim::Simulator& simulator, int 
     try {
         return sim::ControlServer::onSocket(simulator,
                                             path.empty() ? sim::defaultControlPath(port) : path);
-    } catch (const std::runtime_error& problem) {
+    } catch (const std::runtime_error& failure) {
         if (!path.empty()) {
             throw;
         }
-        std::fprintf(stderr, "sanSim: not reachable by simctl: %s\n", problem.what());
+        std::fprintf(stderr, "sanSim: not reachable by simctl: %s\n", failure.what());
         return nullptr;
     }
 }
 
-std::unique_ptr<sim::ControlServer> servePage(sim::Simulator& simulator, int port) {
-    if (port < 0) {
+std::unique_ptr<sim::ControlServer> servePage(sim::Simulator& simulator,
+                                              const Arguments& arguments) {
+    if (arguments.web < 0) {
         return nullptr;
     }
-    return sim::ControlServer::onPort(simulator, port);
+    sim::WebPlace place{arguments.listen, arguments.web, ""};
+    if (!arguments.tokenFile.empty()) {
+        place.token = sim::readSecretFile(arguments.tokenFile);
+    } else if (!sim::isLoopback(arguments.listen)) {
+        place.token = sim::makeToken();
+    }
+    return sim::ControlServer::onPort(simulator, place);
 }
 
 int serve(const Arguments& arguments) {
@@ -160,12 +186,14 @@ int serve(const Arguments& arguments) {
         return 0;
     }
     const auto control = serveControl(simulator, server->port(), arguments.control);
-    const auto page = servePage(simulator, arguments.web);
+    const auto page = servePage(simulator, arguments);
     printLine("listening on 127.0.0.1:" + std::to_string(server->port()));
     if (page != nullptr) {
-        printLine("page at http://127.0.0.1:" + std::to_string(page->port()) + "/");
+        printLine("page at " + page->url());
     }
+    simulator.onAdvance([&](std::chrono::milliseconds step) { server->skip(step); });
     server->run(stopFd);
+    simulator.onAdvance(nullptr);
     ::close(stopFd);
     return 0;
 }
@@ -180,10 +208,10 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
         readFiles(arguments);
         return serve(arguments);
-    } catch (const CLI::ParseError& problem) {
-        return app.exit(problem) == 0 ? 0 : wrongUsage;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "sanSim: %s\n", error.what());
+    } catch (const CLI::ParseError& failure) {
+        return app.exit(failure) == 0 ? 0 : kWrongUsage;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "sanSim: %s\n", text::oneLine(failure.what()).c_str());
         return 1;
     }
 }

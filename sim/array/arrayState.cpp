@@ -10,7 +10,7 @@ namespace sim {
 
 namespace {
 
-constexpr const char* schema = R"sql(
+constexpr const char* kSchema = R"sql(
 CREATE TABLE IF NOT EXISTS array(name TEXT NOT NULL, serialNumber INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS clusters(
     n INTEGER PRIMARY KEY AUTOINCREMENT, id TEXT NOT NULL UNIQUE, keyDigest TEXT NOT NULL,
@@ -57,9 +57,9 @@ std::string digest(const std::string& key) {
     ::EVP_Digest(key.data(), key.size(), bytes.data(), &size, ::EVP_sha256(), nullptr);
     std::string out;
     for (unsigned i = 0; i < size; ++i) {
-        constexpr std::string_view digits = "0123456789abcdef";
-        out += digits[bytes[i] >> 4U];
-        out += digits[bytes[i] & 15U];
+        constexpr std::string_view kDigits = "0123456789abcdef";
+        out += kDigits[bytes[i] >> 4U];
+        out += kDigits[bytes[i] & 15U];
     }
     return out;
 }
@@ -67,7 +67,7 @@ std::string digest(const std::string& key) {
 }  // namespace
 
 ArrayState::ArrayState(const std::string& file) : m_database(file) {
-    m_database.execute(schema);
+    m_database.execute(kSchema);
 }
 
 bool ArrayState::isEmpty() {
@@ -85,32 +85,32 @@ void ArrayState::setIdentity(const std::string& name, std::int64_t serialNumber)
     m_database.run("INSERT INTO array VALUES(?, ?)", name, serialNumber);
 }
 
-void ArrayState::refuse(const char* code, const std::string& error,
-                        const std::string& detail) const {
+void ArrayState::refuseUnlessLenient(const char* code, const std::string& error,
+                                     const std::string& detail) const {
     if (!m_lenient) {
         throw Refusal(code, error, detail);
     }
 }
 
-void ArrayState::requireCluster(const std::string& cluster) {
-    if (m_database.one("SELECT 1 FROM clusters WHERE id = ? AND joined", cluster)) {
+void ArrayState::ensureCluster(const std::string& cluster) {
+    if (hasJoined(cluster)) {
         return;
     }
-    refuse("ObjectNotFound", "Cluster \"" + cluster + "\" is not known to this array",
-           "Join it with AddHccToSan first.");
+    refuseUnlessLenient("ObjectNotFound", "Cluster \"" + cluster + "\" is not known to this array",
+                        "Join it with AddHccToSan first.");
     join({cluster, "", "", {}});
 }
 
-std::int64_t ArrayState::requireServer(const std::string& cluster, const std::string& server) {
+std::int64_t ArrayState::ensureServer(const std::string& cluster, const std::string& server) {
     const char* sql = "SELECT n FROM servers WHERE cluster = ? AND id = ?";
     if (const auto row = m_database.one(sql, cluster, server)) {
         return (*row)["n"].get<std::int64_t>();
     }
-    refuse("ObjectNotFound",
-           "Server \"" + server + "\" is not a member of cluster \"" + cluster + "\"",
-           "Add it with AddServer first.");
+    refuseUnlessLenient("ObjectNotFound",
+                        "Server \"" + server + "\" is not a member of cluster \"" + cluster + "\"",
+                        "Add it with AddServer first.");
     addServer(cluster, {server, "", "", "", {}, {}});
-    return requireServer(cluster, server);
+    return ensureServer(cluster, server);
 }
 
 void ArrayState::storeAddresses(const std::string& cluster, const std::vector<Address>& addresses) {
@@ -129,12 +129,14 @@ void ArrayState::join(const Cluster& cluster) {
     m_database.atomically([&] {
         const auto known = m_database.one("SELECT * FROM clusters WHERE id = ?", cluster.id);
         if (known && (*known)["keyDigest"] != digest(cluster.key)) {
-            refuse("InvalidCredentials", "Wrong key for cluster \"" + cluster.id + "\"",
-                   "The array knows this cluster by another key.");
+            refuseUnlessLenient("InvalidCredentials",
+                                "Wrong key for cluster \"" + cluster.id + "\"",
+                                "The array knows this cluster by another key.");
         }
         if (known && (*known)["joined"] == 1) {
-            refuse("ObjectAlreadyExists", "Cluster \"" + cluster.id + "\" has joined already",
-                   "Remove it with RemoveHccFromSan before it joins again.");
+            refuseUnlessLenient("ObjectAlreadyExists",
+                                "Cluster \"" + cluster.id + "\" has joined already",
+                                "Remove it with RemoveHccFromSan before it joins again.");
         }
         m_database.run(
             "INSERT INTO clusters(id, keyDigest, name, joined) VALUES(?, ?, ?, 1)"
@@ -146,13 +148,13 @@ void ArrayState::join(const Cluster& cluster) {
 
 void ArrayState::leave(const std::string& cluster) {
     m_database.atomically([&] {
-        requireCluster(cluster);
+        ensureCluster(cluster);
         const char* inUse = "SELECT volume FROM attachments WHERE cluster = ? ORDER BY volume";
         if (const auto row = m_database.one(inUse, cluster)) {
-            refuse("ObjectInUse",
-                   "Cluster \"" + cluster + "\" still has volume \"" +
-                       (*row)["volume"].get<std::string>() + "\" attached",
-                   "Detach its volumes with HccDetachVolume first.");
+            refuseUnlessLenient("ObjectInUse",
+                                "Cluster \"" + cluster + "\" still has volume \"" +
+                                    (*row)["volume"].get<std::string>() + "\" attached",
+                                "Detach its volumes with HccDetachVolume first.");
         }
         m_database.run("DELETE FROM attachments WHERE cluster = ?", cluster);
         m_database.run("DELETE FROM clusters WHERE id = ?", cluster);
@@ -160,14 +162,14 @@ void ArrayState::leave(const std::string& cluster) {
 }
 
 void ArrayState::rename(const std::string& cluster, const std::string& name) {
-    requireCluster(cluster);
+    ensureCluster(cluster);
     m_database.run("UPDATE clusters SET name = ? WHERE id = ?", name, cluster);
 }
 
 void ArrayState::newPrimaryManager(const std::string& cluster,
                                    const std::vector<Address>& addresses) {
     m_database.atomically([&] {
-        requireCluster(cluster);
+        ensureCluster(cluster);
         m_database.run("UPDATE clusters SET primaryReports = primaryReports + 1 WHERE id = ?",
                        cluster);
         if (!addresses.empty()) {
@@ -178,18 +180,18 @@ void ArrayState::newPrimaryManager(const std::string& cluster,
 
 void ArrayState::addServer(const std::string& cluster, const Server& server) {
     m_database.atomically([&] {
-        requireCluster(cluster);
+        ensureCluster(cluster);
         m_database.run(
             "INSERT INTO servers(cluster, id, hostname, osType, osVersion)"
             " VALUES(?, ?, ?, ?, ?) ON CONFLICT DO NOTHING",
             cluster, server.id, server.hostname, server.osType, server.osVersion);
         if (m_database.changes() == 0) {
-            refuse(
+            refuseUnlessLenient(
                 "ObjectAlreadyExists",
                 "Server \"" + server.id + "\" is a member of cluster \"" + cluster + "\" already",
                 "Remove it with RemoveServer before it is added again.");
         }
-        const auto number = requireServer(cluster, server.id);
+        const auto number = ensureServer(cluster, server.id);
         for (const auto& [address, port] : server.addresses) {
             m_database.run("INSERT INTO serverAddresses VALUES(?, ?, ?)", number, address, port);
         }
@@ -201,8 +203,8 @@ void ArrayState::addServer(const std::string& cluster, const Server& server) {
 
 void ArrayState::removeServer(const std::string& cluster, const std::string& server) {
     m_database.atomically([&] {
-        requireCluster(cluster);
-        m_database.run("DELETE FROM servers WHERE n = ?", requireServer(cluster, server));
+        ensureCluster(cluster);
+        m_database.run("DELETE FROM servers WHERE n = ?", ensureServer(cluster, server));
     });
 }
 

@@ -97,6 +97,11 @@ public:
     void reportFlushed(const std::string& cluster, const std::string& volume,
                        const std::string& snapshot);
 
+    bool hasJoined(const std::string& cluster);
+    bool isMember(const std::string& cluster, const std::string& server);
+    /// The servers of any cluster on which the volume's data is available.
+    std::vector<Row> serversWithDataOf(const std::string& volume);
+
     /// Everything, for showing: {"array", "clusters": [...], "volumes": [...]}.
     Row view();
     /// For the object side: rows as the queries in arrayView.cpp name them.
@@ -110,11 +115,14 @@ private:
     Database m_database;
     bool m_lenient = false;
 
-    void refuse(const char* code, const std::string& error, const std::string& detail) const;
-    void requireCluster(const std::string& cluster);
-    std::int64_t requireServer(const std::string& cluster, const std::string& server);
-    void requireVolume(const std::string& volume);
-    void requireAttached(const std::string& cluster, const std::string& volume);
+    // Each makes sure that the thing is there: a strict array refuses when it is not, a lenient
+    // one makes it.
+    void refuseUnlessLenient(const char* code, const std::string& error,
+                             const std::string& detail) const;
+    void ensureCluster(const std::string& cluster);
+    std::int64_t ensureServer(const std::string& cluster, const std::string& server);
+    void ensureVolume(const std::string& volume);
+    void ensureAttached(const std::string& cluster, const std::string& volume);
     void report(const std::string& cluster, const std::string& volume, const std::string& snapshot,
                 const char* increment);
     void storeAddresses(const std::string& cluster, const std::vector<Address>& addresses);

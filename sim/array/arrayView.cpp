@@ -67,14 +67,27 @@ Row ArrayState::view() {
                         " LEFT JOIN attachments ON volume = v.id ORDER BY v.n")) {
         const auto id = volume["id"].get<std::string>();
         volume.erase("n");
-        volume["availableOn"] = column(m_database.all(
-            "SELECT id FROM servers JOIN availability ON server = n WHERE volume = ? ORDER BY n",
-            id));
+        volume["availableOn"] = column(serversWithDataOf(id));
         volume["snapshots"] = arrayOf(m_database.all(
             "SELECT id, prepared, flushed FROM snapshots WHERE volume = ? ORDER BY rowid", id));
         out["volumes"].push_back(std::move(volume));
     }
     return out;
+}
+
+bool ArrayState::hasJoined(const std::string& cluster) {
+    return m_database.one("SELECT 1 FROM clusters WHERE id = ? AND joined", cluster).has_value();
+}
+
+bool ArrayState::isMember(const std::string& cluster, const std::string& server) {
+    return m_database.one("SELECT 1 FROM servers WHERE cluster = ? AND id = ?", cluster, server)
+        .has_value();
+}
+
+std::vector<Row> ArrayState::serversWithDataOf(const std::string& volume) {
+    return m_database.all(
+        "SELECT id FROM servers JOIN availability ON server = n WHERE volume = ? ORDER BY n",
+        volume);
 }
 
 std::vector<Row> ArrayState::hostCaches() {

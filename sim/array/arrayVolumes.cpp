@@ -8,7 +8,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::int64_t defaultSize = std::int64_t{100} << 30;  // bytes
+constexpr std::int64_t kDefaultSize = std::int64_t{100} << 30;  // bytes
 
 /// A registered device id under the prefix that is reserved for documents and examples.
 std::string deviceId(std::int64_t number, unsigned series) {
@@ -39,7 +39,7 @@ Volume numberedVolume(std::int64_t number) {
     const std::string id = "vol-" + std::to_string(number);
     return {id,
             "Volume " + std::to_string(number),
-            defaultSize,
+            kDefaultSize,
             {deviceId(number, 0), serialNumber(number, 'O')},
             {deviceId(number, 1), serialNumber(number, 'A')}};
 }
@@ -52,40 +52,41 @@ void ArrayState::addVolume(const Volume& volume) {
         volume.original.serialNumber, volume.alias.deviceId, volume.alias.serialNumber);
 }
 
-void ArrayState::requireVolume(const std::string& volume) {
+void ArrayState::ensureVolume(const std::string& volume) {
     if (m_database.one("SELECT 1 FROM volumes WHERE id = ?", volume)) {
         return;
     }
-    refuse("ObjectNotFound", "Volume \"" + volume + "\" is not known to this array",
-           "Check the volume's id.");
+    refuseUnlessLenient("ObjectNotFound", "Volume \"" + volume + "\" is not known to this array",
+                        "Check the volume's id.");
     const auto last = m_database.one("SELECT coalesce(max(n), 0) AS n FROM volumes");
     Volume made = numberedVolume((*last)["n"].get<std::int64_t>() + 1);
     made.id = volume;
     addVolume(made);
 }
 
-void ArrayState::requireAttached(const std::string& cluster, const std::string& volume) {
-    requireCluster(cluster);
-    requireVolume(volume);
+void ArrayState::ensureAttached(const std::string& cluster, const std::string& volume) {
+    ensureCluster(cluster);
+    ensureVolume(volume);
     const char* sql = "SELECT 1 FROM attachments WHERE volume = ? AND cluster = ?";
     if (m_database.one(sql, volume, cluster)) {
         return;
     }
-    refuse("InvalidState",
-           "Volume \"" + volume + "\" is not attached to cluster \"" + cluster + "\"",
-           "Attach it with HccAttachVolume first.");
+    refuseUnlessLenient("InvalidState",
+                        "Volume \"" + volume + "\" is not attached to cluster \"" + cluster + "\"",
+                        "Attach it with HccAttachVolume first.");
     attach(cluster, volume);
 }
 
 Volume ArrayState::attach(const std::string& cluster, const std::string& volume) {
     m_database.atomically([&] {
-        requireCluster(cluster);
-        requireVolume(volume);
+        ensureCluster(cluster);
+        ensureVolume(volume);
         const auto held =
             m_database.one("SELECT cluster FROM attachments WHERE volume = ?", volume);
         if (held && (*held)["cluster"] != cluster) {
-            refuse("ObjectInUse", "Volume \"" + volume + "\" is attached to another cluster",
-                   "Cluster \"" + (*held)["cluster"].get<std::string>() + "\" has it.");
+            refuseUnlessLenient(
+                "ObjectInUse", "Volume \"" + volume + "\" is attached to another cluster",
+                "Cluster \"" + (*held)["cluster"].get<std::string>() + "\" has it.");
         }
         m_database.run(
             "INSERT INTO attachments VALUES(?, ?) ON CONFLICT(volume) DO UPDATE"
@@ -97,14 +98,15 @@ Volume ArrayState::attach(const std::string& cluster, const std::string& volume)
 
 void ArrayState::detach(const std::string& cluster, const std::string& volume) {
     m_database.atomically([&] {
-        requireAttached(cluster, volume);
+        ensureAttached(cluster, volume);
         const auto server = m_database.one(
             "SELECT id FROM servers JOIN availability ON server = n WHERE volume = ?", volume);
         if (server) {
-            refuse("ObjectInUse",
-                   "Data of volume \"" + volume + "\" is still available on server \"" +
-                       (*server)["id"].get<std::string>() + "\"",
-                   "Report it with MakeDataUnavailable first.");
+            refuseUnlessLenient("ObjectInUse",
+                                "Data of volume \"" + volume +
+                                    "\" is still available on server \"" +
+                                    (*server)["id"].get<std::string>() + "\"",
+                                "Report it with MakeDataUnavailable first.");
         }
         m_database.run("DELETE FROM attachments WHERE volume = ?", volume);
     });
@@ -113,25 +115,25 @@ void ArrayState::detach(const std::string& cluster, const std::string& volume) {
 void ArrayState::makeAvailable(const std::string& cluster, const std::string& server,
                                const std::string& volume) {
     m_database.atomically([&] {
-        requireAttached(cluster, volume);
+        ensureAttached(cluster, volume);
         m_database.run("INSERT INTO availability VALUES(?, ?) ON CONFLICT DO NOTHING", volume,
-                       requireServer(cluster, server));
+                       ensureServer(cluster, server));
     });
 }
 
 void ArrayState::makeUnavailable(const std::string& cluster, const std::string& server,
                                  const std::string& volume) {
     m_database.atomically([&] {
-        requireAttached(cluster, volume);
+        ensureAttached(cluster, volume);
         m_database.run("DELETE FROM availability WHERE volume = ? AND server = ?", volume,
-                       requireServer(cluster, server));
+                       ensureServer(cluster, server));
     });
 }
 
 void ArrayState::report(const std::string& cluster, const std::string& volume,
                         const std::string& snapshot, const char* increment) {
     m_database.atomically([&] {
-        requireAttached(cluster, volume);
+        ensureAttached(cluster, volume);
         m_database.run("INSERT INTO snapshots(volume, id) VALUES(?, ?) ON CONFLICT DO NOTHING",
                        volume, snapshot);
         m_database.run(increment, volume, snapshot);

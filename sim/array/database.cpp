@@ -1,15 +1,42 @@
 #include "sim/array/database.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 namespace sim {
 
-Database::Database(const std::string& file) {
+Database::FileLock::FileLock(const std::string& file) {
+    if (file == ":memory:") {
+        return;
+    }
     // The file holds what clusters told the array about themselves.
-    const mode_t before = ::umask(S_IRWXG | S_IRWXO);
+    m_descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (m_descriptor < 0) {
+        throw std::runtime_error("state file " + file + ": " +
+                                 std::generic_category().message(errno));
+    }
+    if (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+        ::close(m_descriptor);
+        throw std::runtime_error("state file " + file +
+                                 ": another simulator uses it; give this one a file of its own");
+    }
+}
+
+Database::FileLock::~FileLock() {
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
+}
+
+Database::Database(const std::string& file) : m_lock(file) {
     sqlite3* handle = nullptr;
+    const mode_t before = ::umask(S_IRWXG | S_IRWXO);
     const int status = ::sqlite3_open(file.c_str(), &handle);
     ::umask(before);
     m_handle.reset(handle);

@@ -25,7 +25,8 @@ using Row = nlohmann::ordered_json;
 /// ever travel as parameters. Every failure raises std::runtime_error with SQLite's words.
 class Database {
 public:
-    /// Opens or makes the file, readable by its owner only; ":memory:" keeps nothing.
+    /// Opens or makes the file, readable by its owner only, for this process alone; ":memory:"
+    /// keeps nothing. Throws std::runtime_error when another simulator has the file.
     explicit Database(const std::string& file);
 
     void execute(const char* script);
@@ -90,6 +91,20 @@ private:
         Row current() const;
     };
 
+    /// Held as long as the database is open; goes after it, since closing any descriptor of the
+    /// file gives up the locks that SQLite has on it.
+    class FileLock {
+    public:
+        explicit FileLock(const std::string& file);
+        ~FileLock();
+        FileLock(const FileLock&) = delete;
+        FileLock& operator=(const FileLock&) = delete;
+
+    private:
+        int m_descriptor = -1;
+    };
+
+    FileLock m_lock;
     std::unique_ptr<sqlite3, CloseHandle> m_handle;
     std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalize>, std::less<>> m_statements;
 

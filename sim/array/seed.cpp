@@ -1,130 +1,143 @@
 #include "sim/array/seed.h"
 
+#include <set>
+
 #include "sim/array/arrayState.h"
 #include "sim/array/refusal.h"
+#include "sim/text/jsonNode.h"
 
 namespace sim {
 
 namespace {
 
-std::string text(const Json& object, const char* name) {
-    return object.value(name, "");
-}
+constexpr std::int64_t kMaxPort = 65535;
+constexpr const char* kDefaultName = "Array Simulator";
+constexpr std::int64_t kDefaultSerialNumber = 101;
 
-std::string requiredText(const Json& object, const char* name, const std::string& what) {
-    std::string value = text(object, name);
-    if (value.empty()) {
-        throw std::runtime_error(what + " needs a \"" + name + "\"");
+/// The ids of one kind of thing, each of which may be there once.
+class Ids {
+public:
+    std::string take(const JsonNode& entry) {
+        std::string id = entry.text("id");
+        if (!m_taken.insert(id).second) {
+            entry.member("id").fail("is \"" + id + "\", which is there already");
+        }
+        return id;
     }
-    return value;
+    void add(const std::string& id) { m_taken.insert(id); }
+
+private:
+    std::set<std::string> m_taken;
+};
+
+/// Does a step that the array may refuse; its words then go with the place that asked for it.
+template <class Step>
+void planted(const JsonNode& entry, const Step& step) {
+    try {
+        step();
+    } catch (const Refusal& failure) {
+        entry.fail(std::string("cannot be: ") + failure.what());
+    }
 }
 
-/// The member as a list; an absent one is an empty list.
-Json list(const Json& object, const char* name) {
-    return object.value(name, Json::array());
-}
-
-std::vector<Address> addresses(const Json& object) {
+std::vector<Address> addresses(const JsonNode& entry) {
     std::vector<Address> out;
-    for (const Json& entry : list(object, "addresses")) {
-        onlyMembers(entry, "an address", {"address", "port"});
-        out.push_back({requiredText(entry, "address", "an address"), entry.value("port", 0)});
+    for (const JsonNode& address : entry.list("addresses")) {
+        address.only({"address", "port"});
+        out.push_back({address.text("address"), address.number("port", 0, kMaxPort)});
     }
     return out;
 }
 
-ScsiIdentity identity(const Json& volume, const char* name, const ScsiIdentity& otherwise) {
-    if (!volume.contains(name)) {
-        return otherwise;
+ScsiIdentity identity(const JsonNode& volume, const char* name, const ScsiIdentity& fallback) {
+    if (!volume.has(name)) {
+        return fallback;
     }
-    onlyMembers(volume[name], "a SCSI identity", {"deviceId", "serialNumber"});
-    return {volume[name].value("deviceId", otherwise.deviceId),
-            volume[name].value("serialNumber", otherwise.serialNumber)};
+    const JsonNode given = volume.member(name);
+    given.only({"deviceId", "serialNumber"});
+    return {given.text("deviceId", fallback.deviceId),
+            given.text("serialNumber", fallback.serialNumber)};
 }
 
-void plantVolume(const Json& entry, std::int64_t number, ArrayState& state) {
-    onlyMembers(entry, "a volume", {"id", "name", "sizeInBytes", "original", "alias"});
+void plantVolume(const JsonNode& entry, std::int64_t number, Ids& ids, ArrayState& state) {
+    entry.only({"id", "name", "sizeInBytes", "original", "alias"});
     Volume volume = numberedVolume(number);
-    volume.id = requiredText(entry, "id", "a volume");
-    volume.name = entry.value("name", volume.id);
-    volume.sizeInBytes = entry.value("sizeInBytes", volume.sizeInBytes);
+    volume.id = ids.take(entry);
+    volume.name = entry.text("name", volume.id);
+    volume.sizeInBytes = entry.number("sizeInBytes", volume.sizeInBytes);
     volume.original = identity(entry, "original", volume.original);
     volume.alias = identity(entry, "alias", volume.alias);
     state.addVolume(volume);
 }
 
-void plantServer(const Json& entry, const std::string& cluster, ArrayState& state) {
-    onlyMembers(entry, "a server",
-                {"id", "hostname", "osType", "osVersion", "addresses", "interfaces"});
-    Server server{requiredText(entry, "id", "a server"),
-                  text(entry, "hostname"),
-                  text(entry, "osType"),
-                  text(entry, "osVersion"),
-                  addresses(entry),
-                  {}};
-    for (const Json& interface : list(entry, "interfaces")) {
-        onlyMembers(interface, "an interface", {"id", "type"});
-        server.interfaces.push_back(
-            {requiredText(interface, "id", "an interface"), text(interface, "type")});
+void plantServer(const JsonNode& entry, const std::string& cluster, ArrayState& state) {
+    entry.only({"id", "hostname", "osType", "osVersion", "addresses", "interfaces"});
+    Server server{entry.text("id"),         entry.text("hostname", ""),
+                  entry.text("osType", ""), entry.text("osVersion", ""),
+                  addresses(entry),         {}};
+    for (const JsonNode& interface : entry.list("interfaces")) {
+        interface.only({"id", "type"});
+        server.interfaces.push_back({interface.text("id"), interface.text("type", "")});
     }
-    state.addServer(cluster, server);
+    planted(entry, [&] { state.addServer(cluster, server); });
 }
 
-void plantAttachment(const Json& entry, const std::string& cluster, ArrayState& state) {
-    onlyMembers(entry, "an attachment", {"volume", "availableOn"});
-    const std::string volume = requiredText(entry, "volume", "an attachment");
-    state.attach(cluster, volume);
-    for (const Json& server : list(entry, "availableOn")) {
-        state.makeAvailable(cluster, server.get<std::string>(), volume);
-    }
+void plantAttachment(const JsonNode& entry, const std::string& cluster, ArrayState& state) {
+    entry.only({"volume", "availableOn"});
+    const std::string volume = entry.text("volume");
+    planted(entry, [&] {
+        state.attach(cluster, volume);
+        for (const std::string& server : entry.texts("availableOn")) {
+            state.makeAvailable(cluster, server, volume);
+        }
+    });
 }
 
-void plantCluster(const Json& entry, ArrayState& state) {
-    onlyMembers(entry, "a cluster",
-                {"id", "key", "name", "joined", "addresses", "servers", "attachments"});
-    const Cluster cluster{requiredText(entry, "id", "a cluster"), text(entry, "key"),
-                          text(entry, "name"), addresses(entry)};
-    if (!entry.value("joined", true)) {
+void plantCluster(const JsonNode& entry, Ids& ids, ArrayState& state) {
+    entry.only({"id", "key", "name", "joined", "addresses", "servers", "attachments"});
+    const Cluster cluster{ids.take(entry), entry.text("key", ""), entry.text("name", ""),
+                          addresses(entry)};
+    if (!entry.flag("joined", true)) {
         return state.expect(cluster);
     }
     state.join(cluster);
-    for (const Json& server : list(entry, "servers")) {
+    for (const JsonNode& server : entry.list("servers")) {
         plantServer(server, cluster.id, state);
     }
-    for (const Json& attachment : list(entry, "attachments")) {
+    for (const JsonNode& attachment : entry.list("attachments")) {
         plantAttachment(attachment, cluster.id, state);
     }
 }
 
-void plantContent(const Json& content, std::int64_t number, ArrayState& state) {
-    onlyMembers(content, "the seed", {"array", "volumes", "clusters"});
-    if (content.contains("array")) {
-        onlyMembers(content["array"], "the array", {"name", "serialNumber"});
-        state.setIdentity(content["array"].value("name", "Array Simulator"),
-                          content["array"].value("serialNumber", std::int64_t{101}));
+void plantContent(const JsonNode& content, std::int64_t number, Ids volumes, ArrayState& state) {
+    content.only({"array", "volumes", "clusters"});
+    if (content.has("array")) {
+        const JsonNode array = content.member("array");
+        array.only({"name", "serialNumber"});
+        state.setIdentity(array.text("name", kDefaultName),
+                          array.number("serialNumber", kDefaultSerialNumber));
     }
-    for (const Json& volume : list(content, "volumes")) {
-        plantVolume(volume, ++number, state);
+    for (const JsonNode& volume : content.list("volumes")) {
+        plantVolume(volume, ++number, volumes, state);
     }
-    for (const Json& cluster : list(content, "clusters")) {
-        plantCluster(cluster, state);
+    Ids clusters;
+    for (const JsonNode& cluster : content.list("clusters")) {
+        plantCluster(cluster, clusters, state);
     }
 }
 
 }  // namespace
 
 void plant(const Seed& seed, ArrayState& state) {
-    state.setIdentity("Array Simulator", 101);
+    Ids volumes;
+    state.setIdentity(kDefaultName, kDefaultSerialNumber);
     for (int number = 1; number <= seed.volumes; ++number) {
-        state.addVolume(numberedVolume(number));
+        const Volume volume = numberedVolume(number);
+        volumes.add(volume.id);
+        state.addVolume(volume);
     }
-    if (seed.content.is_null()) {
-        return;
-    }
-    try {
-        plantContent(seed.content, seed.volumes, state);
-    } catch (const Json::exception& problem) {
-        throw std::runtime_error("the seed is wrong: " + plainText(problem));
+    if (!seed.content.is_null()) {
+        plantContent(JsonNode(seed.content, seed.source), seed.volumes, std::move(volumes), state);
     }
 }
 

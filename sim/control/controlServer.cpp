@@ -1,15 +1,16 @@
 #include "sim/control/controlServer.h"
 
 #include <httplib.h>
+#include <openssl/crypto.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <set>
 #include <stdexcept>
 
+#include "sim/control/apiRoutes.h"
 #include "sim/control/controlSocket.h"
 #include "sim/page/webFiles.h"
-#include "sim/simulator/simulator.h"
 
 namespace sim {
 
@@ -18,109 +19,128 @@ namespace {
 using httplib::Request;
 using httplib::Response;
 
-constexpr std::size_t threads = 16;
-constexpr std::size_t longestBody = std::size_t{1024} * 1024;  // bytes; a scenario is far below
-constexpr std::size_t mostExchanges = 1000;
-constexpr const char* jsonType = "application/json";
+constexpr std::size_t kThreads = 16;
+constexpr std::size_t kMaxBody = std::size_t{1024} * 1024;  // bytes; a scenario is far below
+constexpr const char* kJsonType = "application/json";
+constexpr int kBadRequest = 400;
+constexpr int kUnauthorized = 401;
+constexpr int kForbidden = 403;
+constexpr int kNotFound = 404;
 
 void answer(Response& response, const Json& json) {
-    response.set_content(jsonText(json), jsonType);
+    response.set_content(jsonText(json), kJsonType);
 }
 
-Json body(const Request& request) {
-    return parseJson(request.body, "the request");
+void refuse(Response& response, int status, const std::string& error) {
+    response.status = status;
+    answer(response, Json{{"error", error}});
 }
 
-/// A number among the query's parameters; throws std::runtime_error when it is none.
-std::uint64_t numberIn(const Request& request, const char* name, std::uint64_t otherwise) {
-    if (!request.has_param(name)) {
-        return otherwise;
-    }
-    const std::string text = request.get_param_value(name);
-    if (text.empty() || text.size() > 18 ||
-        text.find_first_not_of("0123456789") != std::string::npos) {
-        throw std::runtime_error(std::string("\"") + name + "\" has to be a number");
-    }
-    return std::stoull(text);
-}
-
-/// Runs `work`; what it throws becomes a 400 that says what is wrong.
-template <class Work>
-httplib::Server::Handler guarded(Work work) {
-    return [work](const Request& request, Response& response) {
+/// Does what the route says; what it throws becomes an answer that says what is wrong.
+httplib::Server::Handler handlerOf(Simulator& simulator, const ApiRoute& route) {
+    return [&simulator, &route](const Request& request, Response& response) {
         try {
-            work(request, response);
-        } catch (const std::exception& problem) {
-            response.status = 400;
-            answer(response, Json{{"error", problem.what()}});
+            answer(response, route.answer(simulator, request));
+        } catch (const NotFound& failure) {
+            refuse(response, kNotFound, failure.what());
+        } catch (const std::exception& failure) {
+            refuse(response, kBadRequest, failure.what());
         }
     };
 }
 
-/// A page of another site must not reach the simulator through the reader's browser: neither
-/// under a name of its own that leads to loopback, nor by sending a form. Gives what is wrong
-/// with the request, or nothing.
-std::string foreignness(const Request& request, int port) {
+std::string patternOf(const ApiRoute& route) {
+    constexpr std::string_view kId = "{id}";
+    std::string pattern = std::string(kApiRoot) + route.path;
+    if (const auto at = pattern.find(kId); at != std::string::npos) {
+        pattern.replace(at, kId.size(), "([0-9]+)");
+    }
+    return pattern;
+}
+
+/// As it stands in a URL: an IPv6 address in brackets.
+std::string hostOf(const std::string& address) {
+    return address.find(':') == std::string::npos ? address : "[" + address + "]";
+}
+
+bool isToken(const std::string& authorization, const std::string& token) {
+    const std::string wanted = "Bearer " + token;
+    return authorization.size() == wanted.size() &&
+           CRYPTO_memcmp(authorization.data(), wanted.data(), wanted.size()) == 0;
+}
+
+/// A page of another site must not reach the simulator through the reader's browser, under a name
+/// of its own that leads to this machine. Behind a token it cannot.
+bool isOwnHost(const std::string& host, const WebPlace& place) {
     std::set<std::string> hosts;
-    for (const char* name : {"127.0.0.1", "localhost"}) {
-        hosts.insert(std::string(name) + ":" + std::to_string(port));
-        if (port == 80) {
+    for (const std::string& name :
+         {std::string("127.0.0.1"), std::string("localhost"), hostOf(place.address)}) {
+        hosts.insert(name + ":" + std::to_string(place.port));
+        if (place.port == 80) {
             hosts.insert(name);
         }
     }
-    const std::string host = request.get_header_value("Host");
-    const std::string origin = request.get_header_value("Origin");
-    if (hosts.count(host) == 0 || (!origin.empty() && origin != "http://" + host)) {
-        return "only the simulator's own page may ask";
-    }
-    const bool reads = request.method == "GET" || request.method == "HEAD";
-    if (!reads && request.get_header_value("Content-Type") != jsonType) {
-        return "a request that changes something needs Content-Type: application/json";
-    }
-    return "";
+    return hosts.contains(host);
 }
 
 }  // namespace
 
+bool isLoopback(const std::string& address) {
+    return address == "localhost" || address == "::1" || address.starts_with("127.");
+}
+
 ControlServer::ControlServer(Simulator& simulator)
     : m_simulator(simulator), m_server(std::make_unique<httplib::Server>()) {
-    m_server->new_task_queue = [] { return new httplib::ThreadPool(threads); };
-    m_server->set_payload_max_length(longestBody);
+    m_server->new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
+    m_server->set_payload_max_length(kMaxBody);
     m_server->set_keep_alive_timeout(2);
     m_server->set_read_timeout(5);
-    addReads();
-    addChanges();
+    // The library's own choice would let a second simulator share the port unnoticed.
+    m_server->set_socket_options([](socket_t socket) {
+        const int on = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
+    });
+    addRoutes();
 }
 
 std::unique_ptr<ControlServer> ControlServer::onSocket(Simulator& simulator,
                                                        const std::string& path) {
     prepareControlPath(path);
-    std::unique_ptr<ControlServer> made(new ControlServer(simulator));
-    made->m_server->set_address_family(AF_UNIX);
+    std::unique_ptr<ControlServer> server(new ControlServer(simulator));
+    server->m_server->set_address_family(AF_UNIX);
     const mode_t before = ::umask(S_IRWXG | S_IRWXO);
-    const bool bound = made->m_server->bind_to_port(path, 1);
+    const bool bound = server->m_server->bind_to_port(path, 1);
     ::umask(before);
     if (!bound) {
         throw std::runtime_error("control socket: cannot listen at " + path);
     }
-    made->m_socketPath = path;
-    made->start();
-    return made;
+    server->m_socketPath = path;
+    server->start();
+    return server;
 }
 
-std::unique_ptr<ControlServer> ControlServer::onPort(Simulator& simulator, int port) {
-    std::unique_ptr<ControlServer> made(new ControlServer(simulator));
-    made->addPage();
-    if (port == 0) {
-        made->m_port = made->m_server->bind_to_any_port("127.0.0.1");
-    } else if (made->m_server->bind_to_port("127.0.0.1", port)) {
-        made->m_port = port;
+std::unique_ptr<ControlServer> ControlServer::onPort(Simulator& simulator, const WebPlace& place) {
+    if (place.token.empty() && !isLoopback(place.address)) {
+        throw std::runtime_error("page: " + place.address +
+                                 " is reached by others, and so needs "
+                                 "a token");
     }
-    if (made->m_port <= 0) {
-        throw std::runtime_error("page: cannot listen on 127.0.0.1:" + std::to_string(port));
+    std::unique_ptr<ControlServer> server(new ControlServer(simulator));
+    server->m_place = place;
+    if (place.port == 0) {
+        server->m_place.port = server->m_server->bind_to_any_port(place.address);
+    } else if (!server->m_server->bind_to_port(place.address, place.port)) {
+        server->m_place.port = -1;
     }
-    made->start();
-    return made;
+    if (server->m_place.port <= 0) {
+        throw std::runtime_error("page: cannot listen on " + hostOf(place.address) + ":" +
+                                 std::to_string(place.port) +
+                                 ": is another program there? Choose another port with --web");
+    }
+    server->addPage();
+    server->guardPort();
+    server->start();
+    return server;
 }
 
 ControlServer::~ControlServer() {
@@ -137,44 +157,37 @@ ControlServer::~ControlServer() {
     }
 }
 
+std::string ControlServer::url() const {
+    return "http://" + hostOf(m_place.address) + ":" + std::to_string(m_place.port) + "/" +
+           (m_place.token.empty() ? "" : "#token=" + m_place.token);
+}
+
 void ControlServer::start() {
     m_thread = std::thread([this] { m_server->listen_after_bind(); });
 }
 
-void ControlServer::addReads() {
-    m_server->Get("/api/state", guarded([this](const Request&, Response& response) {
-                      answer(response, m_simulator.state());
-                  }));
-    m_server->Get("/api/faults", guarded([this](const Request&, Response& response) {
-                      answer(response, m_simulator.faults());
-                  }));
-    m_server->Get("/api/exchanges", guarded([this](const Request& request, Response& response) {
-                      answer(response,
-                             m_simulator.exchanges(numberIn(request, "last", mostExchanges),
-                                                   numberIn(request, "since", 0), true));
-                  }));
-}
-
-void ControlServer::addChanges() {
-    m_server->Post("/api/faults", guarded([this](const Request& request, Response& response) {
-                       answer(response, m_simulator.addFault(body(request)));
-                   }));
-    m_server->Delete("/api/faults", guarded([this](const Request& request, Response& response) {
-                         if (!m_simulator.removeFault(numberIn(request, "id", 0))) {
-                             throw std::runtime_error("there is no fault of that id");
-                         }
-                         answer(response, Json::object());
-                     }));
-    m_server->Post("/api/scenario", guarded([this](const Request& request, Response& response) {
-                       m_simulator.addScenario(body(request));
-                       answer(response, Json::object());
-                   }));
-    m_server->Post("/api/reset", guarded([this](const Request& request, Response& response) {
-                       const Json what = body(request);
-                       onlyMembers(what, "a reset", {"what"});
-                       m_simulator.reset(what.value("what", "all"));
-                       answer(response, Json::object());
-                   }));
+void ControlServer::addRoutes() {
+    for (const ApiRoute& route : apiRoutes()) {
+        const std::string_view method = route.method;
+        const std::string pattern = patternOf(route);
+        auto handler = handlerOf(m_simulator, route);
+        if (method == "GET") {
+            m_server->Get(pattern, std::move(handler));
+        } else if (method == "POST") {
+            m_server->Post(pattern, std::move(handler));
+        } else if (method == "PUT") {
+            m_server->Put(pattern, std::move(handler));
+        } else {
+            m_server->Delete(pattern, std::move(handler));
+        }
+    }
+    m_server->set_error_handler([](const Request& request, Response& response) {
+        if (response.body.empty()) {
+            answer(response,
+                   Json{{"error", response.status == kNotFound ? "there is no " + request.path
+                                                               : "the request is not served"}});
+        }
+    });
 }
 
 void ControlServer::addPage() {
@@ -187,14 +200,40 @@ void ControlServer::addPage() {
         {{"Content-Security-Policy",
           "default-src 'self'; img-src 'self' data:; frame-ancestors 'none'"},
          {"X-Content-Type-Options", "nosniff"},
+         {"Referrer-Policy", "no-referrer"},
          {"Cache-Control", "no-store"}});
+}
+
+/// What is wrong with the request, or nothing.
+std::string ControlServer::problemOf(const Request& request, int& status) const {
+    status = kForbidden;
+    const std::string host = request.get_header_value("Host");
+    const std::string origin = request.get_header_value("Origin");
+    if ((m_place.token.empty() && !isOwnHost(host, m_place)) ||
+        (!origin.empty() && origin != "http://" + host)) {
+        return "only the simulator's own page may ask";
+    }
+    const bool reads = request.method == "GET" || request.method == "HEAD";
+    if (!reads && request.get_header_value("Content-Type") != kJsonType) {
+        return "a request that changes something needs Content-Type: application/json";
+    }
+    // The page's own files hold nothing worth a token, and have to come before it is known.
+    if (!m_place.token.empty() && request.path.starts_with("/api") &&
+        !isToken(request.get_header_value("Authorization"), m_place.token)) {
+        status = kUnauthorized;
+        return "this simulator wants its token: Authorization: Bearer TOKEN";
+    }
+    return "";
+}
+
+void ControlServer::guardPort() {
     m_server->set_pre_routing_handler([this](const Request& request, Response& response) {
-        const std::string problem = foreignness(request, m_port);
+        int status = 0;
+        const std::string problem = problemOf(request, status);
         if (problem.empty()) {
             return httplib::Server::HandlerResponse::Unhandled;
         }
-        response.status = 403;
-        answer(response, Json{{"error", problem}});
+        refuse(response, status, problem);
         return httplib::Server::HandlerResponse::Handled;
     });
 }

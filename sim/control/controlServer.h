@@ -14,31 +14,34 @@ namespace sim {
 
 class Simulator;
 
-/// Serves the simulator to people over HTTP, on threads of its own until it is destroyed: the
-/// control command through a socket file, the page through a port on loopback. Both speak the
-/// same few requests, all of them JSON:
-///
-///     GET    /api/state                        clusters, servers, volumes
-///     GET    /api/exchanges?last=N&since=ID    what was received and sent
-///     GET    /api/faults                       kinds, commands, and the rules in force
-///     POST   /api/faults                       a rule; answers it with its id
-///     DELETE /api/faults?id=N
-///     POST   /api/scenario                     {"faults": [rules]}
-///     POST   /api/reset                        {"what": "faults", "log", "state" or "all"}
-///
-/// The simulator outlives the server.
+/// Where the page and the interface are served over TCP, and who may ask there.
+struct WebPlace {
+    std::string address = "127.0.0.1";  // or a name, or an IPv6 address
+    int port = 0;                       // 0: any free one
+    std::string token;                  // what every request has to bring; empty: nothing
+};
+
+/// Whether only programs of this machine reach the address.
+bool isLoopback(const std::string& address);
+
+/// Serves the simulator's HTTP interface (openapi.json), on threads of its own until it is
+/// destroyed: for the control command through a socket file, for the page and for scripts through
+/// a port. The simulator outlives the server.
 class ControlServer {
 public:
     /// On the socket file, for its owner only. Throws std::runtime_error.
     static std::unique_ptr<ControlServer> onSocket(Simulator& simulator, const std::string& path);
-    /// On a port of 127.0.0.1, with the page; 0 takes any free one. Throws std::runtime_error.
-    static std::unique_ptr<ControlServer> onPort(Simulator& simulator, int port);
+    /// On a port, with the page. Without a token only a browser on this machine and the page
+    /// itself are served. Throws std::runtime_error, also for a place that others reach and that
+    /// has no token.
+    static std::unique_ptr<ControlServer> onPort(Simulator& simulator, const WebPlace& place);
 
     ~ControlServer();
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
 
-    int port() const { return m_port; }
+    /// The page's, with the token behind "#", which browsers do not send.
+    std::string url() const;
 
 private:
     explicit ControlServer(Simulator& simulator);
@@ -47,11 +50,12 @@ private:
     std::unique_ptr<httplib::Server> m_server;
     std::thread m_thread;
     std::string m_socketPath;
-    int m_port = 0;
+    WebPlace m_place;
 
-    void addReads();
-    void addChanges();
+    void addRoutes();
     void addPage();
+    void guardPort();
+    std::string problemOf(const httplib::Request& request, int& status) const;
     void start();
 };
 

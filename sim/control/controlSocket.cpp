@@ -24,6 +24,19 @@ sockaddr_un addressOf(const std::string& path) {
     return address;
 }
 
+/// Only what a dead simulator left may go: a file at the path is somebody's, and a mistake.
+void removeDeadSocket(const std::string& path) {
+    struct stat facts {};
+    if (::lstat(path.c_str(), &facts) != 0) {
+        return;
+    }
+    if (!S_ISSOCK(facts.st_mode)) {
+        throw std::runtime_error("control socket: " + path +
+                                 " is there already and is no socket; it is left as it is");
+    }
+    ::unlink(path.c_str());
+}
+
 bool answers(const sockaddr_un& address) {
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const bool connected =
@@ -65,7 +78,7 @@ void prepareControlPath(const std::string& path) {
         throw std::runtime_error("control socket: another simulator answers at " + path +
                                  "; choose another one with --control");
     }
-    ::unlink(path.c_str());
+    removeDeadSocket(path);
 }
 
 }  // namespace sim

@@ -10,7 +10,8 @@ std::string defaultControlPath(int port);
 
 /// Makes the folder of the socket for the user alone, and takes away the socket that a dead
 /// simulator left. Throws std::runtime_error when somebody else owns the folder, when a live
-/// simulator answers there, or when the path is too long for a socket.
+/// simulator answers there, when another kind of file is there, or when the path is too long for a
+/// socket.
 void prepareControlPath(const std::string& path);
 
 }  // namespace sim

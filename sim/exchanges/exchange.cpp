@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "apiMgmt/common/text/safeText.h"
+
 namespace sim {
 
 std::string utcTime(std::chrono::system_clock::time_point time) {
@@ -20,18 +22,9 @@ std::string utcTime(std::chrono::system_clock::time_point time) {
     return out.data();
 }
 
-std::string oneLine(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) {
-            out += c;
-            continue;
-        }
-        std::array<char, 8> escape{};
-        std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned char>(c));
-        out += escape.data();
-    }
-    return out;
+const std::string& clusterOf(const Exchange& exchange) {
+    const auto named = exchange.members.find("HccId");
+    return named != exchange.members.end() ? named->second : exchange.hccId;
 }
 
 std::string summaryLine(const Exchange& exchange) {
@@ -43,7 +36,7 @@ std::string summaryLine(const Exchange& exchange) {
     std::array<char, 32> took{};
     std::snprintf(took.data(), took.size(), " (%.1f ms)",
                   static_cast<double>(exchange.took.count()) / 1000);
-    return oneLine(line + took.data());
+    return text::oneLine(line + took.data());
 }
 
 }  // namespace sim

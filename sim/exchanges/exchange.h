@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,9 @@ struct Exchange {
     std::string credentials;  // "***" when some came, else empty; likewise the token
     std::string authToken;
     std::vector<std::string> blobNames;
-    std::string label;  // "TarnHostCache::Ping"
+    std::string label;                           // "TarnHostCache::Ping"
+    std::map<std::string, std::string> members;  // the request's attributes
+    std::vector<std::string> brokenRules;        // those that every cluster has to keep
     std::string request;
     std::string reply;    // the document; empty when what was sent is none
     std::string outcome;  // "ok", or the refusal's words
@@ -30,10 +33,10 @@ struct Exchange {
 /// line, whatever the texts hold.
 std::string summaryLine(const Exchange& exchange);
 
+/// The cluster that calls: as its request says or, when that does not, the message around it.
+const std::string& clusterOf(const Exchange& exchange);
+
 /// The instant in UTC with milliseconds.
 std::string utcTime(std::chrono::system_clock::time_point time);
-
-/// `text` with every control character written as an escape.
-std::string oneLine(const std::string& text);
 
 }  // namespace sim

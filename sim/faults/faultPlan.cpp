@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <stdexcept>
-
 #include "sim/faults/faults.h"
 #include "sim/protocol/apiRequest.h"
 #include "sim/protocol/command.h"
@@ -10,14 +7,14 @@ namespace sim {
 
 namespace {
 
-constexpr int hour = 3'600'000;  // in milliseconds; nothing waits longer
-constexpr int mostCalls = 1'000'000'000;
-constexpr int mostBytes = 64 * 1024 * 1024;
+constexpr int kMaxWait = 3'600'000;  // in milliseconds; nothing waits longer
+constexpr int kMaxCalls = 1'000'000'000;
+constexpr int kMaxBytes = 64 * 1024 * 1024;
 
 struct NumberMember {
     const char* name;
     int FaultRule::*member;
-    int most;
+    int max;
 };
 
 struct TextMember {
@@ -25,39 +22,21 @@ struct TextMember {
     std::string FaultRule::*member;
 };
 
-constexpr NumberMember numbers[] = {
-    {"count", &FaultRule::count, mostCalls},      {"after", &FaultRule::after, mostCalls},
-    {"delayMs", &FaultRule::delayMs, hour},       {"chunk", &FaultRule::chunk, mostBytes},
-    {"intervalMs", &FaultRule::intervalMs, hour}, {"bytes", &FaultRule::bytes, mostBytes},
+constexpr NumberMember kNumbers[] = {
+    {"count", &FaultRule::count, kMaxCalls},          {"after", &FaultRule::after, kMaxCalls},
+    {"delayMs", &FaultRule::delayMs, kMaxWait},       {"chunk", &FaultRule::chunk, kMaxBytes},
+    {"intervalMs", &FaultRule::intervalMs, kMaxWait}, {"bytes", &FaultRule::bytes, kMaxBytes},
+    {"forMs", &FaultRule::forMs, kMaxWait},
 };
 
-constexpr TextMember texts[] = {
+constexpr TextMember kTexts[] = {
     {"command", &FaultRule::command},   {"fault", &FaultRule::fault},
     {"code", &FaultRule::code},         {"error", &FaultRule::error},
     {"document", &FaultRule::document}, {"localized", &FaultRule::localized},
     {"detail", &FaultRule::detail},
 };
 
-int numberIn(const Json& json, const NumberMember& row, int otherwise) {
-    if (!json.contains(row.name)) {
-        return otherwise;
-    }
-    const Json& value = json[row.name];
-    if (!value.is_number_integer() || value < 0 || value > row.most) {
-        throw std::runtime_error(std::string("\"") + row.name + "\" has to be a number from 0 to " +
-                                 std::to_string(row.most));
-    }
-    return value.get<int>();
-}
-
-std::string textIn(const Json& json, const TextMember& row, const std::string& otherwise) {
-    if (json.contains(row.name) && !json[row.name].is_string()) {
-        throw std::runtime_error(std::string("\"") + row.name + "\" has to be a text");
-    }
-    return json.value(row.name, otherwise);
-}
-
-constexpr std::string_view callerMark = "{hccId}";
+constexpr std::string_view kCallerMark = "{hccId}";
 
 void replaceAll(std::string& text, std::string_view mark, const std::string& by) {
     for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + by.size())) {
@@ -65,70 +44,58 @@ void replaceAll(std::string& text, std::string_view mark, const std::string& by)
     }
 }
 
-bool fits(const FaultRule& rule, const std::string& object, const std::string& command) {
-    return rule.command == "*" || rule.command == command ||
-           rule.command == commandLabel(object, command);
-}
-
-/// A rule for a command that nobody sends would wait for ever.
-void checkCommand(const std::string& command) {
-    if (command.empty()) {
-        throw std::runtime_error("a fault needs a \"command\" (\"*\" for every command)");
-    }
-    const std::vector<std::string> names = commandNames();
-    if (command != "*" && std::none_of(names.begin(), names.end(), [&](const std::string& name) {
-            return name == command || name.ends_with("::" + command);
-        })) {
-        throw std::runtime_error("there is no command \"" + command + "\"");
-    }
+bool matches(const FaultRule& rule, const std::string& object, const std::string& command) {
+    return commandMatches(rule.command, commandLabel(object, command));
 }
 
 }  // namespace
 
-FaultRule ruleFromJson(const Json& json) {
-    onlyMembers(json, "a fault",
-                {"command", "fault", "count", "after", "code", "error", "localized", "detail",
-                 "document", "delayMs", "chunk", "intervalMs", "bytes"});
+FaultRule ruleFromJson(const JsonNode& json) {
+    json.only({"command", "fault", "count", "after", "code", "error", "localized", "detail",
+               "document", "delayMs", "chunk", "intervalMs", "bytes", "forMs"});
     FaultRule rule;
-    for (const NumberMember& row : numbers) {
-        rule.*row.member = numberIn(json, row, rule.*row.member);
+    for (const NumberMember& row : kNumbers) {
+        rule.*row.member = static_cast<int>(json.number(row.name, rule.*row.member, row.max));
     }
-    for (const TextMember& row : texts) {
-        rule.*row.member = textIn(json, row, rule.*row.member);
+    for (const TextMember& row : kTexts) {
+        rule.*row.member = json.text(row.name, rule.*row.member);
     }
-    checkCommand(rule.command);
+    json.text("command");
+    json.text("fault");
+    // A rule for a command that nobody sends would wait for ever.
+    checkCommand(json.member("command"), rule.command);
     faultNamed(rule.fault);
     return rule;
 }
 
 Json toJson(const FaultRule& rule) {
     Json out{{"id", rule.id}};
-    for (const TextMember& row : texts) {
+    for (const TextMember& row : kTexts) {
         out[row.name] = rule.*row.member;
     }
-    for (const NumberMember& row : numbers) {
+    for (const NumberMember& row : kNumbers) {
         out[row.name] = rule.*row.member;
     }
     return out;
 }
 
 void nameCaller(FaultRule& rule, const std::string& hccId) {
-    replaceAll(rule.error, callerMark, hccId);
-    replaceAll(rule.document, callerMark, escapeXml(hccId));
+    replaceAll(rule.error, kCallerMark, hccId);
+    replaceAll(rule.document, kCallerMark, escapeXml(hccId));
 }
 
-void FaultPlan::add(FaultRule rule) {
+const FaultRule& FaultPlan::add(FaultRule rule) {
     rule.id = ++m_lastId;
     m_rules.push_back(std::move(rule));
+    return m_rules.back();
 }
 
-void FaultPlan::addScenario(const Json& scenario) {
-    onlyMembers(scenario, "a scenario", {"faults"});
-    if (!scenario.contains("faults") || !scenario["faults"].is_array()) {
-        throw std::runtime_error("a scenario needs a list \"faults\"");
-    }
+void FaultPlan::addScenario(const JsonNode& scenario) {
+    // The texts are for those who read the file.
+    scenario.only({"description", "goodCluster", "faults"});
+    scenario.member("faults");
     std::vector<FaultRule> rules;
-    for (const Json& rule : scenario["faults"]) {
+    for (const JsonNode& rule : scenario.list("faults")) {
         rules.push_back(ruleFromJson(rule));
     }
     for (FaultRule& rule : rules) {
@@ -140,14 +107,28 @@ bool FaultPlan::remove(std::uint64_t id) {
     return std::erase_if(m_rules, [id](const FaultRule& rule) { return rule.id == id; }) > 0;
 }
 
-bool FaultPlan::take(const std::string& object, const std::string& command, FaultRule& rule) {
+void FaultPlan::dropEnded(Instant now) {
+    std::erase_if(m_rules, [now](const FaultRule& rule) { return rule.ends <= now; });
+}
+
+const std::vector<FaultRule>& FaultPlan::rules(Instant now) {
+    dropEnded(now);
+    return m_rules;
+}
+
+bool FaultPlan::take(const std::string& object, const std::string& command, Instant now,
+                     FaultRule& rule) {
+    dropEnded(now);
     for (auto candidate = m_rules.begin(); candidate != m_rules.end(); ++candidate) {
-        if (!fits(*candidate, object, command)) {
+        if (!matches(*candidate, object, command)) {
             continue;
         }
         if (candidate->after > 0) {
             --candidate->after;
             continue;
+        }
+        if (candidate->forMs > 0 && candidate->ends == Instant::max()) {
+            candidate->ends = now + std::chrono::milliseconds(candidate->forMs);
         }
         rule = *candidate;
         if (candidate->count > 0 && --candidate->count == 0) {

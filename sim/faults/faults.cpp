@@ -4,6 +4,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "apiMgmt/common/ipc/ipcFraming.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "sim/protocol/apiReply.h"
 #include "sim/text/xmlText.h"
@@ -17,12 +18,12 @@ using Text = const std::string&;
 using Rule = const FaultRule&;
 
 // What the service makes of it, seen by its client.
-constexpr std::string_view badMessage = "receiver fault \"Invalid content in response message\"";
-constexpr std::string_view badReturn = "receiver fault \"Invalid response in return XML\"";
-constexpr std::string_view noReply = "receiver fault \"Received Invalid/NULL response from tarn\"";
-constexpr std::string_view noIdentity =
+constexpr std::string_view kBadMessage = "receiver fault \"Invalid content in response message\"";
+constexpr std::string_view kBadReturn = "receiver fault \"Invalid response in return XML\"";
+constexpr std::string_view kNoReply = "receiver fault \"Received Invalid/NULL response from tarn\"";
+constexpr std::string_view kNoIdentity =
     "HccAttachVolume: receiver fault \"Failed to attach volume\"; others succeed";
-constexpr std::string_view truth = "the true answer";
+constexpr std::string_view kTrueAnswer = "the true answer";
 
 // ---- the document ----
 
@@ -126,6 +127,11 @@ void closeEarly(ReplyPlan& plan, Rule rule) {
     plan.closeAfter = true;
 }
 
+void down(ReplyPlan& plan, Rule /*rule*/) {
+    plan.bytes.clear();
+    plan.closeAfter = true;
+}
+
 void reset(ReplyPlan& plan, Rule rule) {
     closeEarly(plan, rule);
     plan.reset = true;
@@ -143,60 +149,62 @@ void drip(ReplyPlan& plan, Rule rule) {
 // To add a fault: write the step that spoils the reply on its layer, and give it a row. The
 // last two columns are what simctl, the page and the manual show.
 // clang-format off
-constexpr std::array kinds = {
-    //        name                  runs   document            message             wire           does, client sees
-    FaultKind{"refuse",             false, refuse,             nullptr,            nullptr,
+constexpr std::array kKinds = {
+    //        name                  strikes     runs   document            message             wire           does, client sees
+    FaultKind{"refuse",             "words",    false, refuse,             nullptr,            nullptr,
               "fails the call with the texts of the rule", "receiver fault with the rule's \"error\" text"},
-    FaultKind{"refuseWithoutTexts", false, refuseWithoutTexts, nullptr,            nullptr,
+    FaultKind{"refuseWithoutTexts", "words",    false, refuseWithoutTexts, nullptr,            nullptr,
               "fails the call and says nothing", "receiver fault with an empty text"},
-    FaultKind{"succeed",            false, plainSuccess,       nullptr,            nullptr,
-              "answers a plain success and does nothing", noIdentity},
-    FaultKind{"answer",             false, otherDocument,      nullptr,            nullptr,
+    FaultKind{"succeed",            "words",    false, plainSuccess,       nullptr,            nullptr,
+              "answers a plain success and does nothing", kNoIdentity},
+    FaultKind{"answer",             "document", false, otherDocument,      nullptr,            nullptr,
               "answers with the rule's \"document\" as it stands", "what the service makes of that document"},
-    FaultKind{"noObject",           true,  plainSuccess,       nullptr,            nullptr,
-              "answers a plain success where an object is due", noIdentity},
-    FaultKind{"otherObject",        true,  otherObject,        nullptr,            nullptr,
-              "answers with an object of another class", noIdentity},
-    FaultKind{"noValue",            true,  withoutValue,       nullptr,            nullptr,
-              "answers a success without any value", badReturn},
-    FaultKind{"noReturn",           true,  withoutReturn,      nullptr,            nullptr,
-              "answers without an ApiMethodReturn", badReturn},
-    FaultKind{"twoReturns",         true,  twoReturns,         nullptr,            nullptr,
-              "answers with two ApiMethodReturn elements", badReturn},
-    FaultKind{"wrongRoot",          true,  otherRoot,          nullptr,            nullptr,
-              "answers with a document that is not compapi", badReturn},
-    FaultKind{"badXml",             true,  badXml,             nullptr,            nullptr,
-              "answers with half a document", badMessage},
-    FaultKind{"emptyDocument",      true,  emptyDocument,      nullptr,            nullptr,
-              "answers with an empty document", badMessage},
-    FaultKind{"wrongMessageType",   true,  nullptr,            wrongMessageType,   nullptr,
-              "answers with a message of the request's type", badMessage},
-    FaultKind{"noMessageType",      true,  nullptr,            withoutMessageType, nullptr,
-              "answers with a message of no type", badMessage},
-    FaultKind{"noResponse",         true,  nullptr,            withoutResponse,    nullptr,
-              "answers with a message that carries no response", badMessage},
-    FaultKind{"wrongCommandType",   true,  nullptr,            wrongCommandType,   nullptr,
-              "answers with a response of no known command type", badMessage},
-    FaultKind{"noCommand",          true,  nullptr,            withoutCommand,     nullptr,
-              "answers with a response that carries no document", badMessage},
-    FaultKind{"garbage",            true,  nullptr,            nullptr,            garbage,
-              "answers with a frame of bytes that are no message", noReply},
-    FaultKind{"otherProtocol",      true,  nullptr,            nullptr,            otherProtocol,
-              "answers in another protocol, without a frame", noReply},
-    FaultKind{"lengthZero",         true,  nullptr,            nullptr,            lengthZero,
-              "announces a frame of 0 bytes", noReply},
-    FaultKind{"lengthTooLong",      true,  nullptr,            nullptr,            lengthTooLong,
-              "announces a frame one byte above the limit of 64 MiB", noReply},
-    FaultKind{"lengthHuge",         true,  nullptr,            nullptr,            lengthHuge,
-              "announces a frame of 4 GiB - 1", noReply},
-    FaultKind{"closeEarly",         true,  nullptr,            nullptr,            closeEarly,
-              "closes the connection after \"bytes\" bytes of the reply (default 0)", noReply},
-    FaultKind{"reset",              true,  nullptr,            nullptr,            reset,
-              "resets the connection after \"bytes\" bytes of the reply (default 0)", noReply},
-    FaultKind{"delay",              true,  nullptr,            nullptr,            delay,
-              "answers late, by \"delayMs\" milliseconds (default 5000)", truth},
-    FaultKind{"drip",               true,  nullptr,            nullptr,            drip,
-              "sends \"chunk\" bytes (default 1) every \"intervalMs\" milliseconds (default 10)", truth},
+    FaultKind{"noObject",           "document", true,  plainSuccess,       nullptr,            nullptr,
+              "answers a plain success where an object is due", kNoIdentity},
+    FaultKind{"otherObject",        "document", true,  otherObject,        nullptr,            nullptr,
+              "answers with an object of another class", kNoIdentity},
+    FaultKind{"noValue",            "document", true,  withoutValue,       nullptr,            nullptr,
+              "answers a success without any value", kBadReturn},
+    FaultKind{"noReturn",           "document", true,  withoutReturn,      nullptr,            nullptr,
+              "answers without an ApiMethodReturn", kBadReturn},
+    FaultKind{"twoReturns",         "document", true,  twoReturns,         nullptr,            nullptr,
+              "answers with two ApiMethodReturn elements", kBadReturn},
+    FaultKind{"wrongRoot",          "document", true,  otherRoot,          nullptr,            nullptr,
+              "answers with a document that is not compapi", kBadReturn},
+    FaultKind{"badXml",             "document", true,  badXml,             nullptr,            nullptr,
+              "answers with half a document", kBadMessage},
+    FaultKind{"emptyDocument",      "document", true,  emptyDocument,      nullptr,            nullptr,
+              "answers with an empty document", kBadMessage},
+    FaultKind{"wrongMessageType",   "message",  true,  nullptr,            wrongMessageType,   nullptr,
+              "answers with a message of the request's type", kBadMessage},
+    FaultKind{"noMessageType",      "message",  true,  nullptr,            withoutMessageType, nullptr,
+              "answers with a message of no type", kBadMessage},
+    FaultKind{"noResponse",         "message",  true,  nullptr,            withoutResponse,    nullptr,
+              "answers with a message that carries no response", kBadMessage},
+    FaultKind{"wrongCommandType",   "message",  true,  nullptr,            wrongCommandType,   nullptr,
+              "answers with a response of no known command type", kBadMessage},
+    FaultKind{"noCommand",          "message",  true,  nullptr,            withoutCommand,     nullptr,
+              "answers with a response that carries no document", kBadMessage},
+    FaultKind{"garbage",            "wire",     true,  nullptr,            nullptr,            garbage,
+              "answers with a frame of bytes that are no message", kNoReply},
+    FaultKind{"otherProtocol",      "wire",     true,  nullptr,            nullptr,            otherProtocol,
+              "answers in another protocol, without a frame", kNoReply},
+    FaultKind{"lengthZero",         "wire",     true,  nullptr,            nullptr,            lengthZero,
+              "announces a frame of 0 bytes", kNoReply},
+    FaultKind{"lengthTooLong",      "wire",     true,  nullptr,            nullptr,            lengthTooLong,
+              "announces a frame one byte above the limit of 64 MiB", kNoReply},
+    FaultKind{"lengthHuge",         "wire",     true,  nullptr,            nullptr,            lengthHuge,
+              "announces a frame of 4 GiB - 1", kNoReply},
+    FaultKind{"down",               "wire",     false, nullptr,            nullptr,            down,
+              "closes the connection without an answer", kNoReply},
+    FaultKind{"closeEarly",         "wire",     true,  nullptr,            nullptr,            closeEarly,
+              "closes the connection after \"bytes\" bytes of the reply (default 0)", kNoReply},
+    FaultKind{"reset",              "wire",     true,  nullptr,            nullptr,            reset,
+              "resets the connection after \"bytes\" bytes of the reply (default 0)", kNoReply},
+    FaultKind{"delay",              "pace",     true,  nullptr,            nullptr,            delay,
+              "answers late, by \"delayMs\" milliseconds (default 5000)", kTrueAnswer},
+    FaultKind{"drip",               "pace",     true,  nullptr,            nullptr,            drip,
+              "sends \"chunk\" bytes (default 1) every \"intervalMs\" milliseconds (default 10)", kTrueAnswer},
 };
 // clang-format on
 
@@ -204,8 +212,9 @@ constexpr std::array kinds = {
 
 Json faultKinds() {
     Json out = Json::array();
-    for (const FaultKind& kind : kinds) {
+    for (const FaultKind& kind : kKinds) {
         out.push_back({{"name", kind.name},
+                       {"strikes", kind.strikes},
                        {"does", kind.does},
                        {"clientSees", kind.clientSees},
                        {"runsCommand", kind.runsCommand}});
@@ -214,9 +223,9 @@ Json faultKinds() {
 }
 
 const FaultKind& faultNamed(std::string_view name) {
-    const auto found = std::find_if(kinds.begin(), kinds.end(),
+    const auto found = std::find_if(kKinds.begin(), kKinds.end(),
                                     [name](const FaultKind& kind) { return kind.name == name; });
-    if (found == kinds.end()) {
+    if (found == kKinds.end()) {
         throw std::runtime_error("there is no fault \"" + std::string(name) + "\"");
     }
     return *found;

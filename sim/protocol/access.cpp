@@ -1,37 +1,31 @@
 #include "sim/protocol/access.h"
 
-#include <stdexcept>
-
 #include "sim/protocol/apiRequest.h"
+#include "sim/text/jsonNode.h"
 
 namespace sim {
 
 namespace {
 
-std::set<std::string> texts(const Json& content, const char* name) {
-    return content.value(name, std::set<std::string>());
+std::set<std::string> textSet(const JsonNode& content, const char* name) {
+    const std::vector<std::string> texts = content.texts(name);
+    return {texts.begin(), texts.end()};
 }
 
 }  // namespace
 
-Access::Access(const Json& content) : m_anyone(false) {
-    onlyMembers(content, "the credentials file", {"users", "tokens", "sessionKeys"});
-    if (content.empty()) {
-        throw std::runtime_error(
-            "the credentials file needs \"users\", \"tokens\" or \"sessionKeys\"");
+Access::Access(const Json& json, const std::string& source) : m_anyone(false) {
+    const JsonNode content(json, source);
+    content.only({"users", "tokens", "sessionKeys"});
+    if (json.empty()) {
+        content.fail("needs \"users\", \"tokens\" or \"sessionKeys\"");
     }
-    try {
-        for (const Json& user : content.value("users", Json::array())) {
-            onlyMembers(user, "a user", {"user", "password"});
-            m_credentials.insert(user.at("user").get<std::string>() + ":" +
-                                 user.at("password").get<std::string>());
-        }
-        m_tokens = texts(content, "tokens");
-        m_sessionKeys = texts(content, "sessionKeys");
-    } catch (const Json::exception&) {
-        // Its message could quote a secret.
-        throw std::runtime_error("the credentials file does not have the form it should have");
+    for (const JsonNode& user : content.list("users")) {
+        user.only({"user", "password"});
+        m_credentials.insert(user.text("user") + ":" + user.text("password"));
     }
+    m_tokens = textSet(content, "tokens");
+    m_sessionKeys = textSet(content, "sessionKeys");
 }
 
 bool Access::accepts(const ApiRequest& request) const {
@@ -39,8 +33,8 @@ bool Access::accepts(const ApiRequest& request) const {
         return !request.credentials.empty() || !request.authToken.empty() ||
                !request.sessionKey.empty();
     }
-    return m_credentials.count(request.credentials) > 0 || m_tokens.count(request.authToken) > 0 ||
-           m_sessionKeys.count(request.sessionKey) > 0;
+    return m_credentials.contains(request.credentials) || m_tokens.contains(request.authToken) ||
+           m_sessionKeys.contains(request.sessionKey);
 }
 
 }  // namespace sim

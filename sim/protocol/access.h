@@ -14,9 +14,9 @@ class Access {
 public:
     /// Accepts every request that brings credentials, a token or a session key.
     Access() = default;
-    /// Accepts what the content of a credentials file names (docs/simulator.md). Throws
+    /// Accepts what the content of the credentials file `source` names (docs/simulator.md). Throws
     /// std::runtime_error when it is wrong.
-    explicit Access(const Json& content);
+    Access(const Json& json, const std::string& source);
 
     bool accepts(const ApiRequest& request) const;
 

@@ -7,7 +7,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 std::string methodReturn(bool successful, std::string_view code, std::string_view error,
                          std::string_view localized, std::string_view detail,
@@ -41,7 +41,7 @@ std::string failureReturn(const Refusal& refusal) {
 }
 
 std::string replyDocument(std::string_view methodReturns) {
-    return std::string(declaration) + xmlWrap("compapi", methodReturns);
+    return std::string(kDeclaration) + xmlWrap("compapi", methodReturns);
 }
 
 void fillReply(std::string document, protoIPCMsg::GPBIPCMsg& message) {

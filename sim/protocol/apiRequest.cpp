@@ -62,9 +62,9 @@ bool ApiRequest::has(const std::string& name) const {
 }
 
 const std::string& ApiRequest::text(const std::string& name) const {
-    static const std::string nothing;
+    static const std::string kNothing;
     const auto found = attributes.find(name);
-    return found == attributes.end() ? nothing : found->second;
+    return found == attributes.end() ? kNothing : found->second;
 }
 
 std::vector<Record> ApiRequest::records(const std::string& name,

@@ -8,6 +8,7 @@ namespace sim {
 
 struct ApiRequest;
 class ArrayState;
+class JsonNode;
 
 /// One method of the management API as this array knows it.
 struct Command {
@@ -29,5 +30,11 @@ std::string runCommand(ArrayState& state, const ApiRequest& request, bool author
 
 /// All commands and associations: "TarnHostCache::Ping", "TarnServer::HbaList" and so on.
 std::vector<std::string> commandNames();
+
+/// Whether `wanted` means this command: its label, its name without the object, or "*".
+bool commandMatches(std::string_view wanted, std::string_view label);
+
+/// Throws std::runtime_error, which names `place`, unless `wanted` means a command of this array.
+void checkCommand(const JsonNode& place, const std::string& wanted);
 
 }  // namespace sim

@@ -8,13 +8,14 @@
 #include "sim/protocol/command.h"
 #include "sim/protocol/hostCacheCommands.h"
 #include "sim/protocol/objectCommands.h"
+#include "sim/text/jsonNode.h"
 
 namespace sim {
 
 namespace {
 
-constexpr std::string_view hostCache = "TarnHostCache";
-constexpr std::string_view server = "TarnServer";
+constexpr std::string_view kHostCache = "TarnHostCache";
+constexpr std::string_view kServer = "TarnServer";
 
 // How to add a command: write its function, which takes what it needs from the request, works
 // on the state, raises Refusal with a sentence that says what is wrong, and returns the value
@@ -23,26 +24,26 @@ constexpr std::string_view server = "TarnServer";
 // HccName and Hostname are optional for a cluster, and the service sends neither SanOpaque nor
 // ManagementIpAddressList.
 // clang-format off
-const std::array commands = {
+const std::array kCommands = {
     //      object     command                    open   required                                         function
-    Command{hostCache, "Ping",                    true,  {},                                              ping},
-    Command{hostCache, "AddHccToSan",             false, {"HccId", "HccKey", "Ipv4AddressPortList"},      addHccToSan},
-    Command{hostCache, "RemoveHccFromSan",        false, {"HccId"},                                       removeHccFromSan},
-    Command{hostCache, "RenameHccInSan",          false, {"HccId", "Name"},                               renameHccInSan},
-    Command{hostCache, "NewPrimaryCfmAddress",    false, {"HccId"},                                       newPrimaryCfmAddress},
-    Command{hostCache, "AddServer",               false, {"HccId", "HcnId", "HcnStorageInterfaceList",
+    Command{kHostCache, "Ping",                    true,  {},                                              ping},
+    Command{kHostCache, "AddHccToSan",             false, {"HccId", "HccKey", "Ipv4AddressPortList"},      addHccToSan},
+    Command{kHostCache, "RemoveHccFromSan",        false, {"HccId"},                                       removeHccFromSan},
+    Command{kHostCache, "RenameHccInSan",          false, {"HccId", "Name"},                               renameHccInSan},
+    Command{kHostCache, "NewPrimaryCfmAddress",    false, {"HccId"},                                       newPrimaryCfmAddress},
+    Command{kHostCache, "AddServer",               false, {"HccId", "HcnId", "HcnStorageInterfaceList",
                                                           "Ipv4AddressPortList"},                         addServer},
-    Command{hostCache, "RemoveServer",            false, {"HccId", "HcnId"},                              removeServer},
-    Command{hostCache, "HccAttachVolume",         false, {"HccId", "VolumeId"},                           hccAttachVolume},
-    Command{hostCache, "HccDetachVolume",         false, {"HccId", "VolumeId"},                           hccDetachVolume},
-    Command{hostCache, "MakeDataAvailable",       false, {"HccId", "HcnId", "VolumeId"},                  makeDataAvailable},
-    Command{hostCache, "MakeDataUnavailable",     false, {"HccId", "HcnId", "VolumeId"},                  makeDataUnavailable},
-    Command{hostCache, "FlushComplete",           false, {"HccId", "SnapshotId", "VolumeId"},             flushComplete},
-    Command{hostCache, "SnapshotPrepareComplete", false, {"HccId", "SnapshotId", "VolumeId"},             snapshotPrepareComplete},
-    Command{hostCache, "Get",                     false, {"InstanceId"},                                  getObject},
-    Command{hostCache, "GetList",                 false, {},                                              getObjectList},
-    Command{server,    "Get",                     false, {"InstanceId"},                                  getObject},
-    Command{server,    "GetList",                 false, {},                                              getObjectList},
+    Command{kHostCache, "RemoveServer",            false, {"HccId", "HcnId"},                              removeServer},
+    Command{kHostCache, "HccAttachVolume",         false, {"HccId", "VolumeId"},                           hccAttachVolume},
+    Command{kHostCache, "HccDetachVolume",         false, {"HccId", "VolumeId"},                           hccDetachVolume},
+    Command{kHostCache, "MakeDataAvailable",       false, {"HccId", "HcnId", "VolumeId"},                  makeDataAvailable},
+    Command{kHostCache, "MakeDataUnavailable",     false, {"HccId", "HcnId", "VolumeId"},                  makeDataUnavailable},
+    Command{kHostCache, "FlushComplete",           false, {"HccId", "SnapshotId", "VolumeId"},             flushComplete},
+    Command{kHostCache, "SnapshotPrepareComplete", false, {"HccId", "SnapshotId", "VolumeId"},             snapshotPrepareComplete},
+    Command{kHostCache, "Get",                     false, {"InstanceId"},                                  getObject},
+    Command{kHostCache, "GetList",                 false, {},                                              getObjectList},
+    Command{kServer,    "Get",                     false, {"InstanceId"},                                  getObject},
+    Command{kServer,    "GetList",                 false, {},                                              getObjectList},
 };
 // clang-format on
 
@@ -53,10 +54,10 @@ const Command& commandFor(const ApiRequest& request) {
     if (request.isAssociation) {
         return association;
     }
-    const auto command = std::find_if(commands.begin(), commands.end(), [&](const Command& row) {
+    const auto command = std::find_if(kCommands.begin(), kCommands.end(), [&](const Command& row) {
         return row.object == request.object && row.name == request.command;
     });
-    if (command == commands.end()) {
+    if (command == kCommands.end()) {
         throw Refusal("UnknownCommand", "Command " + request.label() + " is not supported",
                       "The array simulator does not know this command.");
     }
@@ -88,9 +89,25 @@ std::string runCommand(ArrayState& state, const ApiRequest& request, bool author
 
 std::vector<std::string> commandNames() {
     std::vector<std::string> names = associationNames();
-    std::transform(commands.begin(), commands.end(), std::inserter(names, names.begin()),
+    std::transform(kCommands.begin(), kCommands.end(), std::inserter(names, names.begin()),
                    [](const Command& row) { return commandLabel(row.object, row.name); });
     return names;
+}
+
+bool commandMatches(std::string_view wanted, std::string_view label) {
+    if (wanted == "*" || wanted == label) {
+        return true;
+    }
+    const auto separator = label.find("::");
+    return separator != std::string_view::npos && wanted == label.substr(separator + 2);
+}
+
+void checkCommand(const JsonNode& place, const std::string& wanted) {
+    const std::vector<std::string> names = commandNames();
+    if (std::none_of(names.begin(), names.end(),
+                     [&](const std::string& name) { return commandMatches(wanted, name); })) {
+        place.fail("has to name a command: there is no command \"" + wanted + "\"");
+    }
 }
 
 }  // namespace sim

@@ -27,10 +27,10 @@ std::string_view takeUntil(std::string_view& text, char separator) {
 }
 
 std::string withHyphens(std::string_view text) {
-    constexpr std::string_view escape = "&hy&";
+    constexpr std::string_view kEscape = "&hy&";
     std::string out(text);
-    for (auto at = out.find(escape); at != std::string::npos; at = out.find(escape, at + 1)) {
-        out.replace(at, escape.size(), "-");
+    for (auto at = out.find(kEscape); at != std::string::npos; at = out.find(kEscape, at + 1)) {
+        out.replace(at, kEscape.size(), "-");
     }
     return out;
 }
@@ -66,7 +66,7 @@ struct Operator {
 };
 
 // clang-format off
-constexpr std::array operators = {
+constexpr std::array kOperators = {
     Operator{"=",    "eq",   [](const std::string& a, const std::string& b) { return compare(a, b) == 0; }},
     Operator{">",    "gt",   [](const std::string& a, const std::string& b) { return compare(a, b) > 0; }},
     Operator{">=",   "gteq", [](const std::string& a, const std::string& b) { return compare(a, b) >= 0; }},
@@ -96,11 +96,11 @@ bool ListFilter::holds(const Condition& condition, const Attributes& object) {
     const auto attribute = std::find_if(object.begin(), object.end(), [&](const auto& entry) {
         return entry.first == condition.name;
     });
-    const auto op = std::find_if(operators.begin(), operators.end(), [&](const Operator& row) {
+    const auto op = std::find_if(kOperators.begin(), kOperators.end(), [&](const Operator& row) {
         return row.sign == condition.op || row.word == condition.op;
     });
     // An empty value matches nothing, whatever is asked.
-    return attribute != object.end() && !attribute->second.empty() && op != operators.end() &&
+    return attribute != object.end() && !attribute->second.empty() && op != kOperators.end() &&
            op->matches(attribute->second, condition.value);
 }
 

@@ -26,7 +26,7 @@ struct Association {
 };
 
 // To add a class, give it a function that lists its objects and a row here.
-constexpr std::array classes = {
+constexpr std::array kClasses = {
     ObjectClass{"TarnHostCache", hostCacheObjects},
     ObjectClass{"TarnServer", serverObjects},
 };
@@ -46,7 +46,7 @@ std::vector<ApiObject> none(ArrayState& /*state*/, const ApiObject& /*from*/) {
 // To add an association, give it a function that leads from one object to others and a row
 // here. This array keeps no figures on usage, no multi-path state and no mapping profiles.
 // clang-format off
-constexpr std::array associations = {
+constexpr std::array kAssociations = {
     //          from             name                  many   leads to
     Association{"TarnHostCache", "ServerList",         true,  serversOf},
     Association{"TarnServer",    "HostCache",          false, hostCacheOf},
@@ -61,9 +61,9 @@ constexpr std::array associations = {
 // clang-format on
 
 std::vector<ApiObject> objectsOf(ArrayState& state, const std::string& name) {
-    const auto found = std::find_if(classes.begin(), classes.end(),
+    const auto found = std::find_if(kClasses.begin(), kClasses.end(),
                                     [&](const ObjectClass& row) { return row.name == name; });
-    return found == classes.end() ? std::vector<ApiObject>() : found->list(state);
+    return found == kClasses.end() ? std::vector<ApiObject>() : found->list(state);
 }
 
 ApiObject find(ArrayState& state, const ApiRequest& request) {
@@ -105,10 +105,10 @@ std::string getObjectList(ArrayState& state, const ApiRequest& request) {
 
 std::string followAssociation(ArrayState& state, const ApiRequest& request) {
     const auto row =
-        std::find_if(associations.begin(), associations.end(), [&](const Association& a) {
+        std::find_if(kAssociations.begin(), kAssociations.end(), [&](const Association& a) {
             return a.object == request.object && a.name == request.command;
         });
-    if (row == associations.end()) {
+    if (row == kAssociations.end()) {
         throw Refusal("UnknownCommand", "Association " + request.label() + " is not supported",
                       "The array simulator does not know this association.");
     }
@@ -117,7 +117,7 @@ std::string followAssociation(ArrayState& state, const ApiRequest& request) {
 
 std::vector<std::string> associationNames() {
     std::vector<std::string> names;
-    std::transform(associations.begin(), associations.end(), std::back_inserter(names),
+    std::transform(kAssociations.begin(), kAssociations.end(), std::back_inserter(names),
                    [](const Association& row) { return commandLabel(row.object, row.name); });
     return names;
 }

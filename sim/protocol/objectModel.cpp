@@ -9,8 +9,8 @@ namespace sim {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> liteAttributes = {"InstanceId", "InstanceName",
-                                                            "ObjectType"};
+constexpr std::array<std::string_view, 3> kLiteAttributes = {"InstanceId", "InstanceName",
+                                                             "ObjectType"};
 
 std::string textOf(const Row& row, const char* column) {
     return row[column].get<std::string>();
@@ -52,7 +52,7 @@ ApiObject plainObject(const Row& array, std::string type, std::int64_t number,
 ApiObject hostCacheObject(const Row& array, const Row& row) {
     ApiObject object{"TarnHostCache", {}, row["n"].get<std::int64_t>()};
     object.attributes = {
-        {"HostCacheConnectivityStatus", "Up"},
+        {"HostCacheConnectivityStatus", "Connected"},
         {"HostCacheId", textOf(row, "id")},
         {"Managed", "True"},
         {"ManagementIpAddress", textOf(row, "address")},
@@ -106,10 +106,10 @@ ApiObject serverObject(ArrayState& state, const Row& array, const Row& row) {
 }  // namespace
 
 const std::string& ApiObject::text(std::string_view name) const {
-    static const std::string nothing;
+    static const std::string kNothing;
     const auto found = std::find_if(attributes.begin(), attributes.end(),
                                     [&](const auto& entry) { return entry.first == name; });
-    return found == attributes.end() ? nothing : found->second;
+    return found == attributes.end() ? kNothing : found->second;
 }
 
 std::vector<ApiObject> hostCacheObjects(ArrayState& state) {
@@ -164,8 +164,8 @@ std::vector<ApiObject> hostCacheOf(ArrayState& state, const ApiObject& server) {
 std::string objectXml(const ApiObject& object, bool lite) {
     std::string content;
     for (const auto& [name, text] : object.attributes) {
-        if (!lite ||
-            std::find(liteAttributes.begin(), liteAttributes.end(), name) != liteAttributes.end()) {
+        if (!lite || std::find(kLiteAttributes.begin(), kLiteAttributes.end(), name) !=
+                         kLiteAttributes.end()) {
             content += xmlElement(name, text);
         }
     }

@@ -1,20 +1,20 @@
 #include "sim/simctl/stateText.h"
 
-#include "sim/exchanges/exchange.h"
+#include "apiMgmt/common/text/safeText.h"
 
 namespace sim {
 
 namespace {
 
 std::string textOf(const Json& object, const char* name) {
-    return oneLine(object.value(name, ""));
+    return text::oneLine(object.value(name, ""));
 }
 
 /// The document, every line set off from the left; line ends are the layout's own.
 std::string block(const std::string& title, const Json& document) {
     std::string out = "  " + title + "\n    ";
-    for (const char c : document.get<std::string>()) {
-        out += c == '\n' ? "\n    " : oneLine(std::string(1, c));
+    for (const char c : text::printable(document.get<std::string>())) {
+        out += c == '\n' ? "\n    " : std::string(1, c);
     }
     return out + "\n";
 }
@@ -22,7 +22,7 @@ std::string block(const std::string& title, const Json& document) {
 std::string joined(const Json& list, const char* nothing) {
     std::string out;
     for (const Json& item : list) {
-        out += (out.empty() ? "" : ", ") + oneLine(item.get<std::string>());
+        out += (out.empty() ? "" : ", ") + text::oneLine(item.get<std::string>());
     }
     return out.empty() ? nothing : out;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -20,13 +19,5 @@ Json parseJson(const std::string& text, const std::string& what);
 
 /// The JSON in a file. Throws std::runtime_error that names the file.
 Json readJsonFile(const std::string& file);
-
-/// What the JSON library says, without the mark that it sets before.
-std::string plainText(const Json::exception& problem);
-
-/// Throws std::runtime_error unless `value` is an object that has no members but these; `what`
-/// names it in the message.
-void onlyMembers(const Json& value, const std::string& what,
-                 std::initializer_list<std::string_view> names);
 
 }  // namespace sim

@@ -1,315 +1,317 @@
 #include "sim/wire/ipcServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <asio.hpp>
 #include <cerrno>
+#include <memory>
+#include <set>
 #include <system_error>
+
+#include "apiMgmt/common/ipc/ipcFraming.h"
 
 namespace sim {
 
 namespace {
 
-[[noreturn]] void fail(const char* what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
+using asio::ip::tcp;
+using Clock = std::chrono::steady_clock;
+using Milliseconds = ReplyPlan::Milliseconds;
+using ErrorCode = asio::error_code;
 
 void allowManyDescriptors() {
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
-        limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 2 * IpcServer::maxConnections);
+        limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 2 * IpcServer::kMaxConnections);
         ::setrlimit(RLIMIT_NOFILE, &limit);
     }
 }
 
-int tcpSocket(int flags) {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
-    if (fd < 0) {
-        fail("socket");
+tcp::endpoint loopback(int port) {
+    return {asio::ip::address_v4::loopback(), static_cast<asio::ip::port_type>(port)};
+}
+
+/// What becomes of one connection: its request is read, its reply waits, is written piece by
+/// piece, and then the peer is given time to close. Lives as long as something is awaited for it.
+class Connection : public std::enable_shared_from_this<Connection> {
+public:
+    /// Who keeps the connections, and what they are kept for.
+    struct Keeper {
+        IpcServer::Handler answer;
+        IpcServer::Complaint complain;
+        std::set<std::shared_ptr<Connection>> connections;
+    };
+
+    Connection(tcp::socket socket, Keeper& keeper)
+        : m_socket(std::move(socket)), m_timer(m_socket.get_executor()), m_keeper(keeper) {}
+
+    void start() {
+        wakeAfter(IpcServer::kIdleLimit);
+        readRequest();
     }
-    return fd;
-}
 
-sockaddr_in loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
+    /// Whether the peer is the one that is waited for, and since when: the earlier it will be
+    /// given up, the longer it has been silent.
+    bool waitsForPeer() const { return m_phase == Phase::reading || m_phase == Phase::lingering; }
+    Clock::time_point wakesAt() const { return m_timer.expiry(); }
 
-int listenOnLoopback(int port) {
-    const int fd = tcpSocket(SOCK_NONBLOCK);
-    const int on = 1;
-    ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
-    const sockaddr_in address = loopback(port);
-    if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
-        ::listen(fd, SOMAXCONN) != 0) {
-        const int error = errno;
-        ::close(fd);
-        errno = error;
-        fail(("cannot listen on 127.0.0.1:" + std::to_string(port)).c_str());
+    void skip(Milliseconds time) {
+        if (m_phase == Phase::waiting) {
+            wakeAt(m_timer.expiry() - time);
+        }
     }
-    return fd;
-}
 
-int boundPort(int fd) {
-    sockaddr_in address{};
-    socklen_t size = sizeof(address);
-    if (::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-        fail("getsockname");
+    void close() {
+        ErrorCode ignored;
+        m_socket.close(ignored);
+        m_timer.cancel();
+        m_keeper.connections.erase(shared_from_this());
     }
-    return ntohs(address.sin_port);
-}
 
-bool wouldBlock() {
-    return errno == EAGAIN || errno == EWOULDBLOCK;
-}
+private:
+    enum class Phase { reading, waiting, writing, lingering };
+
+    tcp::socket m_socket;
+    asio::steady_timer m_timer;  // one at a time: the next piece is due, or the peer is too slow
+    Keeper& m_keeper;
+    Phase m_phase = Phase::reading;
+    ipcFraming::FrameReader m_reader;
+    ReplyPlan m_plan;
+    std::size_t m_sent = 0;
+    std::array<char, 512> m_rest{};  // what comes after the request, and is thrown away
+    bool m_drains = false;
+
+    void wakeAfter(Clock::duration wait) { wakeAt(Clock::now() + wait); }
+
+    void wakeAt(Clock::time_point time) {
+        m_timer.expires_at(time);
+        m_timer.async_wait([self = shared_from_this()](const ErrorCode& error) {
+            // A timer that was set anew may have gone off already.
+            if (!error && self->m_socket.is_open() && self->m_timer.expiry() <= Clock::now()) {
+                self->onTimer();
+            }
+        });
+    }
+
+    void onTimer() {
+        if (m_phase == Phase::waiting) {
+            return writeReply();
+        }
+        if (m_phase == Phase::reading) {
+            m_keeper.complain("connection dropped: no whole request in time");
+        }
+        close();
+    }
+
+    void readRequest() {
+        const auto room = m_reader.room();
+        m_socket.async_read_some(
+            asio::buffer(room.data(), room.size()),
+            [self = shared_from_this()](const ErrorCode& error, std::size_t count) {
+                if (self->m_socket.is_open()) {
+                    error ? self->onBrokenRequest() : self->onBytes(count);
+                }
+            });
+    }
+
+    void onBrokenRequest() {
+        if (m_reader.received() > 0) {
+            m_keeper.complain("connection closed in the middle of a request");
+        }
+        close();
+    }
+
+    void onBytes(std::size_t count) {
+        switch (m_reader.added(count)) {
+            case ipcFraming::FrameReader::State::wantsMore:
+                return readRequest();
+            case ipcFraming::FrameReader::State::badLength:
+                m_keeper.complain("connection refused: impossible frame length");
+                return close();
+            case ipcFraming::FrameReader::State::complete:
+                return prepareReply();
+        }
+    }
+
+    void prepareReply() {
+        m_plan = m_keeper.answer(m_reader.body());
+        if (m_plan.chunk == 0) {
+            m_plan.chunk = std::max<std::size_t>(m_plan.bytes.size(), 1);
+        }
+        m_plan.delay.count() > 0 ? wait(m_plan.delay) : writeReply();
+    }
+
+    void wait(Milliseconds time) {
+        m_phase = Phase::waiting;
+        wakeAfter(time);
+        drain();
+    }
+
+    void writeReply() {
+        const std::size_t pieceEnd =
+            std::min((m_sent / m_plan.chunk + 1) * m_plan.chunk, m_plan.bytes.size());
+        if (m_sent == pieceEnd) {
+            return finish();
+        }
+        m_phase = Phase::writing;
+        wakeAfter(IpcServer::kIdleLimit);
+        m_socket.async_write_some(
+            asio::buffer(m_plan.bytes.data() + m_sent, pieceEnd - m_sent),
+            [self = shared_from_this(), pieceEnd](const ErrorCode& error, std::size_t count) {
+                if (self->m_socket.is_open()) {
+                    self->m_sent += count;
+                    error ? self->close() : self->onWritten(pieceEnd);
+                }
+            });
+    }
+
+    void onWritten(std::size_t pieceEnd) {
+        const bool pause = m_sent == pieceEnd && m_sent < m_plan.bytes.size();
+        pause ? wait(m_plan.interval) : writeReply();
+    }
+
+    void finish() {
+        if (m_plan.reset) {
+            ErrorCode ignored;
+            m_socket.set_option(asio::socket_base::linger(true, 0), ignored);
+        }
+        if (m_plan.reset || m_plan.closeAfter) {
+            return close();
+        }
+        m_phase = Phase::lingering;
+        wakeAfter(IpcServer::kIdleLimit);
+        drain();
+    }
+
+    /// A connection carries one request; what else comes is thrown away until the peer closes.
+    void drain() {
+        if (std::exchange(m_drains, true)) {
+            return;
+        }
+        m_socket.async_read_some(
+            asio::buffer(m_rest),
+            [self = shared_from_this()](const ErrorCode& error, std::size_t /*count*/) {
+                self->m_drains = false;
+                if (!self->m_socket.is_open() || self->m_phase == Phase::writing) {
+                    return;  // while a piece is on its way, writing finds out about the peer
+                }
+                error ? self->close() : self->drain();
+            });
+    }
+};
 
 }  // namespace
 
-IpcServer::IpcServer(int port, Handler handler, Complaint complaint)
-    : m_handler(std::move(handler)), m_complaint(std::move(complaint)) {
-    allowManyDescriptors();
-    m_listener = listenOnLoopback(port);
-    m_port = boundPort(m_listener);
-    m_epoll = ::epoll_create1(EPOLL_CLOEXEC);
-    if (m_epoll < 0) {
-        fail("epoll_create1");
+class IpcServer::Loop {
+public:
+    Loop(int port, Handler handler, Complaint complaint)
+        : m_keeper{std::move(handler), std::move(complaint), {}}, m_acceptor(m_context) {
+        try {
+            m_acceptor.open(tcp::v4());
+            m_acceptor.set_option(tcp::acceptor::reuse_address(true));
+            m_acceptor.bind(loopback(port));
+            m_acceptor.listen();
+        } catch (const asio::system_error& failure) {
+            throw std::system_error(failure.code().value(), std::generic_category(),
+                                    "cannot listen on 127.0.0.1:" + std::to_string(port));
+        }
     }
-    watch(m_listener, EPOLLIN);
+
+    // Every connection holds itself by what it waits for, and that goes with the context.
+    ~Loop() { m_keeper.connections.clear(); }
+    Loop(const Loop&) = delete;
+    Loop& operator=(const Loop&) = delete;
+
+    int port() const { return m_acceptor.local_endpoint().port(); }
+
+    void run(int stopFd) {
+        asio::posix::stream_descriptor stop(m_context, ::dup(stopFd));
+        stop.async_wait(asio::posix::stream_descriptor::wait_read,
+                        [this](const ErrorCode&) { m_context.stop(); });
+        accept();
+        m_context.run();
+    }
+
+    void skip(Milliseconds time) {
+        asio::post(m_context, [this, time] {
+            for (const auto& connection : m_keeper.connections) {
+                connection->skip(time);
+            }
+        });
+    }
+
+private:
+    Connection::Keeper m_keeper;
+    asio::io_context m_context{1};
+    tcp::acceptor m_acceptor;
+
+    void accept() {
+        m_acceptor.async_accept([this](const ErrorCode& error, tcp::socket socket) {
+            if (!error) {
+                const auto connection = std::make_shared<Connection>(std::move(socket), m_keeper);
+                m_keeper.connections.insert(connection);
+                connection->start();
+            }
+            const bool noDescriptor = error.value() == EMFILE || error.value() == ENFILE;
+            if (noDescriptor || m_keeper.connections.size() >= kMaxConnections) {
+                makeRoom();
+            }
+            accept();
+        });
+    }
+
+    void makeRoom() {
+        // The one that has been silent for longest makes way, never one that is being answered
+        // while there is another.
+        const auto victim =
+            std::min_element(m_keeper.connections.begin(), m_keeper.connections.end(),
+                             [](const auto& left, const auto& right) {
+                                 return std::pair(!left->waitsForPeer(), left->wakesAt()) <
+                                        std::pair(!right->waitsForPeer(), right->wakesAt());
+                             });
+        if (victim != m_keeper.connections.end()) {
+            m_keeper.complain("connection dropped: too many at once");
+            std::shared_ptr(*victim)->close();
+        }
+    }
+};
+
+IpcServer::IpcServer(int port, Handler handler, Complaint complaint) {
+    allowManyDescriptors();
+    m_loop = std::make_unique<Loop>(port, std::move(handler), std::move(complaint));
 }
+
+IpcServer::~IpcServer() = default;
 
 bool IpcServer::isServed(int port) {
-    const int fd = tcpSocket(0);
-    const sockaddr_in own = loopback(0);
-    const sockaddr_in address = loopback(port);
+    asio::io_context context;
+    tcp::socket socket(context);
+    ErrorCode error;
+    socket.open(tcp::v4(), error);
     // With a port of its own already, the socket cannot get the one asked about and meet itself.
-    const bool served =
-        ::bind(fd, reinterpret_cast<const sockaddr*>(&own), sizeof(own)) == 0 &&
-        ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    ::close(fd);
-    return served;
+    if (!error) {
+        socket.bind(loopback(0), error);
+    }
+    if (!error) {
+        socket.connect(loopback(port), error);
+    }
+    return !error;
 }
 
-IpcServer::~IpcServer() {
-    for (const auto& [fd, connection] : m_connections) {
-        ::close(fd);
-    }
-    ::close(m_listener);
-    ::close(m_epoll);
+int IpcServer::port() const {
+    return m_loop->port();
 }
 
 void IpcServer::run(int stopFd) {
-    watch(stopFd, EPOLLIN);
-    std::array<epoll_event, 256> events{};
-    for (;;) {
-        const int count =
-            ::epoll_wait(m_epoll, events.data(), static_cast<int>(events.size()), waitTime());
-        if (count < 0 && errno != EINTR) {
-            fail("epoll_wait");
-        }
-        for (int i = 0; i < count; ++i) {
-            const int fd = events[static_cast<std::size_t>(i)].data.fd;
-            if (fd == stopFd) {
-                return;
-            }
-            fd == m_listener ? acceptAll() : onEvent(fd);
-        }
-        runTimers();
-    }
+    m_loop->run(stopFd);
 }
 
-void IpcServer::acceptAll() {
-    for (;;) {
-        if (m_connections.size() >= maxConnections) {
-            makeRoom();
-        }
-        const int fd = ::accept4(m_listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-        if (fd < 0 && errno == EMFILE && !m_connections.empty()) {
-            makeRoom();
-            continue;
-        }
-        if (fd < 0) {
-            return;
-        }
-        auto& connection = *(m_connections[fd] = std::make_unique<Connection>());
-        wakeAfter(fd, connection, idleLimit);
-        watch(fd, EPOLLIN);
-    }
-}
-
-void IpcServer::makeRoom() {
-    // The one that has been silent for longest makes way, never one that is being answered.
-    const auto silent = std::find_if(m_timers.begin(), m_timers.end(), [this](const auto& timer) {
-        const auto phase = m_connections.at(timer.second)->phase;
-        return phase == Connection::Phase::reading || phase == Connection::Phase::lingering;
-    });
-    const int victim = silent == m_timers.end() ? m_timers.begin()->second : silent->second;
-    m_complaint("connection dropped: too many at once");
-    close(victim);
-}
-
-void IpcServer::onEvent(int fd) {
-    const auto found = m_connections.find(fd);
-    if (found == m_connections.end()) {
-        return;  // closed by an earlier event of the same round
-    }
-    Connection& connection = *found->second;
-    switch (connection.phase) {
-        case Connection::Phase::reading:
-            return readRequest(fd, connection);
-        case Connection::Phase::writing:
-            return writeReply(fd, connection);
-        case Connection::Phase::waiting:
-        case Connection::Phase::lingering:
-            return drain(fd);
-    }
-}
-
-void IpcServer::readRequest(int fd, Connection& connection) {
-    const auto room = connection.reader.room();
-    const ssize_t got = ::recv(fd, room.data(), room.size(), 0);
-    if (got < 0 && (wouldBlock() || errno == EINTR)) {
-        return;
-    }
-    if (got <= 0) {
-        if (connection.reader.received() > 0) {
-            m_complaint("connection closed in the middle of a request");
-        }
-        return close(fd);
-    }
-    switch (connection.reader.added(static_cast<std::size_t>(got))) {
-        case ipcFraming::FrameReader::State::wantsMore:
-            return;
-        case ipcFraming::FrameReader::State::badLength:
-            m_complaint("connection refused: impossible frame length");
-            return close(fd);
-        case ipcFraming::FrameReader::State::complete:
-            return answer(fd, connection);
-    }
-}
-
-void IpcServer::answer(int fd, Connection& connection) {
-    connection.plan = m_handler(connection.reader.body());
-    if (connection.plan.chunk == 0) {
-        connection.plan.chunk = std::max<std::size_t>(connection.plan.bytes.size(), 1);
-    }
-    if (connection.plan.delay.count() > 0) {
-        connection.phase = Connection::Phase::waiting;
-        return wakeAfter(fd, connection, connection.plan.delay);
-    }
-    writeReply(fd, connection);
-}
-
-void IpcServer::writeReply(int fd, Connection& connection) {
-    const ReplyPlan& plan = connection.plan;
-    const std::size_t pieceEnd =
-        std::min((connection.sent / plan.chunk + 1) * plan.chunk, plan.bytes.size());
-    while (connection.sent < pieceEnd) {
-        const ssize_t sent = ::send(fd, plan.bytes.data() + connection.sent,
-                                    pieceEnd - connection.sent, MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR) {
-            continue;
-        }
-        if (sent < 0 && wouldBlock()) {
-            connection.phase = Connection::Phase::writing;
-            wakeAfter(fd, connection, idleLimit);
-            return watch(fd, EPOLLOUT);
-        }
-        if (sent < 0) {
-            return close(fd);
-        }
-        connection.sent += static_cast<std::size_t>(sent);
-    }
-    if (connection.sent == plan.bytes.size()) {
-        return finish(fd, connection);
-    }
-    connection.phase = Connection::Phase::waiting;
-    watch(fd, EPOLLIN);
-    wakeAfter(fd, connection, plan.interval);
-}
-
-void IpcServer::finish(int fd, Connection& connection) {
-    if (connection.plan.reset) {
-        const linger abort{1, 0};
-        ::setsockopt(fd, SOL_SOCKET, SO_LINGER, &abort, sizeof(abort));
-    }
-    if (connection.plan.reset || connection.plan.closeAfter) {
-        return close(fd);
-    }
-    connection.phase = Connection::Phase::lingering;
-    watch(fd, EPOLLIN);
-    wakeAfter(fd, connection, idleLimit);
-}
-
-void IpcServer::drain(int fd) {
-    // A connection carries one request; what else comes is thrown away until the peer closes.
-    std::array<char, 4096> rest{};
-    const ssize_t got = ::recv(fd, rest.data(), rest.size(), 0);
-    if (got == 0 || (got < 0 && !wouldBlock() && errno != EINTR)) {
-        close(fd);
-    }
-}
-
-void IpcServer::onTimer(int fd) {
-    Connection& connection = *m_connections.at(fd);
-    switch (connection.phase) {
-        case Connection::Phase::reading:
-            m_complaint("connection dropped: no whole request in time");
-            return close(fd);
-        case Connection::Phase::waiting:
-            return writeReply(fd, connection);
-        case Connection::Phase::writing:
-        case Connection::Phase::lingering:
-            return close(fd);
-    }
-}
-
-void IpcServer::runTimers() {
-    // A timer that is set anew while this runs waits for the next round.
-    const auto now = Clock::now();
-    while (!m_timers.empty() && m_timers.begin()->first <= now) {
-        onTimer(m_timers.begin()->second);
-    }
-}
-
-int IpcServer::waitTime() const {
-    if (m_timers.empty()) {
-        return -1;
-    }
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(m_timers.begin()->first - Clock::now());
-    return static_cast<int>(std::clamp<long long>(left.count(), 0, 60'000));
-}
-
-void IpcServer::wakeAfter(int fd, Connection& connection, Clock::duration wait) {
-    m_timers.erase({connection.wakeAt, fd});
-    connection.wakeAt = Clock::now() + wait;
-    m_timers.insert({connection.wakeAt, fd});
-}
-
-void IpcServer::watch(int fd, unsigned events) {
-    epoll_event event{};
-    event.events = events;
-    event.data.fd = fd;
-    if (::epoll_ctl(m_epoll, EPOLL_CTL_MOD, fd, &event) != 0 &&
-        (errno != ENOENT || ::epoll_ctl(m_epoll, EPOLL_CTL_ADD, fd, &event) != 0)) {
-        fail("epoll_ctl");
-    }
-}
-
-void IpcServer::close(int fd) {
-    const auto found = m_connections.find(fd);
-    m_timers.erase({found->second->wakeAt, fd});
-    m_connections.erase(found);
-    ::close(fd);
+void IpcServer::skip(ReplyPlan::Milliseconds time) {
+    m_loop->skip(time);
 }
 
 }  // namespace sim

@@ -45,8 +45,9 @@ class ArraySimulator:
         for option, content in files.items():
             command += ["--" + option.replace("_", "-"), self._write(option, content)]
         self.process = subprocess.Popen([*command, *arguments], stdout=subprocess.PIPE, text=True)
-        self.port = self._read_port()
-        self.web_port = self._read_port() if "--web" in arguments else None
+        self.port = int(self._read(r":(\d+)$"))
+        self.web_url = self._read(r"page at (.*)") if "--web" in arguments else None
+        self.web_port = self.web_url and int(re.search(r":(\d+)/", self.web_url).group(1))
         # Read all the time: lines for which the pipe has no room are left out.
         self._reader = threading.Thread(target=lambda: self.lines.extend(self.process.stdout))
         self._reader.start()
@@ -60,11 +61,12 @@ class ArraySimulator:
             json.dump(content, file)
         return file.name
 
-    def _read_port(self):
-        found = re.search(r":(\d+)/?$", self.process.stdout.readline())
+    def _read(self, pattern):
+        """What the next line says."""
+        found = re.search(pattern, self.process.stdout.readline())
         if not found:
             raise RuntimeError("the array simulator did not start")
-        return int(found.group(1))
+        return found.group(1)
 
     def __enter__(self):
         return self

@@ -119,7 +119,16 @@ class CommandTest(unittest.TestCase):
             ("--credentials", "{}", 'needs "users", "tokens" or "sessionKeys"'),
             ("--credentials", '{"tokens":\n["secret', "is no JSON: line 2 is wrong\n"),
             ("--seed-file", '{"array":\n{"name" "x"}\n}', "is no JSON: line 2 is wrong\n"),
-            ("--seed-file", '{"clusters": [{"id": 5}]}', "the seed is wrong: type must be string"),
+            ("--seed-file", '{"clusters": [{"id": 5}]}', ": clusters[0].id has to be a text"),
+            ("--seed-file", '{"clusters": [{"id": "a"}, {"id": "a"}]}',
+             ': clusters[1].id is "a", which is there already'),
+            ("--seed-file", '{"volumes": [{"id": "vol-1"}]}', ": volumes[0].id is \"vol-1\", which"),
+            ("--seed-file", '{"volumes": [{"id": "a", "sizeInBytes": 1e30}]}',
+             ": volumes[0].sizeInBytes has to be a whole number"),
+            ("--seed-file", '{"clusters": [{"id": "a", "attachments": [{"volume": "v"}]}]}',
+             ': clusters[0].attachments[0] cannot be: Volume "v" is not known to this array'),
+            ("--credentials", '{"users": [{"user": "a"}]}', ": users[0].password is missing"),
+            ("--scenario", '{"faults": [{"command": "Ping"}]}', ": faults[0].fault is missing"),
         ]
         for option, content, words in cases:
             with self.subTest(content), tempfile.NamedTemporaryFile("w") as file:
@@ -128,7 +137,8 @@ class CommandTest(unittest.TestCase):
                 ended = run(SIMULATOR, "--port", "0", option, file.name)
                 self.assertEqual(ended.returncode, 1)
                 self.assertIn(words, ended.stderr)
-                self.assertEqual("is no JSON" in words, file.name in ended.stderr)
+                self.assertIn(file.name, ended.stderr)
+                self.assertNotIn("secret", ended.stderr)
 
     def test_objects_filters_and_associations(self):
         port = self.start()
@@ -185,6 +195,9 @@ class CommandTest(unittest.TestCase):
         with ArraySimulator("--state", file, "--volumes", "2") as simulator:
             call(simulator.port, "AddHccToSan")
             call(simulator.port, "HccAttachVolume")
+            second = run(SIMULATOR, "--port", "0", "--state", file)
+            self.assertEqual(second.returncode, 1)
+            self.assertIn("another simulator uses it", second.stderr)
         port = self.enterContext(ArraySimulator("--state", file, "--volumes", "9")).port
         for command, changes, refusal in [
                 ("RemoveHccFromSan", {}, 'still has volume "vol-1"'),

@@ -105,5 +105,5 @@ class PortTest(unittest.TestCase):
                 self.assertIn(f"listening on 127.0.0.1:{port}", simulator.stdout.readline())
                 second = programs.run(*command)
                 self.assertEqual(second.returncode, 1)
-                self.assertIn("Address already in use", second.stderr)
+                self.assertIn("another simulator or an API manager listens", second.stderr)
             self.assertEqual(simulator.returncode, 0)

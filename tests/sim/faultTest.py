@@ -58,13 +58,14 @@ FAULTS = {
     "lengthZero": ({}, lambda d: wire.announced(d) == 0),
     "lengthTooLong": ({}, lambda d: wire.announced(d) == 64 * 1024 * 1024 + 1),
     "lengthHuge": ({}, lambda d: wire.announced(d) == 2**32 - 1),
+    "down": ({}, lambda d: d == b""),
     "closeEarly": ({"bytes": 7}, lambda d: len(d) == 7 and wire.announced(d) > 7),
     "reset": ({}, lambda d: d is None),
     "delay": ({"delayMs": 50}, lambda d: wire.Reply(d).ok),
     "drip": ({"chunk": 100, "intervalMs": 1}, lambda d: wire.Reply(d).ok),
 }
 MANUAL = ROOT / "docs" / "simulator.md"
-NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed", "answer"}
+NOT_RUN = {"refuse", "refuseWithoutTexts", "succeed", "answer", "down"}
 
 
 class FaultTest(unittest.TestCase):
@@ -127,12 +128,12 @@ class FaultTest(unittest.TestCase):
             'there is no command "AddHccTosan"': {"faults": [{**ping, "command": "AddHccTosan"}]},
             'there is no command "TarnServer::Ping"': {
                 "faults": [{**ping, "command": "TarnServer::Ping"}]},
-            'needs a "command"': {"faults": [{"fault": "refuse"}]},
+            'faults[0].command is missing': {"faults": [{"fault": "refuse"}]},
             'no member "comand"': {"faults": [{**ping, "comand": "Ping"}]},
-            '"count" has to be a number': {"faults": [{**ping, "count": -1}]},
-            '"error" has to be a text': {"faults": [{**ping, "error": 1}]},
-            'needs a list "faults"': {},
-            "a scenario has to be an object": [],
+            'faults[0].count has to be a number from 0 to 1000000000': {"faults": [{**ping, "count": -1}]},
+            'faults[0].error has to be a text': {"faults": [{**ping, "error": 1}]},
+            'faults is missing': {},
+            "has to be an object": [],
         }
         for words, scenario in cases.items():
             with self.subTest(words=words), tempfile.NamedTemporaryFile("w") as file:
