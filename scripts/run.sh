@@ -6,15 +6,22 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-usage: scripts/run.sh [--port N] [--no-simulator] [--mpm event|worker|prefork] [--build-only]
+usage: scripts/run.sh [--port N] [--listen ADDRESS] [--tls] [--page ADDRESS] [--no-simulator]
+                      [--mpm event|worker|prefork] [--build-only]
 
-Builds a release and runs it on this machine's loopback: a private Apache httpd with the module
+Builds a release and runs it, on this machine's loopback unless told otherwise: a private Apache httpd with the module
 and the plug-in, and an array simulator that stands in for the array's API manager. Prints the
 service's URLs when a Ping has been answered. Ctrl-C or SIGTERM ends everything that it started.
 Its files are in build/release/run/PORT. Runs of different ports can live beside each other: give
 the later ones --no-simulator, and they use the first one's simulator.
 
   --port N               TCP port of the service, by default 8080
+  --listen ADDRESS       where the service listens, by default 127.0.0.1: an address or a name of
+                         this machine, or 0.0.0.0 for all
+  --tls                  the service over TLS, with a throw-away certificate authority; clients
+                         need the certificate that is made for them
+  --page ADDRESS         where the simulator's page and HTTP interface listen, by default
+                         127.0.0.1; elsewhere they ask for the token that is printed
   --no-simulator         an API manager is already there; it is looked for at the port of the
                          service-database entry ostrel-apimgr, or 35000
   --mpm NAME             how Apache spreads requests: threads (event, the default, or worker) or
@@ -25,12 +32,18 @@ TEXT
 }
 
 port=8080
+listen=127.0.0.1
+page=127.0.0.1
+tls=no
 mpm=event
 simulate=yes
 run=yes
 while [ $# -gt 0 ]; do
     case "$1" in
         --port) port=${2:-}; shift ;;
+        --listen) listen=${2:-}; shift ;;
+        --page) page=${2:-}; shift ;;
+        --tls) tls=yes ;;
         --mpm) mpm=${2:-}; shift ;;
         --no-simulator) simulate=no ;;
         --build-only) run=no ;;
@@ -42,17 +55,29 @@ done
 case "$mpm" in event|worker|prefork) ;; *) die "--mpm is event, worker or prefork" ;; esac
 [[ "$port" =~ ^[1-9][0-9]{0,4}$ && "$port" -le 65535 ]] || die "--port is a number from 1 to 65535"
 
+for address in "$listen" "$page"; do
+    [[ "$address" =~ ^[0-9A-Za-z.:-]+$ ]] || die "--listen and --page take an address or a name"
+done
+
 release="$root/build/release"
 state="$release/run/$port"
-url="http://127.0.0.1:$port/sanService"
+# As it stands in a URL and in the server's configuration: an IPv6 address in brackets.
+host=$listen
+[[ "$listen" != *:* ]] || host="[$listen]"
+# Who asks on this machine: "all addresses" is none to connect to.
+reach=$listen
+[ "$reach" != 0.0.0.0 ] || reach=127.0.0.1
+scheme=http
+[ "$tls" = no ] || scheme=https
+url="$scheme://${host/#0.0.0.0/127.0.0.1}:$port/sanService"
 api_port=$({ getent services ostrel-apimgr/tcp || true; } | awk '{ sub("/.*", "", $2); print $2 }')
 api_port=${api_port:-35000}
 
-is_taken() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
+is_taken() { (exec 3<>"/dev/tcp/${2:-127.0.0.1}/$1") 2>/dev/null; }
 refuse_port() { die "port $port is taken; choose another with --port"; }
 
 if [ "$run" = yes ]; then
-    ! is_taken "$port" || refuse_port
+    ! is_taken "$port" "$reach" || refuse_port
     [ "$simulate" = no ] || ! is_taken "$api_port" || die "port $api_port is taken: is an API \
 manager there already? Then run with --no-simulator"
 fi
@@ -126,7 +151,7 @@ start_simulator() {
     # Its page stands next to the service; when that port is taken, on any free one.
     local page_port=$((port + 1))
     { [ "$page_port" -le 65535 ] && ! is_taken "$page_port"; } || page_port=0
-    start simulator "$release/sim/sanSim" --port "$api_port" --web "$page_port"
+    start simulator "$release/sim/sanSim" --port "$api_port" --web "$page_port" --listen "$page"
     wait_for_simulator
 }
 
@@ -145,13 +170,49 @@ wait_for_simulator() {
 # The address of the simulator's page, as it printed it.
 page_url() { sed -n 's/^page at //p' "$state/simulator.log"; }
 
+# A certificate of the run's own authority: NAME, the line of extensions.
+make_certificate() {
+    local name=$1 extensions=$2
+    openssl req -newkey rsa:2048 -nodes -subj "/O=sanService sandbox/CN=$name" \
+        -keyout "$name.key" -out "$name.csr" 2>/dev/null
+    openssl x509 -req -in "$name.csr" -CA ca.pem -CAkey ca.key -CAcreateserial -days 30 \
+        -extfile <(printf '%s\n' "$extensions") -out "$name.crt" 2>/dev/null
+    cat "$name.crt" "$name.key" >"$name.pem"
+}
+
+# An authority for this run alone, the server's certificate, and one for all clients.
+make_certificates() (
+    umask 077
+    mkdir -p "$state/tls"
+    cd "$state/tls"
+    rm -f ./*
+    openssl req -x509 -newkey rsa:2048 -nodes -days 30 -subj "/O=sanService sandbox/CN=authority" \
+        -keyout ca.key -out ca.pem 2>/dev/null
+    local names="DNS:localhost,IP:127.0.0.1"
+    if [[ "$listen" == *:* || "$listen" =~ ^[0-9.]+$ ]]; then
+        names+=",IP:$listen"
+    else
+        names+=",DNS:$listen"
+    fi
+    make_certificate server "subjectAltName=$names"
+    make_certificate client "extendedKeyUsage=clientAuth"
+)
+
 write_configuration() {
-    local identity=''
+    local identity='' encryption=''
+    if [ "$tls" = yes ]; then
+        encryption="LoadModule ssl_module $modules/mod_ssl.so
+SSLEngine on
+SSLProtocol -all +TLSv1.2 +TLSv1.3
+SSLCertificateFile \"$state/tls/server.pem\"
+SSLCACertificateFile \"$state/tls/ca.pem\"
+SSLVerifyClient require"
+    fi
     [ "$(id -u)" -ne 0 ] || identity=$'User www-data\nGroup www-data'
     cat >"$state/httpd.conf" <<TEXT
 ServerRoot "$state"
 ServerName 127.0.0.1
-Listen 127.0.0.1:$port
+Listen $host:$port
 PidFile "$state/httpd.pid"
 DefaultRuntimeDir "$state"
 DocumentRoot "$state"
@@ -164,6 +225,7 @@ LoadModule authz_core_module $modules/mod_authz_core.so
 LoadModule authz_host_module $modules/mod_authz_host.so
 LoadModule reqtimeout_module $modules/mod_reqtimeout.so
 LoadModule env_module $modules/mod_env.so
+$encryption
 LoadModule gsoap_module "$release/host/mod_gsoap.so"
 <Directory />
     Require all denied
@@ -194,7 +256,11 @@ write_ping() {
 TEXT
 }
 
-ping() { curl -s -m 10 -H 'Content-Type: text/xml' --data-binary "@$state/ping.xml" "$url"; }
+# What curl needs besides.
+trust=()
+[ "$tls" = no ] || trust=(--cacert "$state/tls/ca.pem" --cert "$state/tls/client.pem")
+
+ping() { curl -s -m 10 "${trust[@]}" -H 'Content-Type: text/xml' --data-binary "@$state/ping.xml" "$url"; }
 
 fail_with_logs() {
     tail -n 5 "$state"/*.log >&2 || true
@@ -223,7 +289,7 @@ third_command() {
     if [ "$simulate" = yes ]; then
         echo "$release/sim/simctl --port $api_port log -n 3"
     else
-        echo "curl -s '$url?wsdl'"
+        echo "curl -s ${trust[*]} '$url?wsdl'"
     fi
 }
 
@@ -238,11 +304,16 @@ print_places() {
   other output    $state/*.log
 TEXT
     [ "$simulate" = no ] || echo "  simulated array $(page_url)"
+    [ "$tls" = no ] || cat <<TEXT
+  authority       $state/tls/ca.pem
+  for clients     $state/tls/client.pem (certificate and key)
+  the server's    $state/tls/server.pem
+TEXT
     cat <<TEXT
 
-  try             curl -s -H 'Content-Type: text/xml' \\
+  try             curl -s ${trust[*]} -H 'Content-Type: text/xml' \\
                        --data-binary @$state/ping.xml $url
-                  SANCTL_TOKEN=any $release/client/sanctl --url $url lifecycle
+                  SANCTL_TOKEN=any $release/client/sanctl --url $url ${trust[*]} lifecycle
                   $(third_command)
 
 Ctrl-C ends it.
@@ -253,6 +324,7 @@ rm -f "$state"/*.log "$state/httpd.pid"
 write_ping
 start_log_collector
 [ "$simulate" = no ] || start_simulator
+[ "$tls" = no ] || make_certificates
 start_apache
 wait_for_ping
 print_places

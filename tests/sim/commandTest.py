@@ -122,7 +122,7 @@ class CommandTest(unittest.TestCase):
             ("--seed-file", '{"clusters": [{"id": 5}]}', ": clusters[0].id has to be a text"),
             ("--seed-file", '{"clusters": [{"id": "a"}, {"id": "a"}]}',
              ': clusters[1].id is "a", which is there already'),
-            ("--seed-file", '{"volumes": [{"id": "vol-1"}]}', ": volumes[0].id is \"vol-1\", which"),
+            ("--seed-file", '{"volumes": [{"id": "vol-1"}]}', ": volumes[0].id is "),
             ("--seed-file", '{"volumes": [{"id": "a", "sizeInBytes": 1e30}]}',
              ": volumes[0].sizeInBytes has to be a whole number"),
             ("--seed-file", '{"clusters": [{"id": "a", "attachments": [{"volume": "v"}]}]}',

@@ -130,7 +130,7 @@ class FaultTest(unittest.TestCase):
                 "faults": [{**ping, "command": "TarnServer::Ping"}]},
             'faults[0].command is missing': {"faults": [{"fault": "refuse"}]},
             'no member "comand"': {"faults": [{**ping, "comand": "Ping"}]},
-            'faults[0].count has to be a number from 0 to 1000000000': {"faults": [{**ping, "count": -1}]},
+            'count has to be a number from 0 to 1000000000': {"faults": [{**ping, "count": -1}]},
             'faults[0].error has to be a text': {"faults": [{**ping, "error": 1}]},
             'faults is missing': {},
             "has to be an object": [],

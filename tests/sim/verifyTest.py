@@ -1,7 +1,6 @@
-"""Expectations, rules and recordings against what clusters did, and the scenarios that are ready."""
+"""Expectations, rules and recordings against what clusters did, and the ready scenarios."""
 
 import json
-import os
 import pathlib
 import tempfile
 import unittest
@@ -40,7 +39,8 @@ VERDICTS = [
     ([attach({"like": "v*-2"}, exactly=2)], {}, ""),
     ([attach({"like": "vol"}, exactly=0)], {}, ""),
     ([attach(None)], {}, 'VolumeId is there, and is not expected'),
-    ([{"command": "AddServer", "members": {"HcnId": "hcn-9"}}], {}, 'HcnId is "hcn-1", not "hcn-9"'),
+    ([{"command": "AddServer", "members": {"HcnId": "hcn-9"}}], {},
+     'HcnId is "hcn-1", not "hcn-9"'),
     ([{"command": "AddServer", "members": {"Absent": "x"}}], {}, "Absent is missing"),
     ([{"command": "AddServer", "cluster": "hcc-9"}], {}, 'cluster is "hcc-1", not "hcc-9"'),
     ([{"command": "AddServer", "outcome": "refused"}], {}, 'outcome is "ok", not "refused"'),
