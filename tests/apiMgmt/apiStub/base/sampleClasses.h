@@ -55,7 +55,7 @@ class APISample : public TARNStatusBaseApiObject {
 class APISample::APISampleAddMethod : public BASEApiMethod {
     API_METHOD(Sample, Add, true, VolumeManager);
     // clang-format off
-    API_ATTRIBUTE(Name,    "Name",    STRING,                             20, AtLeast(1));
+    API_ATTRIBUTE(Name,    "Name",    STRING,                             20, Between(1, 3));
     API_ATTRIBUTE(Id,      "Id",      STRING,                             20, NoBounds);
     API_ATTRIBUTE(Key,     "Key",     STRING,                             20, NoBounds);
     API_ATTRIBUTE(Host,    "Host",    STRING,                             20, NoBounds);

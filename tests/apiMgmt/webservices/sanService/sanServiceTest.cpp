@@ -7,6 +7,10 @@
 #include <gtest/gtest.h>
 #include <httpd.h>
 
+#include <atomic>
+#include <cstdio>
+#include <fstream>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -114,6 +118,18 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     }
 }
 
+std::string renameTo(const std::string& name, const std::string& header) {
+    return envelope("<s:RenameHccInSan><name>" + name + "</name></s:RenameHccInSan>", header);
+}
+
+std::string addressesOf(int count, const std::string& header) {
+    std::string entries;
+    while (count-- > 0) {
+        entries += "<mgmtIpAddresses/>";
+    }
+    return envelope("<s:NewPrimaryCfmAddresses>" + entries + "</s:NewPrimaryCfmAddresses>", header);
+}
+
 TEST(SanServiceRequest, OddOnesAreAnswered) {
     const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
     const std::string unknown = "Method 's:GetHcns' not implemented";
@@ -132,6 +148,10 @@ TEST(SanServiceRequest, OddOnesAreAnswered) {
                                              "</s:NewPrimaryCfmAddresses>", header), client},
         {"no envelope",             "<a/>",                                         client},
         {"an envelope cut short",   envelope(kRename, header).substr(0, 150),       client},
+        {"the longest text",        renameTo(std::string(65536, 'n'), header),      kPassed},
+        {"a longer text",           renameTo(std::string(65537, 'n'), header),      client},
+        {"the longest list",        addressesOf(4096, header),                      "NewPrimaryCfmAddressesResponse"},
+        {"a longer list",           addressesOf(4097, header),                      client},
         // clang-format on
     };
     for (const auto& row : cases) {
@@ -221,6 +241,8 @@ class ApiManager {
 public:
     ApiManager() { fakeServiceDatabase::setPort(m_peer.port()); }
 
+    std::atomic<bool> hangsUp{false};
+
     std::vector<std::string> TakeDocuments() {
         const std::lock_guard lock(m_mutex);
         return std::exchange(m_documents, {});
@@ -233,6 +255,9 @@ private:
         {
             const std::lock_guard lock(m_mutex);
             m_documents.push_back(request.apireqmsg().cmdreqmsg().requestdocument());
+        }
+        if (hangsUp) {
+            return;
         }
         ScriptedPeer::send(fd, replyFrame("<compapi><ApiMethodReturn><Successful>True</Successful>"
                                           "<ReturnInt>0</ReturnInt></ApiMethodReturn></compapi>"));
@@ -250,6 +275,7 @@ ApiManager gApiManager;
 TEST(SanServiceObject, SendsEachCharacterOfUnicodeInADocument) {
     const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
     constexpr std::uint32_t kBlock = 8192;
+    gApiManager.TakeDocuments();
     for (std::uint32_t first = 1; first <= 0x10FFFF; first += kBlock) {
         std::string references;
         for (std::uint32_t point = first; point < first + kBlock && point <= 0x10FFFF; ++point) {
@@ -283,11 +309,11 @@ TEST(SanServiceObject, DecodesCredentialsTwice) {
     OpenService service(module.Context());
     SanApi::ns1__HccApiXsd xsd;
     xsd.version = "2.1";
-    // "dXNlcjpwYXNz", the base64 text of user:pass, as the engine leaves it: with no zero behind.
-    std::string octets = "dXNlcjpwYXNzGARBAGE";
+    // The base64 text of user:pass, a zero and more, as the engine leaves it: with no zero behind.
+    std::string octets = "dXNlcjpwYXNzAG1vcmUhGARBAGE";
     SanApi::xsd__base64Binary userPass;
     userPass.__ptr = reinterpret_cast<unsigned char*>(octets.data());
-    userPass.__size = 12;
+    userPass.__size = 20;
     SanApi::ns1__HccApiHeader apiHeader;
     apiHeader.xsdVersion = &xsd;
     apiHeader.userPass = &userPass;
@@ -303,6 +329,76 @@ TEST(SanServiceObject, DecodesCredentialsTwice) {
     ASSERT_NE(nullptr, fresh);
     EXPECT_EQ("", fresh->GetRequestHeader().credentials);
     EXPECT_EQ("", fresh->GetRequestHeader().schemaVersion);
+}
+
+/// Level, function and line number of each line that operators are told of, and its message as the
+/// page has it: in backticks, with "…" where it varies.
+std::map<std::string, std::string> linesOfThePage() {
+    std::map<std::string, std::string> lines;
+    std::ifstream page(LOGGING_PAGE);
+    for (std::string row; std::getline(page, row);) {
+        std::vector<std::string> cells;
+        STRINGUtil::SplitString(row, " | ", cells);
+        if (cells.size() == 4 && (cells[0] == "| error" || cells[0] == "| warning")) {
+            lines[(cells[0] == "| error" ? "3 " : "4 ") + cells[1] + " " + cells[2]] = cells[3];
+        }
+    }
+    return lines;
+}
+
+/// Whether the page's message is what was written.
+bool describes(const std::string& message, const std::string& written) {
+    const std::size_t varies = message.find("…");
+    if (!message.starts_with("`")) {
+        return true;  // in words
+    }
+    return varies == std::string::npos ? message == "`" + written + "` |"
+                                       : ("`" + written).starts_with(message.substr(0, varies));
+}
+
+TEST(SanServiceLog, WritesTheLinesOfItsPage) {
+    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
+    SyslogCapture::Clear();
+    SimpleLogger::setIncludeHeader(true);
+    for (const char* operation :
+         {"Ping", "AddHccToSan><cfmIpAddresses xsi:nil='1'/", "RemoveHccFromSan",
+          "AddServer><hcnInfo><mgmtIpAddresses xsi:nil='1'/></hcnInfo", "RemoveServer",
+          "HccAttachVolume", "HccDetachVolume", "MakeDataAvailable", "MakeDataUnavailable",
+          "FlushComplete", "NewPrimaryCfmAddresses><mgmtIpAddresses xsi:nil='1'/",
+          "SnapshotPrepareComplete", "RenameHccInSan"}) {
+        const std::string name = std::string(operation).substr(0, std::string(operation).find('>'));
+        gApiManager.hangsUp = name == "Ping";
+        FakeModule().Serve(envelope(std::string("<s:") + operation + "></s:" + name + ">", header));
+    }
+    FakeModule().Serve(envelope("<s:Ping/>"));
+    SimpleLogger::setIncludeHeader(false);
+
+    const std::map<std::string, std::string> lines = linesOfThePage();
+    std::map<std::string, std::string> unseen = lines;
+    for (const SyslogCapture::Line& line : SyslogCapture::Lines()) {
+        int level = 0;
+        int number = 0;
+        char function[32] = "";
+        char message[256] = "";
+        const int read = std::sscanf(line.text.c_str(),
+                                     "level(%d) category(SANService) "
+                                     "file(apiMgmt/webservices/sanService/sanService) "
+                                     "func(%31[^)]) line(%d) message(%255[^\n]",
+                                     &level, function, &number, message);
+        if (line.format != "%s") {
+            continue;
+        }
+        ASSERT_EQ(read, 4) << line.text;
+        const std::string key = STRINGUtil::FormatStr("%d `%s` %d", level, function, number);
+        ASSERT_TRUE(lines.contains(key)) << line.text << "is not in docs/logging.md";
+        const std::string written = message;
+        EXPECT_PRED2(describes, lines.at(key), written.substr(0, written.size() - 1));
+        unseen.erase(key);
+    }
+    // Failures of the service itself, which nothing from outside brings about.
+    EXPECT_THAT(unseen, testing::UnorderedElementsAre(testing::Key("3 `dispatch` 181"),
+                                                      testing::Key("4 `ExecuteMethod` 863"),
+                                                      testing::Key("4 `ExecuteMethod` 871")));
 }
 
 }  // namespace

@@ -167,15 +167,17 @@ TEST(MethodChecks, RequiredAttributes) {
 TEST(MethodChecks, ValuesAreJudgedAsTheCallerGaveThem) {
     Add method;
     method.ValidateAttributes();
-    method.SetName("<");  // one character, though it is stored as four
+    method.SetName("<<<");  // three characters, though they are stored as twelve
     method.SetLiteObjectRequest();
     method.ValidateAttributes();
     method.SetCount(-1);
     EXPECT_THAT(messageOf([&] { method.ValidateAttributes(); }),
                 testing::StartsWith("Attribute \"Count\" was -1"));
-    method.SetName("");
-    EXPECT_THAT(messageOf([&] { method.ValidateAttributes(); }),
-                testing::StartsWith("Attribute \"Name\" was \"\""));
+    for (const char* name : {"", "<<<<"}) {
+        method.SetName(name);
+        EXPECT_THAT(messageOf([&] { method.ValidateAttributes(); }),
+                    testing::StartsWith(std::string("Attribute \"Name\" was \"") + name + "\""));
+    }
 }
 
 TEST(MethodFacts, OfLiteRequestsAssociationsAndLists) {
