@@ -1,4 +1,4 @@
-"""What watches the service: Prometheus' own tool reads the metrics and tries the alerts, and rules and
+"""What watches the service: Prometheus reads the metrics and tries the alerts, and rules and
 board name metrics that there are. Needs promtool."""
 
 import json

@@ -204,7 +204,8 @@ class StatusTest(unittest.TestCase):
             self.assertEqual(sum(seen[f'san_contexts_total{{kind="{kind}"}}']
                                  for kind in ("made", "reused")), 22)
             self.assertLess(  # without the delayed one
-                seen['san_array_duration_seconds_bucket{operation="RemoveHccFromSan",le="0.025"}'], 2)
+                seen['san_array_duration_seconds_bucket{operation="RemoveHccFromSan",le="0.025"}'],
+                2)
             self.assertGreaterEqual(
                 seen['san_array_duration_seconds_sum{operation="RemoveHccFromSan"}'], 0.03)
             page = server.request("GET", "/status").text
