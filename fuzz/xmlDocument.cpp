@@ -1,4 +1,7 @@
-// Any text as a document: it is read or refused, and what was read can be walked.
+// Any text as a document: it is read or refused, what was read can be walked, and a comment behind
+// it, which brings every document before Expat, changes nothing.
+#include <string>
+
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "fuzz/fuzzTarget.h"
 
@@ -14,6 +17,16 @@ std::size_t walk(const parser::XMLElement& element) {
     return bytes;
 }
 
+void requireSame(const parser::XMLElement* left, const parser::XMLElement* right) {
+    for (; left != nullptr && right != nullptr;
+         left = left->GetNextSibling(), right = right->GetNextSibling()) {
+        require(left->GetElementName() == right->GetElementName());
+        require(left->GetContentView() == right->GetContentView());
+        requireSame(left->GetFirstChild(), right->GetFirstChild());
+    }
+    require(left == right);
+}
+
 }  // namespace
 
 void drive(std::string_view bytes) {
@@ -22,5 +35,8 @@ void drive(std::string_view bytes) {
     require(read == (reader.GetDocumentElement() != nullptr));
     if (read) {
         walk(*reader.GetDocumentElement());
+        parser::XMLParser expat(nullptr);
+        require(expat.ParseXMLString(std::string(bytes) + "<!---->"));
+        requireSame(reader.GetDocumentElement(), expat.GetDocumentElement());
     }
 }

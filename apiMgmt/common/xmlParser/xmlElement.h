@@ -40,6 +40,7 @@ public:
 
 private:
     friend class DocumentBuilder;
+    friend class PlainReader;
 
     std::string_view m_name;
     std::string_view m_content;

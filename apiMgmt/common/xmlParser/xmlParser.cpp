@@ -4,8 +4,12 @@
 #include <sys/random.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <new>
+
+#include "apiMgmt/common/xmlParser/plainReader.h"
 
 namespace parser {
 
@@ -25,8 +29,8 @@ public:
 
 private:
     static DocumentBuilder& self(void* user) { return *static_cast<DocumentBuilder*>(user); }
-    static void XMLCALL onStart(void* user, const XML_Char*, const XML_Char**) {
-        self(user).start();
+    static void XMLCALL onStart(void* user, const XML_Char* name, const XML_Char**) {
+        self(user).start(name);
     }
     static void XMLCALL onEnd(void* user, const XML_Char*) { self(user).end(); }
     static void XMLCALL onText(void* user, const XML_Char* text, int length) {
@@ -46,16 +50,14 @@ private:
         return static_cast<std::size_t>(XML_GetCurrentByteIndex(m_expat));
     }
 
-    /// The local name in the start tag at `tag`. Taken from the source, so that it needs no
-    /// memory of its own.
-    std::string_view nameAt(std::size_t tag) const {
-        const std::size_t begin = tag + 1;
-        const std::size_t last = m_source.find_first_of(" \t\r\n/>", begin);
-        const std::string_view name = m_source.substr(begin, last - begin);
+    /// The local part of `read`, the name in the start tag at `tag`. Taken from the source, so
+    /// that it needs no memory of its own.
+    std::string_view nameAt(std::size_t tag, std::string_view read) const {
+        const std::string_view name = m_source.substr(tag + 1, read.size());
         return name.substr(name.rfind(':') + 1);
     }
 
-    void start() {
+    void start(std::string_view read) {
         if (m_refused) {
             return;  // Expat may report what stood in the same token
         }
@@ -64,7 +66,7 @@ private:
             return;
         }
         const std::size_t tag = position();
-        const std::string_view name = nameAt(tag);
+        const std::string_view name = nameAt(tag, read);
         if (name.empty()) {
             refuse();  // a prefix alone, as in "<p:>"
             return;
@@ -155,6 +157,29 @@ std::string_view withoutUsualDeclaration(std::string_view text) {
     return rest.starts_with('<') && !rest.starts_with("<?") ? rest : text;
 }
 
+/// How many "<" there are: as many elements as the text can hold. Eight bytes at a step, each with
+/// a count of its own that is added up before it can overflow.
+std::size_t countTags(std::string_view text) {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::size_t maxSteps = 255;
+    std::size_t count = 0;
+    while (text.size() >= sizeof(ones)) {
+        const std::size_t steps = std::min(text.size() / sizeof(ones), maxSteps);
+        std::uint64_t counts = 0;
+        for (std::size_t i = 0; i < steps; ++i) {
+            std::uint64_t bytes = 0;
+            std::memcpy(&bytes, text.data() + i * sizeof(bytes), sizeof(bytes));
+            bytes ^= ones * '<';
+            counts += (~((((bytes & ones * 0x7F) + ones * 0x7F) | bytes)) >> 7U) & ones;
+        }
+        for (; counts != 0; counts >>= 8U) {
+            count += counts & 0xFFU;
+        }
+        text.remove_prefix(steps * sizeof(ones));
+    }
+    return count + static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
+}
+
 using ExpatParser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
 // A parser never gives memory back. One that read a document longer than this is thrown away.
@@ -215,8 +240,12 @@ bool XMLParser::ParseInPlace(std::string_view text) {
     }
     text = withoutUsualDeclaration(text);
     m_text.reserve(text.size());
-    const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
-    m_elements.reserve(std::min(tags, kMaxElements));
+    m_elements.reserve(std::min(countTags(text), kMaxElements));
+    if (PlainReader(m_source, m_text, m_elements, kMaxDepth).Read()) {
+        return true;
+    }
+    m_elements.clear();
+    m_text.clear();
 
     thread_local ExpatParser kept(nullptr, &XML_ParserFree);
     XML_Parser expat = readyParser(kept);

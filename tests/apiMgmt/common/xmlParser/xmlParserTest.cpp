@@ -43,6 +43,11 @@ const std::pair<std::string, std::string> kContents[] = {
     {"<a><b>1 &lt; 2</b><c/></a>",               "<b>1 &lt; 2</b><c/>"},
     {"<a >\n <b>t</b>x\n</a >",                  "\n <b>t</b>x\n"},
     {"\xef\xbb\xbf<a><b k='v'>t</b></a>",        "<b k='v'>t</b>"},
+    // What needs no Expat, up to what does.
+    {" \n<a>]]&lt;x&gt;&amp;&quot;&apos;]></a>\t", "]]<x>&\"']>"},
+    {"<a>&lt;<b>&gt;</b>&amp;<c/>&apos;</a>",     "&lt;<b>&gt;</b>&amp;<c/>&apos;"},
+    {"<a>&#60;</a>",                             "<"},
+    {"<a\n>\x7f</a\t>",                          "\x7f"},
     // Prefixes, declared or not, and attributes do not show.
     {"<p:a xmlns:p='urn:x'>t</p:a>",              "t"},
     {"<p:a\tq='>'>t</p:a>",                    "t"},

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apiMgmt/common/xmlParser/xmlElement.h"
+
+namespace parser {
+
+/// Reads the plainest of documents, which is what an array's replies are: elements of plain names
+/// without attributes, ASCII text, the five predefined references. Whatever else a document holds,
+/// and whatever may be wrong with it, is none of its business: it then reads nothing and leaves the
+/// document to Expat. What it reads, Expat reads alike, at ten times the cost.
+class PlainReader {
+public:
+    /// `text` and `elements` are empty and have room for all that `source` can hold: its size,
+    /// and an element for each of its "<". The elements point into `source`, which a zero follows,
+    /// and into `text`.
+    PlainReader(const std::string& source, std::string& text, std::vector<XMLElement>& elements,
+                std::size_t maxDepth);
+
+    /// Whether the document was read. If not, texts and elements are not to be used.
+    bool Read();
+
+private:
+    bool ReadStartTag();
+    bool ReadEndTag();
+    bool ReadText();
+    bool ReadReference();
+    void EndElement(const char* markupEnd);
+
+    const char* m_next;
+    const char* const m_end;
+    std::string& m_text;
+    std::vector<XMLElement>& m_elements;
+    const std::size_t m_maxDepth;
+    std::size_t m_depth = 0;
+    XMLElement* m_current = nullptr;
+    const char* m_contentBegin = nullptr;  // of the element that started last
+    std::size_t m_textBegin = 0;           // of its decoded text, when it needs decoding
+    bool m_isDecoded = false;
+};
+
+}  // namespace parser
