@@ -69,7 +69,7 @@ inline void Write(const Entry& entry, const std::string& message) {
 /// Writes a line of fixed text. A level that the mask leaves out costs its test and no more.
 inline void Write(const FixedEntry& entry) {
     if ((entry.level & logLevelMask.load(std::memory_order_relaxed)) != 0) {
-        Write(entry, STRINGUtil::FormatStr("%s", entry.text));
+        Write(entry, std::string(entry.text));
     }
 }
 
