@@ -48,3 +48,7 @@ int getApiMgrPort(std::atomic<int>& cache) {
 int getApiMgrPort() {
     return getApiMgrPort(cachedPort);
 }
+
+void renewApiMgrPort() {
+    cachedPort.store(lookUpPort(), std::memory_order_relaxed);
+}

@@ -8,6 +8,10 @@
 /// callers store the same value.
 int getApiMgrPort();
 
-/// The same, with the port stored in `cache`; 0 there means that it has not been looked up. An
+/// Looks the port up anew, for a process that starts others: those that it starts later have the
+/// port of this look-up and need none of their own.
+void renewApiMgrPort();
+
+/// The same as the first, with the port stored in `cache`; 0 there means that it has not been looked up. An
 /// entry that names port 0 gives 0, so the next call looks it up again.
 int getApiMgrPort(std::atomic<int>& cache);

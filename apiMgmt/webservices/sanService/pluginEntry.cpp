@@ -4,6 +4,7 @@
 
 #include "SanApiH.h"
 #include "apiMgmt/common/ipc/apiMgrPort.h"
+#include "apiMgmt/webservices/sanService/processSetUp.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
 #include "apiMgmt/webservices/sanService/serviceLog.h"
 
@@ -52,6 +53,7 @@ void* apache_default_soap_lookup_plugin(soap* soap, const char* id) {
 }
 
 void apache_init_soap_interface(apache_soap_interface* table) {
+    setUpProcess();
     *table = apache_soap_interface{
         .length = APACHE_SOAP_LENGTH,
         .revision = APACHE_SOAP_REVISION,

@@ -7,7 +7,8 @@
 // What the plug-in exports. Names are plain C names, as the web server's module looks for them.
 extern "C" {
 
-/// Fills @p table, which the module owns. Allocates nothing; may be called more than once.
+/// Fills @p table, which the module owns, and sets up what a process needs once. May be called more
+/// than once; a module calls it where the server starts, before there are others to serve.
 SAN_EXPORT void apache_init_soap_interface(struct apache_soap_interface* table);
 
 // The engine's calls behind the table's slots; each forwards its arguments and no more.

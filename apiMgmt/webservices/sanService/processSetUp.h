@@ -1,0 +1,9 @@
+#pragma once
+
+/// Does ahead what else the first request of a process would do: the secure transport library that
+/// the engine starts, which alone takes as long as fifty requests; the look-up of the API manager's
+/// port; the lists and parsers that are made on first use. Called in the server's parent process,
+/// so that its children have it all from their start. Each call renews the port, since a server
+/// reads its configuration anew without starting anew. Raises nothing: what fails here is done
+/// later.
+void setUpProcess();
