@@ -12,6 +12,6 @@ int getApiMgrPort();
 /// port of this look-up and need none of their own.
 void renewApiMgrPort();
 
-/// The same as the first, with the port stored in `cache`; 0 there means that it has not been looked up. An
-/// entry that names port 0 gives 0, so the next call looks it up again.
+/// The same as the first, with the port stored in `cache`; 0 there means that it has not been
+/// looked up. An entry that names port 0 gives 0, so the next call looks it up again.
 int getApiMgrPort(std::atomic<int>& cache);

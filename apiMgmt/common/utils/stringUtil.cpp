@@ -52,6 +52,10 @@ constexpr auto kSpecial = [] {
     return special;
 }();
 
+bool isSpecial(char character) {
+    return kSpecial[static_cast<unsigned char>(character)];
+}
+
 /// What stands for a character in an escaped text; empty when it stands for itself.
 std::string_view referenceOf(char character, bool markupOnly) {
     if (!kSpecial[static_cast<unsigned char>(character)]) {
@@ -214,6 +218,9 @@ std::string STRINGUtil::ToLowerCase(const std::string& text) {
 }
 
 std::string STRINGUtil::EscapeString(const std::string& text, bool markupOnly) {
+    if (std::none_of(text.begin(), text.end(), isSpecial)) {
+        return text;
+    }
     std::size_t size = 0;
     for (const char character : text) {
         size += std::max<std::size_t>(referenceOf(character, markupOnly).size(), 1);

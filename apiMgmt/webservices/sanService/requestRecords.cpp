@@ -2,9 +2,6 @@
 
 #include <optional>
 
-#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiIpv4AddressPort.h"
-#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneInterfaceInformation.h"
-
 namespace {
 
 // The text of whichever kind of address the entry carries; null when it carries none. The kind
@@ -41,9 +38,10 @@ std::optional<FrontEndTransportTypeEnum> transportOf(SanApi::ns1__InterfaceType 
 
 }  // namespace
 
-RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
-                                   const ServiceLog::FixedEntry& skipped, MissingAddress missing) {
-    RequestRecords records;
+RequestRecords<APIIpv4AddressPort> buildAddressRecords(
+    const std::vector<SanApi::ns1__IpAddressPort*>& entries, const ServiceLog::FixedEntry& skipped,
+    MissingAddress missing) {
+    RequestRecords<APIIpv4AddressPort> records(entries.size());
     for (const SanApi::ns1__IpAddressPort* entry : entries) {
         if (entry == nullptr || (entry->ipAddress == nullptr && missing == MissingAddress::Warn)) {
             ServiceLog::Write(skipped);
@@ -54,28 +52,27 @@ RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*
         if (text == nullptr || text->empty()) {
             continue;
         }
-        auto record = std::make_unique<APIIpv4AddressPort>();
-        record->SetIpv4Address(*text);
-        record->SetPort(entry->port);
-        records.Add(std::move(record));
+        APIIpv4AddressPort& record = records.Add();
+        record.SetIpv4Address(*text);
+        record.SetPort(entry->port);
     }
     return records;
 }
 
-RequestRecords buildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries) {
-    RequestRecords records;
+RequestRecords<APINorvaneInterfaceInformation> buildInterfaceRecords(
+    const std::vector<SanApi::ns1__interfaceObject*>& entries) {
+    RequestRecords<APINorvaneInterfaceInformation> records(entries.size());
     for (const SanApi::ns1__interfaceObject* entry : entries) {
         if (entry == nullptr) {
             continue;
         }
-        auto record = std::make_unique<APINorvaneInterfaceInformation>();
+        APINorvaneInterfaceInformation& record = records.Add();
         if (entry->intfType != nullptr) {
             if (const auto transport = transportOf(*entry->intfType)) {
-                record->SetInterfaceType(*transport);
+                record.SetInterfaceType(*transport);
             }
         }
-        record->SetInterfaceId(entry->intfId);
-        records.Add(std::move(record));
+        record.SetInterfaceId(entry->intfId);
     }
     return records;
 }

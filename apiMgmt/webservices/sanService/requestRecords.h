@@ -1,8 +1,10 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <vector>
 
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiIpv4AddressPort.h"
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneInterfaceInformation.h"
 #include "apiMgmt/apiStub/base/apiObjects/base/baseApiMethodObject.h"
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 #include "apiMgmt/webservices/sanService/serviceLog.h"
@@ -10,11 +12,20 @@
 /// Records built from a request's list, for a method's list setter.
 ///
 /// The setter keeps the records' text, so they need to live no longer than the call of it.
+template <typename Record>
 class RequestRecords {
 public:
-    void Add(std::unique_ptr<const BASEApiMethodObject> record) {
-        m_view.push_back(record.get());
-        m_owned.push_back(std::move(record));
+    /// Room for `most` records, so that none moves when another is added.
+    explicit RequestRecords(std::size_t most) {
+        m_records.reserve(most);
+        m_view.reserve(most);
+    }
+
+    /// A further record, owned by this object, to be filled.
+    Record& Add() {
+        Record& added = m_records.emplace_back();
+        m_view.push_back(&added);
+        return added;
     }
 
     /// The records in the request's order, owned by this object.
@@ -22,7 +33,7 @@ public:
     bool IsEmpty() const { return m_view.empty(); }
 
 private:
-    std::vector<std::unique_ptr<const BASEApiMethodObject>> m_owned;
+    std::vector<Record> m_records;
     std::vector<const BASEApiMethodObject*> m_view;
 };
 
@@ -33,8 +44,10 @@ enum class MissingAddress { Warn, Ignore };
 /// - a nil entry, and the line @p skipped is logged
 /// - an entry without an address element; @p missing says whether that line is logged
 /// - an entry whose address is empty; nothing is logged
-RequestRecords buildAddressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
-                                   const ServiceLog::FixedEntry& skipped, MissingAddress missing);
+RequestRecords<APIIpv4AddressPort> buildAddressRecords(
+    const std::vector<SanApi::ns1__IpAddressPort*>& entries, const ServiceLog::FixedEntry& skipped,
+    MissingAddress missing);
 
 /// One APINorvaneInterfaceInformation for each entry that is not nil.
-RequestRecords buildInterfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries);
+RequestRecords<APINorvaneInterfaceInformation> buildInterfaceRecords(
+    const std::vector<SanApi::ns1__interfaceObject*>& entries);

@@ -7,7 +7,7 @@ std::string METHODOBJECTARRAYApiAttribute::ToString(
     std::string text;
     for (const BASEApiMethodObject* item : value) {
         if (item) {
-            text += item->ToXMLString(true);
+            item->AppendXMLString(text, true);
         }
     }
     return text;

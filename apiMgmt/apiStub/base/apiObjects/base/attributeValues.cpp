@@ -57,11 +57,16 @@ void ATTRIBUTEValues::AppendElements(std::string& xml, const APIAttributeList& a
                                      bool escape, bool unsetToo) const {
     for (const BASEApiAttribute* attribute : attributes) {
         const std::string& name = attribute->GetXmlName();
-        if (!unsetToo && !IsAttributeSet(name)) {
-            continue;
+        const auto entry = m_values.find(name);
+        if (entry == m_values.end()) {
+            if (unsetToo) {
+                XMLText::AppendElement(xml, name, "");
+            }
+        } else if (escape) {
+            XMLText::AppendElement(xml, name, STRINGUtil::EscapeString(entry->second, false));
+        } else {
+            XMLText::AppendElement(xml, name, entry->second);
         }
-        const std::string& value = GetStringDirect(name);
-        XMLText::AppendElement(xml, name, escape ? STRINGUtil::EscapeString(value, false) : value);
     }
 }
 

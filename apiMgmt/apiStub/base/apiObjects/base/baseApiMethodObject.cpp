@@ -10,10 +10,14 @@ const BASEApiAttribute* BASEApiMethodObject::GetAttributeByName(const std::strin
 
 std::string BASEApiMethodObject::ToXMLString(bool escape) const {
     std::string xml;
+    AppendXMLString(xml, escape);
+    return xml;
+}
+
+void BASEApiMethodObject::AppendXMLString(std::string& xml, bool escape) const {
     XMLText::AppendStartTag(xml, GetObjectName());
     AppendElements(xml, GetAttributeList(), escape);
     XMLText::AppendEndTag(xml, GetObjectName());
-    return xml;
 }
 
 bool BASEApiMethodObject::Parse(const std::string& text) {

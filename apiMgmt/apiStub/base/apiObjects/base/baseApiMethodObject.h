@@ -29,6 +29,8 @@ public:
     /// One element named after the record that holds one for each set attribute, in list order,
     /// without blanks between. With `escape`, values are XML-escaped.
     std::string ToXMLString(bool escape) const;
+    /// Appends the same to `xml`.
+    void AppendXMLString(std::string& xml, bool escape) const;
     /// Takes over what ToXMLString(true) wrote; false, and no change, when the text is no XML.
     bool Parse(const std::string& text);
     /// Takes over the content of each child element under its tag, also of unknown ones. Null has
