@@ -12,6 +12,8 @@ One Apache serves, in turns, and a load generator asks for
   l  the same with the two log lines that every request writes, the log opened and closed for them
   d  the operation (Ping by default; AddHccToSan with four addresses; HccAttachVolume), whose
      API manager is the peer of c with the answer that an array gives
+  s  l in the engine's own stand-alone server, a program without any web server around it
+  p  l in PHP's SoapServer (php-cli and php-soap), where they are installed
 
 Printed are medians of requests per second and of processor time per request of the server's
 processes (user and system, from /proc), and the ratios of the latter. Ratios are worth something
@@ -48,6 +50,8 @@ PEER = webServer.BUILD / "bench" / "exchangePeer"
 LOG_SINK = webServer.BUILD / "bench" / "logSink"
 EXCHANGE_PLUGIN = webServer.BUILD / "bench" / "libexchangePlugin.so"
 LOGGING_PLUGIN = webServer.BUILD / "bench" / "libloggingPlugin.so"
+STAND_ALONE = webServer.BUILD / "bench" / "standAloneServer"
+PHP_SERVICE = ROOT / "bench" / "soapServer.php"
 TICK = os.sysconf("SC_CLK_TCK")
 # Beyond these the figures say more about the machine than about the server.
 MOST_FOREIGN_LOAD = 0.10
@@ -61,8 +65,14 @@ TARGETS = [
     ("l", "the same and log lines", "/logging"),
     ("d", "the operation", webServer.PATH),
 ]
-RATIOS = [("d", "c", 1.25), ("d", "b", None), ("b", "a", None), ("d", "a", 4.0), ("l", "c", None),
-          ("d", "l", None)]
+# what, as a multiple of what, the limit, the aim
+RATIOS = [("d", "a", 4.0, 3.5), ("d", "l", 1.0, 0.85), ("d", "c", None, None),
+          ("d", "b", None, None), ("b", "a", None, None), ("l", "c", None, None),
+          ("d", "s", None, None), ("d", "p", None, None)]
+
+# Without it the server would look for .htaccess in each folder on the way to the static file,
+# which would flatter everything that is compared with it.
+NO_OVERRIDES = '<Directory "/">\nAllowOverride None\n</Directory>\n'
 
 LOCATION = """
 <Location "{path}">
@@ -167,13 +177,42 @@ def log_daemon():
                 LOG_SOCKET.unlink()
 
 
+def has_php_soap():
+    return bool(shutil.which("php")) and "soap" in subprocess.run(
+        ["php", "-m"], check=False, capture_output=True, text=True).stdout.split()
+
+
+def free_port():
+    with socket.create_server(("127.0.0.1", 0)) as probe:
+        return probe.getsockname()[1]
+
+
+@contextlib.contextmanager
+def peer_servers(environment):
+    """What the service is compared with outside the web server, by its letter: where it is, and
+    the process."""
+    options = {"env": {**os.environ, **environment}, "stdout": subprocess.PIPE, "text": True}
+    with contextlib.ExitStack() as stack:
+        servers = {}
+        if STAND_ALONE.exists():
+            process = stack.enter_context(running([STAND_ALONE], **options))
+            servers["s"] = (f"http://127.0.0.1:{process.stdout.readline().strip()}/", process.pid)
+        if has_php_soap():
+            address = f"127.0.0.1:{free_port()}"
+            process = stack.enter_context(running(
+                ["php", "-S", address, PHP_SERVICE], stderr=subprocess.DEVNULL, **options))
+            servers["p"] = (f"http://{address}/", process.pid)
+            time.sleep(1)
+        yield servers
+
+
 @contextlib.contextmanager
 def serving(arguments, request):
-    """The server with all four, and the process ids whose time is nobody's neighbour."""
+    """The server with all rungs, and the peers beside it in `peers`."""
     request_bytes, reply = exchange_of(request)
     server = webServer.WebServer(
-        mpm=arguments.mpm, threads=16, collect_syslog=False,
-        extra=LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
+        mpm=arguments.mpm, threads=getattr(arguments, "threads", 16), collect_syslog=False, access_log=False,
+        extra=NO_OVERRIDES + LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
         + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN)
         + LOCATION.format(path="/logging", plugin=LOGGING_PLUGIN))
     (server.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
@@ -187,9 +226,16 @@ def serving(arguments, request):
         server.start()
         try:
             print(f"exchange of c and d: {request_bytes} bytes out, {len(reply)} bytes back")
-            yield server
+            with peer_servers(server.environment) as server.peers:
+                yield server
         finally:
             server.stop()
+
+
+def targets(server):
+    """(letter, what it is, path or address) of all that is there."""
+    beside = {"s": "the engine's own server", "p": "PHP's SoapServer"}
+    return TARGETS + [(name, beside[name], url) for name, (url, _) in server.peers.items()]
 
 
 def process_ticks(pid):
@@ -235,7 +281,7 @@ class Load:
 
     def prepare(self, path, message):
         """Has `message` posted to `path` from now on; a path without one is fetched."""
-        name = f"{path.strip('/')}-request"
+        name = re.sub(r"\W", "", path) + "-request"
         body = self.server.directory / f"{name}.xml"
         body.write_text(message)
         script = self.server.directory / f"{name}.lua"
@@ -245,14 +291,15 @@ class Load:
     def run(self, path, seconds):
         """(requests per second, microseconds of the server's processor time per request, share
         of the machine that others used)"""
-        url = f"http://127.0.0.1:{self.server.port}{path}"
+        url = path if "://" in path else f"http://127.0.0.1:{self.server.port}{path}"
+        beside = [pid for address, pid in self.server.peers.values() if address == path]
         command = ["wrk", "-t1", f"-c{self.arguments.connections}", f"-d{seconds}s", url]
         if path in self.scripts:
             command[1:1] = ["-s", self.scripts[path]]
-        server_before = sum(map(process_ticks, self.server.children()))
+        server_before = sum(map(process_ticks, beside or self.server.children()))
         own_before, (busy_before, all_before) = own_ticks(), busy_and_all_ticks()
         output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE).stdout
-        used = sum(map(process_ticks, self.server.children())) - server_before
+        used = sum(map(process_ticks, beside or self.server.children())) - server_before
         own, (busy, whole) = own_ticks() - own_before, busy_and_all_ticks()
         if "Non-2xx" in output or "Socket errors" in output:
             raise RuntimeError(f"{path} was not served:\n{output}{self.server.error_log()}")
@@ -268,20 +315,23 @@ def spread(values):
     return (quarters[2] - quarters[0]) / statistics.median(values)
 
 
-def report(rates, costs, foreign):
+def report(present, rates, costs, foreign):
     print(f"\n{'':28}{'requests/s':>12}{'µs/request':>12}{'spread':>9}{'least µs':>10}")
-    for name, what, _ in TARGETS:
+    for name, what, _ in present:
         print(f"{name}  {what:25}{statistics.median(rates[name]):12.0f}"
               f"{statistics.median(costs[name]):12.1f}{spread(costs[name]):9.0%}"
               f"{min(costs[name]):10.1f}")
     print("\nratios of processor time, each the median of the rounds:")
-    for above, below, aim in RATIOS:
+    for above, below, *bounds in RATIOS:
+        if below not in costs:
+            continue
         ratio = statistics.median(u / d for u, d in zip(costs[above], costs[below]))
-        met = "" if aim is None else f"   aim: {aim:.2f}, {'met' if ratio <= aim else 'not met'}"
         least = min(costs[above]) / min(costs[below])
+        met = "".join(f"   {what} {bound:.2f} {'met' if ratio <= bound else 'not met'}"
+                      for what, bound in zip(("limit", "aim"), bounds) if bound is not None)
         print(f"  {above}/{below}  {ratio:5.2f}   of the least: {least:5.2f}{met}")
     others = statistics.median(foreign)
-    worst = max(spread(costs[name]) for name, _, _ in TARGETS)
+    worst = max(map(spread, costs.values()))
     print(f"\nother load on the machine: {others:.0%} of it")
     if others > MOST_FOREIGN_LOAD or worst > MOST_SPREAD:
         print("THE MACHINE WAS TOO BUSY: the rates are worthless, and the ratios a hint at best")
@@ -302,16 +352,17 @@ def main():
         sys.exit("wrk is missing: apt-get install wrk")
     if arguments.cpu is not None:
         os.sched_setaffinity(0, {arguments.cpu})
-    rates, costs = ({name: [] for name, _, _ in TARGETS} for _ in range(2))
     foreign = []
     request = OPERATIONS[arguments.operation]
     with serving(arguments, request) as server:
         load = Load(server, arguments)
-        for path, message in (("/bare", soap.PING), ("/exchange", soap.PING),
-                              ("/logging", soap.PING), (webServer.PATH, request)):
-            load.prepare(path, message)
+        present = targets(server)
+        rates, costs = ({name: [] for name, _, _ in present} for _ in range(2))
+        for name, _, path in present:
+            if name != "a":
+                load.prepare(path, request if name == "d" else soap.PING)
         for number in range(-1, arguments.rounds):  # the first warms up and is not counted
-            for name, _, path in TARGETS:
+            for name, _, path in present:
                 rate, cost, others = load.run(path, arguments.seconds)
                 if number < 0:
                     continue
@@ -319,7 +370,7 @@ def main():
                 costs[name].append(cost)
                 foreign.append(others)
             print(f"\rround {number + 1} of {arguments.rounds}", end="", flush=True)
-    report(rates, costs, foreign)
+    report(present, rates, costs, foreign)
 
 
 if __name__ == "__main__":

@@ -59,7 +59,7 @@ TraceEnable off
 {processes}
 Define SAN_PLUGIN "{plugin}"
 {wsdl}
-Define SAN_ACCESS_LOG "{directory}/access.log"
+Define {access_log}
 Include "{service}"
 {patience}
 {extra}
@@ -86,14 +86,16 @@ def _end_with_parent():
 
 class WebServer:
     def __init__(self, plugin=SERVICE_PLUGIN, mpm="event", threads=8, wsdl=WSDL, extra="",
-                 api_manager_port=None, environment=None, collect_syslog=True, impatient=False):
+                 api_manager_port=None, environment=None, collect_syslog=True, impatient=False,
+                 access_log=True, wrapper=()):
         """`wsdl` is the description's path, its text, or None; `extra` is added to the
         configuration. Without `api_manager_port` the service database has no entry for the API
         manager. Without `collect_syslog` log lines go where they go. Only an `impatient` server
-        ends connections whose clients are slow."""
-        self.impatient = impatient
+        ends connections whose clients are slow. `wrapper` is a command that runs the server, such
+        as a debugger's."""
+        self.impatient, self.access_log = impatient, access_log
         self.plugin, self.mpm, self.threads, self.extra = plugin, mpm, threads, extra
-        self.process = None
+        self.process, self.wrapper = None, wrapper
         # Not below the build: a checkout in a home directory is closed to the server's user.
         self.directory = pathlib.Path(tempfile.mkdtemp(prefix="httpd-"))
         self.directory.chmod(0o755)
@@ -119,14 +121,15 @@ class WebServer:
             mpm=self.mpm, processes=PROCESSES[self.mpm].format(n=self.threads),
             plugin=self.plugin, wsdl=f'Define SAN_WSDL "{self.wsdl}"' if self.wsdl else "",
             service=SERVICE_CONFIGURATION, patience="" if self.impatient else PATIENCE,
-            extra=self.extra, user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
+            access_log=(f'SAN_ACCESS_LOG "{self.directory}/access.log"' if self.access_log
+                        else "SAN_NO_ACCESS_LOG"), extra=self.extra, user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
 
     def run_apache(self, *arguments):
         """Starts Apache with further arguments, its output in the error log; gives the process.
         Apache ends its whole process group, so it gets one of its own."""
         with open(self.directory / "error.log", "ab") as output:
             return subprocess.Popen(
-                [APACHE, "-d", self.directory, "-f", self.directory / "httpd.conf",
+                [*self.wrapper, APACHE, "-d", self.directory, "-f", self.directory / "httpd.conf",
                  "-DFOREGROUND", *arguments],
                 env={**os.environ, **PRELOADED, **self.environment}, stdin=subprocess.DEVNULL,
                 stdout=output, stderr=output, start_new_session=True, preexec_fn=_end_with_parent)
