@@ -21,6 +21,7 @@ KNOWN = "eb746d218ebdc6d42ac2042ba720c326b040e323802c94b59871e2ef786f01f6"
 REPLACED = [
     ("soap_resolve", "engineResolve"),
     ("soap_free_temp", "engineFreeTemp"),
+    ("soap_begin_recv", "engineBeginReceive"),
     ("soap_enter", "engineEnter"),
     ("_ZN4soapC1ERKS_", None),  # the copy constructor, under its two names
     ("_ZN4soapC2ERKS_", None),
