@@ -97,7 +97,7 @@ const std::map<const BASEApiAttribute*, std::vector<Condition>> kConditions = {
         {"1", "!=", "1", false}}},
     {APISample::GetTextAttr(), {{"a-B", "=", "A&hy&b", true}, {"b", ">", "A", true}, {"10", ">", "9", false},
         {"", "=", "", false}, {"My Server", "iqin", "sERV", true}, {"My Server", "iqs", "sERV", false},
-        {"My Server", "iqs", "mY", true}}},
+        {"My Server", "iqs", "mY", true}, {"My Server", "iqs", "y s", false}}},
     {APISample::GetInstanceNameAttr(), {{"n", "=", "N", true}}},
     {APISample::GetInstanceIdAttr(), {{"101.5", "=", "101.5", true}}},
     {APISample::GetTruthAttr(), {{"1", "=", "TRUE", true}, {"no", "<", "true", true},

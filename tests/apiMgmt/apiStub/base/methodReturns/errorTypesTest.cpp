@@ -35,7 +35,7 @@ TEST(GeneralError, LogMessageStandsBeforeTheMessage) {
 }
 
 TEST(GeneralError, KeepsTheArgumentsOfEachConversion) {
-    const GENERALError error("m %s", "f", 1, 10763, "%s|%lld 100%% %-5.*s %#06x %c %d %zu %5.1f",
+    const GENERALError error("m %s", "f", 1, 10763, "%s|%lld 100%% %-5.*s %#06x %c %i %zu %5.1f",
                              "Name", -5000000000LL, 2, "cut here", 255U, 'c', -3,
                              static_cast<std::size_t>(9), 2.5);
     EXPECT_STREQ(error.what(), "m %s");
