@@ -21,6 +21,7 @@ struct Transport {
 constexpr std::array kTransports = {
     Transport{"fc", SanApi::ns1__InterfaceType__fc},
     Transport{"iscsi", SanApi::ns1__InterfaceType__iscsi},
+    Transport{"unknown", SanApi::ns1__InterfaceType__unknown},
 };
 
 constexpr std::size_t kMaxDnsName = 253;
@@ -58,6 +59,10 @@ bool isWorldWideName(std::string_view text) {
         }
     }
     return true;
+}
+
+bool isIscsiName(std::string_view text) {
+    return text.starts_with("iqn.") || text.starts_with("eui.") || text.starts_with("naa.");
 }
 
 unsigned short parsePort(std::string_view text, std::string_view port) {
@@ -108,11 +113,15 @@ Interface parseInterface(std::string_view text) {
     Interface result{std::string(text), SanApi::ns1__InterfaceType__unknown};
     const std::size_t colon = text.rfind(':');
     if (colon != std::string_view::npos && !isWorldWideName(text)) {
+        const std::string_view word = text.substr(colon + 1);
         const auto* transport =
             std::find_if(kTransports.begin(), kTransports.end(),
-                         [&](const Transport& row) { return row.name == text.substr(colon + 1); });
+                         [word](const Transport& row) { return row.name == word; });
         if (transport != kTransports.end()) {
             result = {std::string(text.substr(0, colon)), transport->type};
+        } else if (!isIscsiName(text)) {
+            refuse(text, "'" + std::string(word) +
+                             "' is no transport (fc, iscsi, or unknown behind an id with colons)");
         }
     }
     if (result.id.empty()) {

@@ -26,9 +26,9 @@ struct Interface {
 /// sentence that says what is wrong.
 Address parseAddress(std::string_view text);
 
-/// Reads "ID", "ID:fc" or "ID:iscsi". An id may itself hold colons, as world-wide names do: only
-/// a known transport after the last one is taken off, and never the last octet of a whole name.
-/// Raises std::invalid_argument.
+/// Reads "ID", "ID:fc", "ID:iscsi" or "ID:unknown". An id may itself hold colons: that of a
+/// world-wide name of eight octets or of an iSCSI name (iqn., eui., naa.) may stand alone; behind
+/// the last colon of any other stands a transport. Raises std::invalid_argument.
 Interface parseInterface(std::string_view text);
 
 }  // namespace client

@@ -12,6 +12,10 @@ const char* textOf(ExitStatus status) {
             return "refused by the service";
         case ExitStatus::NoAnswer:
             return "no answer";
+        case ExitStatus::OutcomeUnknown:
+            return "outcome unknown";
+        case ExitStatus::Interrupted:
+            return "interrupted";
         case ExitStatus::WrongUsage:
             break;
     }

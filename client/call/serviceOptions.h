@@ -19,11 +19,21 @@ struct TlsOptions {
     bool insecure = false;     ///< Accept any server.
 };
 
+/// How often a call is repeated that got no answer, or whose outcome is unknown.
+struct RetryPlan {
+    int times = 0;  ///< Besides the first call.
+    double delaySeconds = 1;
+    bool isForced = false;  ///< Also what may not be repeated; see mayBeRepeated.
+};
+
 /// How to reach the service and as whom.
 struct ServiceOptions {
     std::string url = "http://127.0.0.1:8080/sanService";
+    std::string userAgent = "sanctl";
     Credentials credentials;
-    int timeoutSeconds = 30;  ///< For the connection, each silence and each whole message.
+    int connectSeconds = 10;  ///< To connect, also over TLS.
+    int timeoutSeconds = 30;  ///< For a whole call, connecting included.
+    RetryPlan retry;
     TlsOptions tls;
     bool dump = false;  ///< Show the messages, secrets masked, on the error stream.
 };

@@ -1,9 +1,12 @@
 #include "client/call/session.h"
 
+#include <strings.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -28,6 +31,14 @@ constexpr std::array<std::string_view, 4> kSecretElements = {"userPass", "authTo
 double now() {
     const auto time = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration<double>(time).count();
+}
+
+// The engine counts whole seconds, or microseconds below zero, which last for half an hour.
+int engineTime(double seconds) {
+    constexpr double kMaxMicroseconds = 2000;
+    constexpr double kMicroseconds = 1e6;
+    return seconds > kMaxMicroseconds ? static_cast<int>(std::ceil(seconds))
+                                      : -static_cast<int>(std::ceil(seconds * kMicroseconds));
 }
 
 const char* orNull(const std::string& text) {
@@ -55,18 +66,13 @@ Session::Session(ServiceOptions options)
     if (m_options.url.starts_with("https:")) {
         startTls();
     }
-    if (m_options.dump) {
-        captureMessages();
-    }
+    standBetween();
 }
 
 Session::~Session() = default;
 
 void Session::setLimits() {
-    m_proxy.connect_timeout = m_options.timeoutSeconds;
-    m_proxy.send_timeout = m_options.timeoutSeconds;
-    m_proxy.recv_timeout = m_options.timeoutSeconds;
-    m_proxy.transfer_timeout = m_options.timeoutSeconds;
+    m_proxy.connect_timeout = std::min(m_options.connectSeconds, m_options.timeoutSeconds);
     m_proxy.recv_maxlength = kMaxReply;
     m_proxy.maxlevel = kMaxReplyDepth;
     m_proxy.socket_flags = MSG_NOSIGNAL;
@@ -107,39 +113,77 @@ void Session::startTls() {
     }
 }
 
-void Session::captureMessages() {
+void Session::standBetween() {
     m_proxy.user = this;
-    m_send = std::exchange(m_proxy.fsend, &Session::captureSend);
-    m_receive = std::exchange(m_proxy.frecv, &Session::captureReceive);
+    m_send = std::exchange(m_proxy.fsend, &Session::send);
+    m_receive = std::exchange(m_proxy.frecv, &Session::receive);
+    m_writeHeader = std::exchange(m_proxy.fposthdr, &Session::writeHeader);
+    m_readHeader = std::exchange(m_proxy.fparsehdr, &Session::readHeader);
 }
 
-int Session::captureSend(soap* context, const char* octets, std::size_t count) {
-    auto& self = *static_cast<Session*>(context->user);
-    self.m_sent.append(octets, count);
+// The engine's limits are for each silence or each message; this one is for the whole call.
+bool Session::grantTime() {
+    const double left = m_began + m_options.timeoutSeconds - now();
+    if (left > 0) {
+        m_proxy.send_timeout = engineTime(left);
+        m_proxy.recv_timeout = m_proxy.send_timeout;
+    }
+    return left > 0;
+}
+
+int Session::send(soap* context, const char* octets, std::size_t count) {
+    Session& self = of(context);
+    if (!self.grantTime()) {
+        return SOAP_EOF;
+    }
+    self.m_facts.wasSent = true;
+    if (self.m_options.dump) {
+        self.m_sent.append(octets, count);
+    }
     return self.m_send(context, octets, count);
 }
 
-std::size_t Session::captureReceive(soap* context, char* octets, std::size_t size) {
-    auto& self = *static_cast<Session*>(context->user);
-    const std::size_t count = self.m_receive(context, octets, size);
-    self.m_received.append(octets, count);
+std::size_t Session::receive(soap* context, char* octets, std::size_t size) {
+    Session& self = of(context);
+    const std::size_t count = self.grantTime() ? self.m_receive(context, octets, size) : 0;
+    if (self.m_options.dump) {
+        self.m_received.append(octets, count);
+    }
     return count;
+}
+
+int Session::writeHeader(soap* context, const char* name, const char* value) {
+    Session& self = of(context);
+    const bool isAgent = name != nullptr && strcasecmp(name, "User-Agent") == 0;
+    return self.m_writeHeader(context, name, isAgent ? self.m_options.userAgent.c_str() : value);
+}
+
+int Session::readHeader(soap* context, const char* name, const char* value) {
+    Session& self = of(context);
+    if (strcasecmp(name, "Location") == 0) {
+        self.m_facts.location = value;
+    } else if (strcasecmp(name, "Via") == 0) {
+        self.m_facts.via = value;
+    }
+    return self.m_readHeader(context, name, value);
 }
 
 void Session::begin() {
     m_proxy.destroy();  // What the last reply holds.
     m_proxy.header = &m_header;
+    m_facts = {};
     m_sent.clear();
     m_received.clear();
     m_began = now();
+    grantTime();
 }
 
 Outcome Session::finish() {
-    const double seconds = now() - m_began;
+    m_facts.seconds = now() - m_began;
     if (m_options.dump) {
         showMessages();
     }
-    return outcomeOf(m_proxy, seconds, m_options.timeoutSeconds);
+    return outcomeOf(m_proxy, m_facts, m_options);
 }
 
 void Session::showMessages() const {

@@ -37,12 +37,16 @@ private:
     void fillHeader();
     void setLimits();
     void startTls();
-    void captureMessages();
+    void standBetween();
+    bool grantTime();
     void begin();
     Outcome finish();
     void showMessages() const;
-    static int captureSend(soap* context, const char* octets, std::size_t count);
-    static std::size_t captureReceive(soap* context, char* octets, std::size_t size);
+    static Session& of(soap* context) { return *static_cast<Session*>(context->user); }
+    static int send(soap* context, const char* octets, std::size_t count);
+    static std::size_t receive(soap* context, char* octets, std::size_t size);
+    static int writeHeader(soap* context, const char* name, const char* value);
+    static int readHeader(soap* context, const char* name, const char* value);
 
     ServiceOptions m_options;
     Proxy m_proxy;
@@ -52,8 +56,12 @@ private:
     SanApi::ns1__HccApiHeader m_apiHeader;
     SOAP_ENV__Header m_header;
     double m_began = 0;
+    CallFacts m_facts;
+    // The engine's own, for which those above stand.
     decltype(soap::fsend) m_send = nullptr;
     decltype(soap::frecv) m_receive = nullptr;
+    decltype(soap::fposthdr) m_writeHeader = nullptr;
+    decltype(soap::fparsehdr) m_readHeader = nullptr;
     std::string m_sent;
     std::string m_received;
 };

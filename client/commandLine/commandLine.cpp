@@ -11,6 +11,7 @@ namespace client {
 namespace {
 
 constexpr int kMaxTimeout = 24 * 60 * 60;
+constexpr int kMaxRetries = 1000;
 
 void declareCaller(CLI::App& app, Credentials& credentials) {
     auto* user = app.add_option("--user", credentials.user, "Who calls")
@@ -52,6 +53,29 @@ void declareTls(CLI::App& app, TlsOptions& tls) {
     }
 }
 
+void declarePatience(CLI::App& app, ServiceOptions& service) {
+    app.add_option("--connect-timeout", service.connectSeconds, "How long to wait for a connection")
+        ->check(CLI::Range(1, kMaxTimeout).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--timeout", service.timeoutSeconds, "How long a whole call may take")
+        ->check(CLI::Range(1, kMaxTimeout).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--retry", service.retry.times,
+                   "Repeat a call that got no answer, or whose outcome is unknown, if that does no "
+                   "harm")
+        ->check(CLI::Range(0, kMaxRetries).description(""))
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--retry-delay", service.retry.delaySeconds, "Wait before each repetition")
+        ->check(CLI::Range(0.0, static_cast<double>(kMaxTimeout)).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_flag("--force-retry", service.retry.isForced,
+                 "Repeat also what the array may have done already");
+}
+
 }  // namespace
 
 void declareSharedOptions(CLI::App& app, CommandLine& line) {
@@ -60,10 +84,7 @@ void declareSharedOptions(CLI::App& app, CommandLine& line) {
         ->envname("SANCTL_URL")
         ->capture_default_str();
     declareCaller(app, line.service.credentials);
-    app.add_option("--timeout", line.service.timeoutSeconds, "How long to wait for an answer")
-        ->check(CLI::Range(1, kMaxTimeout).description(""))
-        ->type_name("SECONDS")
-        ->capture_default_str();
+    declarePatience(app, line.service);
     declareTls(app, line.service.tls);
     const auto wantJson = [&line](std::int64_t /*count*/) { line.form = Form::Machine; };
     app.add_flag_function("--json", wantJson, "Results as JSON");

@@ -10,6 +10,7 @@ namespace client {
 struct CommandLine {
     ServiceOptions service;
     Form form = Form::Human;
+    Warnings warnings;  ///< Of the subcommand's options.
 };
 
 /// Declares the shared options. `line` must live until the command line was parsed.

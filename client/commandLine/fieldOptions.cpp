@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "apiMgmt/common/text/legalXmlText.h"
 #include "client/commandLine/secretFile.h"
 
 namespace client {
@@ -28,6 +29,12 @@ void addRepeatable(CLI::App& command, const char* name, const char* form,
     command.add_option_function<std::vector<std::string>>(name, takeAll, help + ", repeatable")
         ->allow_extra_args(false)
         ->type_name(form);
+}
+
+void checkText(const std::string& where, const std::string& value) {
+    if (text::legalXmlText(value) != value) {
+        throw std::invalid_argument(where + ": no UTF-8, or a character that XML forbids");
+    }
 }
 
 }  // namespace
@@ -71,6 +78,22 @@ void FieldOptions::addresses(const char* name, std::vector<SanApi::ns1__IpAddres
                              const char* help) {
     addRepeatable(
         m_command, name, "IP:PORT",
+        [name, &parts = m_parts, &warnings = m_warnings, &member](const std::string& value) {
+            const Address address = parseAddress(value);
+            if (address.type != SanApi::ns1__InetAddressType__ipv4) {
+                warnings.push_back(std::string(name) + " " + value +
+                                   ": is no IPv4 address; the service makes it 0.0.0.0");
+            }
+            member.push_back(parts.address(address));
+        },
+        help);
+}
+
+void FieldOptions::addressesNotPassedOn(const char* name,
+                                        std::vector<SanApi::ns1__IpAddressPort*>& member,
+                                        const char* help) {
+    addRepeatable(
+        m_command, name, "IP:PORT",
         [&parts = m_parts, &member](const std::string& value) {
             member.push_back(parts.address(parseAddress(value)));
         },
@@ -90,13 +113,18 @@ void FieldOptions::interfaces(const char* name, std::vector<SanApi::ns1__interfa
 void addSecretOption(CLI::App& command, const std::string& name, const char* variable,
                      const std::function<void(const std::string&)>& set, const std::string& help) {
     if (const char* value = std::getenv(variable); value != nullptr) {
+        checkText(variable, value);
         set(value);
     }
     auto* plain =
         command.add_option_function<std::string>(name, set, help + " (Env:" + variable + ")");
     const std::string fileName = name + "-file";
     const auto takeFile = [fileName, set](const std::string& path) {
-        asUsageError(fileName, [&] { set(readSecret(path)); });
+        asUsageError(fileName, [&] {
+            const std::string secret = readSecret(path);
+            checkText(path, secret);
+            set(secret);
+        });
     };
     command
         .add_option_function<std::string>(fileName, takeFile,

@@ -13,8 +13,10 @@ namespace client {
 /// writes straight into the message, which must live until it was sent.
 class FieldOptions {
 public:
-    /// Both are the caller's and outlive this object.
-    FieldOptions(CLI::App& command, MessageParts& parts) : m_command(command), m_parts(parts) {}
+    /// All are the caller's and outlive this object. `warnings` gets a sentence for each value
+    /// that the service will not pass on as it is.
+    FieldOptions(CLI::App& command, MessageParts& parts, std::vector<std::string>& warnings)
+        : m_command(command), m_parts(parts), m_warnings(warnings) {}
 
     MessageParts& parts() { return m_parts; }
 
@@ -28,15 +30,19 @@ public:
     void secret(const char* name, const char* variable, std::string& member, const char* help);
     void optionalSecret(const char* name, const char* variable, std::string*& member,
                         const char* help);
-    /// Repeatable; each gives one item.
+    /// Repeatable; each gives one item. The service passes on what is an IPv4 address; it keeps
+    /// those of addressesNotPassedOn to itself.
     void addresses(const char* name, std::vector<SanApi::ns1__IpAddressPort*>& member,
                    const char* help);
+    void addressesNotPassedOn(const char* name, std::vector<SanApi::ns1__IpAddressPort*>& member,
+                              const char* help);
     void interfaces(const char* name, std::vector<SanApi::ns1__interfaceObject*>& member,
                     const char* help);
 
 private:
     CLI::App& m_command;
     MessageParts& m_parts;
+    std::vector<std::string>& m_warnings;
 };
 
 /// Three ways to give a secret, so that it need not stand on the command line: `name`, "NAME-file"

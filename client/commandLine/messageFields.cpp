@@ -67,7 +67,7 @@ void serverFields(FieldOptions& options, SanApi::ns1__hcnDiscoverableObject& ser
     options.text("--hcn-id", server.hcnId, kHcnIdHelp);
     options.optionalText("--hostname", server.hostname, "Host name of the server");
     options.addresses("--address", server.mgmtIpAddresses, "Management address");
-    options.addresses("--cache-address", server.cacheIpAddresses, "Cache address");
+    options.addressesNotPassedOn("--cache-address", server.cacheIpAddresses, "Cache address");
     operatingSystemFields(options, server.os);
     partText(options, "--api-version", server.norvaneVersion, &Version::apiVersion,
              "Interface version of the cluster software");

@@ -1,6 +1,7 @@
 #include "client/lifecycle/lifecycle.h"
 
-#include <set>
+#include <algorithm>
+#include <map>
 #include <utility>
 
 #include "client/lifecycle/lifecycleSteps.h"
@@ -42,32 +43,130 @@ std::string describe(const Subject& subject) {
     return subject.volume + between + subject.server;
 }
 
-// Which operations were done, and on what.
-using DoneCalls = std::set<std::pair<std::string, std::string>>;
+// What stands on the array: what made it, on what, and whether that is certain.
+using Standing = std::map<std::pair<std::string, std::string>, bool>;
+
+class Life {
+public:
+    Life(Session& session, const ClusterPlan& plan, const LifeControl& control)
+        : m_session(session), m_control(control), m_calls(callsOf(plan)) {}
+
+    LifeResult run() {
+        live();
+        if (m_control.cleanup) {
+            cleanUp();
+        }
+        m_result.leftovers = leftovers();
+        return std::move(m_result);
+    }
+
+private:
+    void live() {
+        for (const Call& call : m_calls) {
+            if (m_result.status == ExitStatus::NoAnswer) {
+                return;
+            }
+            if (m_result.status != ExitStatus::Done && !undoes(call, true)) {
+                continue;
+            }
+            if (!m_control.mayCall()) {
+                m_result.wasStopped = true;
+                return;
+            }
+            const Outcome outcome = make(call);
+            if (m_result.status == ExitStatus::Done) {
+                m_result.status = outcome.status;
+            }
+        }
+    }
+
+    // Ends at the first call that nobody answers: the others would wait as long.
+    void cleanUp() {
+        for (const Call& call : m_calls) {
+            if (undoes(call, false) && make(call).status == ExitStatus::NoAnswer) {
+                return;
+            }
+        }
+    }
+
+    // Whether the call takes down something that stands.
+    bool undoes(const Call& call, bool isSure) const {
+        if (call.step->undoes == nullptr) {
+            return false;
+        }
+        const auto made = m_standing.find({call.step->undoes, describe(call.subject)});
+        return made != m_standing.end() && (made->second || !isSure);
+    }
+
+    Outcome make(const Call& call) {
+        const auto number = static_cast<std::size_t>(&call - m_calls.data()) + 1;
+        const Outcome outcome =
+            withRetries(m_control.retry, call.step->operation, m_control.stop,
+                        [&] { return call.step->run(m_session, call.subject); });
+        note(call, outcome);
+        m_control.report(
+            {number, m_calls.size(), call.step->operation, describe(call.subject), outcome});
+        return outcome;
+    }
+
+    void note(const Call& call, const Outcome& outcome) {
+        const std::string what = describe(call.subject);
+        const bool isUndoing = call.step->undoes != nullptr;
+        const std::pair made(std::string(isUndoing ? call.step->undoes : call.step->operation),
+                             what);
+        if (isUndoing && outcome.isDone() && call.step->per == Per::Cluster) {
+            m_standing.clear();  // The array forgets all that belongs to a cluster.
+        } else if (isUndoing && (outcome.isDone() || isRefusedGuess(made, outcome))) {
+            m_standing.erase(made);
+        } else if (outcome.isDone() || outcome.mayHaveBeenDone) {
+            m_standing[made] = outcome.isDone();
+        }
+    }
+
+    // What perhaps stands, and the array refuses to take down, does not stand.
+    bool isRefusedGuess(const Standing::key_type& made, const Outcome& outcome) const {
+        const auto found = m_standing.find(made);
+        return outcome.status == ExitStatus::RefusedByArray && found != m_standing.end() &&
+               !found->second;
+    }
+
+    std::vector<Leftover> leftovers() const {
+        std::vector<Leftover> found;
+        for (const Call& call : m_calls) {
+            if (undoes(call, false)) {
+                found.push_back({call.subject.cluster.hccId, call.subject.server,
+                                 call.subject.volume, call.step->operation, undoes(call, true)});
+            }
+        }
+        return found;
+    }
+
+    Session& m_session;
+    const LifeControl& m_control;
+    const std::vector<Call> m_calls;
+    Standing m_standing;
+    LifeResult m_result;
+};
 
 }  // namespace
 
-ExitStatus runLifecycle(Session& session, const ClusterPlan& plan,
-                        const std::function<void(const LifecycleCall&)>& report) {
-    ExitStatus status = ExitStatus::Done;
-    DoneCalls done;
-    const std::vector<Call> calls = callsOf(plan);
-    for (std::size_t i = 0; i < calls.size() && status != ExitStatus::NoAnswer; ++i) {
-        const auto& [step, subject] = calls[i];
-        const std::string what = describe(subject);
-        const bool hasToUndo = step->undoes != nullptr && done.contains({step->undoes, what});
-        if (status != ExitStatus::Done && !hasToUndo) {
-            continue;
-        }
-        const Outcome outcome = step->run(session, subject);
-        report({i + 1, calls.size(), step->operation, what, outcome});
-        if (outcome.isDone()) {
-            done.insert({step->operation, what});
-        } else if (status == ExitStatus::Done) {
-            status = outcome.status;
-        }
+std::string textOf(const Leftover& leftover) {
+    const std::string cluster = "cluster " + leftover.cluster;
+    const std::string perhaps = leftover.isCertain ? "" : "perhaps ";
+    if (!leftover.server.empty() && !leftover.volume.empty()) {
+        return perhaps + "data of volume " + leftover.volume + " on server " + leftover.server +
+               " of " + cluster;
     }
-    return status;
+    if (!leftover.server.empty()) {
+        return perhaps + "server " + leftover.server + " of " + cluster;
+    }
+    return perhaps + (leftover.volume.empty()
+                          ? cluster
+                          : "volume " + leftover.volume + " attached to " + cluster);
+}
+
+LifeResult runLifecycle(Session& session, const ClusterPlan& plan, const LifeControl& control) {
+    return Life(session, plan, control).run();
 }
 
 }  // namespace client

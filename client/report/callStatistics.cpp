@@ -63,15 +63,6 @@ void CallStatistics::add(const std::string& operation, const Outcome& outcome) {
     }
 }
 
-void CallStatistics::merge(const CallStatistics& other) {
-    for (const auto& [operation, calls] : other.m_calls) {
-        m_calls[operation].append(calls);
-    }
-    for (const auto& [text, count] : other.m_failures) {
-        m_failures[text] += count;
-    }
-}
-
 void CallStatistics::Calls::append(const Calls& other) {
     seconds.insert(seconds.end(), other.seconds.begin(), other.seconds.end());
     failed += other.failed;

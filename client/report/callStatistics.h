@@ -9,12 +9,10 @@
 
 namespace client {
 
-/// Counts and latencies of many calls. Not for several threads at once: each thread has one, and
-/// they are merged at the end.
+/// Counts and latencies of many calls. Not for several threads at once.
 class CallStatistics {
 public:
     void add(const std::string& operation, const Outcome& outcome);
-    void merge(const CallStatistics& other);
 
     /// Throughput over `seconds`, latency percentiles (nearest rank) in milliseconds for each
     /// operation and for all, and how often each failure was met.

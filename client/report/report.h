@@ -1,21 +1,36 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "client/call/session.h"
 #include "client/report/replyJson.h"
 
 namespace client {
 
-/// How results are shown: for people or, as one JSON document, for programs.
-enum class Form { Human, Machine };
+/// How results are shown: for people, as one JSON document for programs, or as the one line of a
+/// check that a monitoring system runs.
+enum class Form { Human, Machine, Monitoring };
+
+using Warnings = std::vector<std::string>;
 
 /// The result of one operation. What went well, and JSON, goes to the standard output; what went
-/// wrong to the error stream. `reply` counts only when the outcome is done.
+/// wrong to the error stream, as do warnings unless they stand in the JSON document. `reply`
+/// counts only when the outcome is done.
 void reportOutcome(Form form, const std::string& operation, const Outcome& outcome,
-                   const Json& reply);
+                   const Json& reply, const Warnings& warnings);
 
 /// The result of a Ping: for people one line on the standard output whether it went well or
 /// not, with the time in the form that monitoring systems read.
 void reportPing(Form form, const Outcome& outcome, const Json& reply);
+
+/// What kept the program from calling at all, or ended it: on the error stream, but as JSON or for
+/// monitoring on the standard output.
+void reportError(Form form, ExitStatus status, const std::string& text);
+
+/// What the program ends with: the status, but for monitoring 0 for OK, 1 for WARNING, 2 for
+/// CRITICAL and 3 for UNKNOWN.
+int exitCode(Form form, ExitStatus status);
 
 /// One line for a failure, safe for a terminal: "refused by the array: Volume v9 is unknown".
 std::string failureText(const Outcome& outcome);

@@ -55,12 +55,15 @@ TEST(AddressText, takesOnlyAKnownTransportOffAnInterface) {
         {"10:00:00:90:fa:c7:00:fc", "10:00:00:90:fa:c7:00:fc|0"},
         {"10:00:00:90:fa:c7:00:fc:fc", "10:00:00:90:fa:c7:00:fc|1"},
         {"iqn.2001-04.com.example:node", "iqn.2001-04.com.example:node|0"},
+        {"iqn.2001-04.com.example:node:iscsi", "iqn.2001-04.com.example:node|2"},
+        {"eth0:1:unknown", "eth0:1|0"},
     };
     for (const auto& [text, expected] : rows) {
         EXPECT_EQ(interface(text), expected);
     }
-    EXPECT_THROW(interface(""), std::invalid_argument);
-    EXPECT_THROW(interface(":fc"), std::invalid_argument);
+    for (const std::string text : {"", ":fc", "w:foo", "w:FC", "eth0:", "10:00:00:90:fa:c7:00"}) {
+        EXPECT_THROW(interface(text), std::invalid_argument) << text;
+    }
 }
 
 }  // namespace

@@ -19,15 +19,13 @@ TEST(CallStatistics, percentilesAreValuesThatWereMet) {
     EXPECT_EQ(client::CallStatistics::percentile({7}, 0.5), 7);
 }
 
-TEST(CallStatistics, mergesWhatSeveralThreadsCounted) {
-    client::CallStatistics first;
-    client::CallStatistics second;
-    first.add("Ping", outcome(0.004));
-    first.add("AddServer", outcome(0.002, client::ExitStatus::RefusedByArray));
-    second.add("Ping", outcome(0.001));
-    second.add("AddServer", outcome(0.003, client::ExitStatus::RefusedByArray));
-    first.merge(second);
-    const client::Json report = first.report(2);
+TEST(CallStatistics, reportsEachOperationAndAll) {
+    client::CallStatistics calls;
+    calls.add("Ping", outcome(0.004));
+    calls.add("AddServer", outcome(0.002, client::ExitStatus::RefusedByArray));
+    calls.add("Ping", outcome(0.001));
+    calls.add("AddServer", outcome(0.003, client::ExitStatus::RefusedByArray));
+    const client::Json report = calls.report(2);
     const client::Json& latency = report["latencyMilliseconds"];
     EXPECT_EQ(report["calls"], 4);
     EXPECT_EQ(report["callsPerSecond"], 2.0);

@@ -11,6 +11,10 @@ def reply(operation, content="<return/>"):
     return 200, soap.envelope(f"<ns1:{operation}Response>{content}</ns1:{operation}Response>")
 
 
+def redirect(place):
+    return 302, "moved", {"Location": place, "Via": "1.1 gate.example"}
+
+
 def fault(code, text):
     return 500, soap.envelope(f"<SOAP-ENV:Fault><faultcode>{code}</faultcode>"
                               f"<faultstring>{text}</faultstring></SOAP-ENV:Fault>")
@@ -26,13 +30,16 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_POST(self):
         body = self.rfile.read(int(self.headers["Content-Length"])).decode()
         self.server.requests.append(body)
-        status, text = self.server.answer(body)
+        self.server.agents.append(self.headers["User-Agent"])
+        status, text, *headers = self.server.answer(body)
         if not status:
             self.close_connection = True
             return
         self.send_response(status)
         self.send_header("Content-Type", "text/xml; charset=utf-8")
         self.send_header("Content-Length", str(len(text.encode())))
+        for name, value in headers[0].items() if headers else ():
+            self.send_header(name, value)
         self.end_headers()
         self.wfile.write(text.encode())
 
@@ -42,10 +49,11 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
 @contextlib.contextmanager
 def serve(answer, tls=None):
-    """`answer` is (status, body) or a function of the request's body. Gives the server, whose
-    `url` and `requests` tell what a test needs; `tls` is a context for HTTPS."""
+    """`answer` is (status, body[, headers]) or a function of the request's body. Gives the server,
+    whose `url`, `requests` and `agents` tell what a test needs; `tls` is a context for HTTPS."""
     server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
     server.answer, server.requests = answer if callable(answer) else lambda _: answer, []
+    server.agents = []
     if tls:
         server.socket = tls.wrap_socket(server.socket, server_side=True,
                                         do_handshake_on_connect=False)

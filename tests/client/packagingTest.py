@@ -21,11 +21,11 @@ def commands(program=SANCTL):
 
 class PackagingTest(unittest.TestCase):
     def test_the_manual_names_every_subcommand_and_option(self):
-        for program, count in (SANCTL, 14), (SIMCTL, 4), (SIMULATOR, 0):
+        for program in SANCTL, SIMCTL, SIMULATOR:
             page = (PACKAGING / f"man/{program.name}.1").read_text(encoding="utf-8")
             page = page.replace("\\-", "-")
             names = commands(program)
-            self.assertEqual(len(names), count)
+            self.assertEqual(bool(names), program != SIMULATOR)
             for name in names:
                 self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
             known = options(program=program).union(

@@ -8,7 +8,7 @@ import unittest
 
 import cannedServer
 import soap
-from cannedServer import NOTHING, fault, reply
+from cannedServer import NOTHING, fault, redirect, reply
 from programs import closed_port, sanctl
 
 SECRETS = {"SANCTL_PASSWORD": "pass-word-1", "SANCTL_TOKEN": "token-1",
@@ -20,6 +20,9 @@ ANSWERS = [
     ("nil result", reply("Ping", '<return xsi:nil="true"/>'), 0, "PING OK"),
     ("server fault", fault("SOAP-ENV:Server", "Array is &lt;full>"), 1,
      "refused by the array: Array is <full>"),
+    ("array's answer unusable", fault("SOAP-ENV:Server",
+                                      "Received Invalid/NULL response from tarn"), 4,
+     "outcome unknown: Received"),
     ("client fault", fault("SOAP-ENV:Client", "No header"), 2,
      "refused by the service: No header"),
     ("must understand", fault("SOAP-ENV:MustUnderstand", "What?"), 2, "refused by the service"),
@@ -28,7 +31,11 @@ ANSWERS = [
     ("no text", fault("SOAP-ENV:Server", ""), 1, "refused by the array: (no reason given)"),
     ("terminal control", fault("SOAP-ENV:Server", "a\u009b2J&#127;b"), 1, "\\x7fb"),
     ("body too large", (413, "<html>too large</html>"), 2, "refused by the service"),
-    ("bad gateway", (502, "<html>bad gateway</html>"), 3, "no answer"),
+    ("bad gateway", (502, "<html>bad gateway</html>"), 3, "a proxy stands before the service"),
+    ("proxy", (407, "who?"), 3, "asks who calls"),
+    ("redirect", redirect("https://b.example/"), 3,
+     "redirect to https://b.example/, which is not followed; give the right place as --url "
+     "(by way of 1.1 gate.example)"),
     ("another reply", reply("Pong"), 3, "no answer: the answer is no SOAP"),
     ("no XML", (200, "hello"), 3, "no answer: the answer is no SOAP"),
     ("half an envelope", (200, reply("Ping")[1][:200]), 3, "the connection ended"),
@@ -53,6 +60,12 @@ WRONG = [
     (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b"], "--hcc-key-file or SANCTL_HCC_KEY"),
     (["add-hcc-to-san", "--san-id", "a", "--hcc-id", "b", "--hcc-key", "k",
       "--address", "10.0.0.1"], "IP:PORT"),
+    (["add-server", "--san-id", "a", "--hcc-id", "b", "--hcn-id", "n", "--interface", "w:foo"],
+     "'foo' is no transport"),
+    (["ping", "--token", "a\udcff"], "no UTF-8"),
+    (["ping", "--target", "lab"], "[lab]"),
+    (["ping", "--config", "/nonexistent"], "/nonexistent"),
+    (["ping", "--config", __file__], "unknown setting"),
     (["lifecycle", "--parallel", "2", "--volume", "v1"], "volume"),
     (["lifecycle", "--volumes", "2", "--volume", "v1"], "volume"),
 ]
@@ -68,6 +81,10 @@ class SanctlTest(unittest.TestCase):
                 self.assertNotIn("\u009b", human.stdout)
                 machine = json.loads(sanctl("--url", server.url, "--json", "ping").stdout)
                 self.assertEqual(machine["exitStatus"], status)
+                self.assertRegex(server.agents[0], r"^sanctl/\d")
+                monitored = sanctl("--url", server.url, "ping", "--monitoring")
+                self.assertEqual(monitored.returncode, {0: 0, 2: 1}.get(status, 2))
+                self.assertRegex(monitored.stdout, "^PING (OK|WARNING|CRITICAL): ")
 
     def test_no_server_and_a_silent_one_are_no_answer(self):
         with socket.create_server(("127.0.0.1", 0)) as silent:
@@ -75,6 +92,12 @@ class SanctlTest(unittest.TestCase):
             done = sanctl("--url", url, "ping", "--timeout", "1")
         self.assertEqual(done.returncode, 3, done)
         self.assertIn("no whole answer within 1 s", done.stdout)
+        # The system takes no further connection while these wait to be taken.
+        with socket.create_server(("127.0.0.1", 0), backlog=0) as full, \
+                socket.create_connection(full.getsockname()):
+            url = f"http://127.0.0.1:{full.getsockname()[1]}/"
+            done = sanctl("--url", url, "ping", "--connect-timeout", "1")
+        self.assertIn("no connection within 1 s", done.stdout)
         with closed_port() as port:
             done = sanctl("--url", f"http://127.0.0.1:{port}/", "ping")
         self.assertEqual(done.returncode, 3, done)
@@ -86,7 +109,50 @@ class SanctlTest(unittest.TestCase):
                     done = sanctl(*arguments, stdin="one\ntwo\n", SANCTL_URL=server.url)
                     self.assertEqual(done.returncode, 64, done)
                     self.assertIn(words, done.stderr)
+                    for line in done.stderr.splitlines():
+                        self.assertTrue(line.startswith("sanctl: "), line)
+                    done = sanctl(*arguments, "--json", stdin="one\ntwo\n", SANCTL_URL=server.url)
+                    self.assertEqual(json.loads(done.stdout)["exitStatus"], 64)
+                    done = sanctl(*arguments, "--monitoring", SANCTL_URL=server.url)
+                    self.assertEqual((done.returncode, done.stdout[:13]), (3, "PING UNKNOWN:"))
             self.assertEqual(server.requests, [])
+
+    def test_only_what_may_be_repeated_is_repeated(self):
+        add = ["add-server", "--san-id", "a", "--hcc-id", "b", "--hcn-id", "n"]
+        done, busy = reply("Any"), (503, "busy")
+        unusable = fault("SOAP-ENV:Server", "Invalid content in response message")
+        for command, answers, status in [
+                (["ping", "--retry", "2"], [NOTHING, unusable, reply("Ping")], 0),
+                (["ping", "--retry", "1"], [NOTHING, NOTHING], 3),
+                (["ping", "--retry", "1"], [fault("SOAP-ENV:Server", "no")], 1),
+                ([*add, "--retry", "1"], [NOTHING], 3),
+                ([*add, "--retry", "1"], [unusable], 4),
+                ([*add, "--retry", "1"], [busy, reply("AddServer")], 0),
+                ([*add, "--retry", "1", "--force-retry"], [NOTHING, reply("AddServer")], 0)]:
+            left = [*answers, done]
+            with self.subTest(command), cannedServer.serve(lambda _: left.pop(0)) as server:
+                ended = sanctl(*command, "--retry-delay", "0", "--json", "--url", server.url)
+                self.assertEqual(ended.returncode, status, ended)
+                self.assertEqual(json.loads(ended.stdout)["attempts"], len(answers))
+                self.assertEqual(len(server.requests), len(answers))
+
+    def test_settings_come_from_the_nearest_place(self):
+        with cannedServer.serve(reply("Ping")) as server, tempfile.TemporaryDirectory() as home:
+            with open(f"{home}/sanctl.ini", "w", encoding="utf-8") as file:
+                file.write(f"url = {server.url}\ntoken = top\n[lab]\ntoken = lab\n[bare]\n"
+                           "timeout = 5\n")
+            environment = {"SANCTL_TOKEN": "environment"}
+            for options, variables, token in [
+                    ([], {}, "top"),
+                    ([], environment, "environment"),
+                    (["--target", "lab"], environment, "lab"),
+                    (["--target", "bare"], environment, "environment"),
+                    (["--target", "bare"], {}, "top"),
+                    (["--target", "lab", "--token", "line"], environment, "line")]:
+                with self.subTest(options, **variables):
+                    done = sanctl("ping", *options, **{**variables, "XDG_CONFIG_HOME": home})
+                    self.assertEqual(done.returncode, 0, done)
+                    self.assertIn(f"<authToken>{token}<", server.requests.pop())
 
     def sent(self, operation, *arguments, **options):
         """How a command ends that is answered well, and its request without blanks in between."""
@@ -113,6 +179,8 @@ class SanctlTest(unittest.TestCase):
             self.assertNotIn(secret, done.stdout + done.stderr)
         self.assertIn("<userPass>***</userPass>", done.stderr)
         self.assertIn("<ns1:AddHccToSanResponse>", done.stderr)
+        self.assertEqual(re.findall(r"warning: --address (\S+): .*0\.0\.0\.0", done.stderr),
+                         ["[2001:db8::1]:80", "node.example:1"])
 
     def test_secrets_come_from_files_and_standard_input(self):
         with tempfile.NamedTemporaryFile("w", encoding="utf-8") as token:

@@ -44,4 +44,5 @@ def closed_port():
         yield taken.getsockname()[1]
 
 
-sanctl = functools.partial(run, SANCTL)
+# Without the settings of whoever runs the test.
+sanctl = functools.partial(run, SANCTL, XDG_CONFIG_HOME="/nonexistent")
