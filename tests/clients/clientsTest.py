@@ -116,6 +116,17 @@ class ClientsTest(harness.ServiceCase):
                 joined = [request.request for request in self.array.take_requests()
                           if "<HccName>Zürich 集群</HccName>" in request.request]
                 self.assertEqual(len(joined), 1)
+                for scenario in PRINTED:
+                    self.ends_with_an_error(client, scenario)
+
+    def ends_with_an_error(self, client, scenario):
+        """The array refuses the first call, which the scenario does not expect."""
+        self.array.fail("refuse", error="not today")
+        done = programs.run(*client.command, self.server.url, scenario, "cluster-1",
+                            **client.environment)
+        self.assertNotEqual(done.returncode, 0, done)
+        self.assertIn("not today", done.stdout + done.stderr)
+        self.array.take_requests()
 
 
 def installed_version(client):

@@ -17,7 +17,14 @@ my ($operations) = values %{$described->services};
 my $address = $operations->{Ping}{endpoint}->value;
 
 my $soap = SOAP::Lite->proxy($address)->ns($namespace, 'san')->autotype(0)->readable(0)
-    ->on_action(sub { '' })->on_fault(sub { return $_[1] });
+    ->on_action(sub { '' })->on_fault(\&give_up);
+
+# A reply that is no fault, or none at all, comes as a text.
+sub give_up {
+    my ($client, $reply) = @_;
+    die $client->transport->status, "\n" unless ref $reply;
+    die sprintf("%s \"%s\"\n", $reply->faultcode =~ s/.*://r, $reply->faultstring);
+}
 
 sub element { return SOAP::Data->name($_[0])->value($_[1])->type(''); }
 sub parent { my $name = shift; return SOAP::Data->name($name)->value(\SOAP::Data->value(@_)); }
@@ -37,7 +44,7 @@ sub call {
 
 sub show {
     my ($what, $reply) = @_;
-    my $result = $reply->valueof('//return');
+    my $result = $reply->valueof('//return') or die "$what: no result\n";
     printf "%s %d \"%s\" %d\n", $what, $result->{catalogNumber}, $result->{defaultMsg} // '',
         $result->{resultCode};
     printf "header %s\n", $reply->dataof('//HccApiHeader/xsdVersion')->attr->{version};
@@ -68,10 +75,8 @@ for my $which ('orig', 'alias') {
     my $identity = $identities->valueof("//${which}ScsiInfo");
     printf "attach %s %s %s\n", $which, $identity->{deviceId}, $identity->{serialNumber};
 }
-my $refused = attach('größe-集');
-if ($refused->fault) {
-    printf "refused %s \"%s\"\n", $refused->faultcode =~ s/.*://r, $refused->faultstring;
-}
+eval { attach('größe-集') };
+print "refused $@" if $@;
 show('detach', call('HccDetachVolume', element(hccId => $cluster), element(sanId => 'array'),
                     element(sanVolumeId => 'vol-1')));
 show('leave', call('RemoveHccFromSan', element(sanId => 'array'), element(hccId => $cluster)));
