@@ -10,6 +10,7 @@
 #include "client/commandLine/configFile.h"
 #include "client/commandLine/lifecycleCommand.h"
 #include "client/commandLine/operations.h"
+#include "client/commandLine/topCommand.h"
 
 namespace {
 
@@ -116,6 +117,7 @@ ExitStatus run(std::span<char*> arguments, Form& form) {
     const std::list<Subcommand> commands = declareOperations(app, parts, line);
     declareMonitoring(app, line);
     const client::LifecycleCommand lifecycle(app);
+    const client::TopCommand top(app);
     line.service.userAgent = PROGRAM_VERSION;
     std::replace(line.service.userAgent.begin(), line.service.userAgent.end(), ' ', '/');
     // One is required below: the parser would complain of no subcommand where it is misspelled.
@@ -130,7 +132,7 @@ ExitStatus run(std::span<char*> arguments, Form& form) {
             return runOperation(command, line);
         }
     }
-    return lifecycle.run(line);
+    return top.parsed() ? top.run(line) : lifecycle.run(line);
 }
 
 }  // namespace

@@ -49,10 +49,11 @@ ROOMS = [
     ("clientCall",        r"client/call/",               CALLS),
     ("clientReport",      r"client/report/",             CALLS + ["clientCall"]),
     ("clientLifecycle",   r"client/lifecycle/",          CALLS + ["clientCall", "clientReport"]),
+    ("clientTop",         r"client/top/",                ["text", "clientReport"]),
     ("clientCommandLine", r"client/commandLine/",
-     CALLS + ["clientCall", "clientReport", "clientLifecycle"]),
+     CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientTop"]),
     ("client",            r"client/",
-     CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientCommandLine"]),
+     CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientTop", "clientCommandLine"]),
     ("outside",       r"(tests|bench|fuzz|examples)/",   ANYTHING),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)

@@ -178,6 +178,20 @@ void Session::begin() {
     grantTime();
 }
 
+Outcome Session::fetch(std::string& body) {
+    begin();
+    std::size_t size = 0;
+    const char* octets = nullptr;
+    if (soap_GET(&m_proxy, m_options.url.c_str(), nullptr) == SOAP_OK &&
+        soap_begin_recv(&m_proxy) == SOAP_OK) {
+        octets = soap_http_get_body(&m_proxy, &size);
+    }
+    const bool isWhole = octets != nullptr && soap_end_recv(&m_proxy) == SOAP_OK;
+    body = isWhole ? std::string(octets, size) : "";
+    soap_closesock(&m_proxy);
+    return finish();
+}
+
 Outcome Session::finish() {
     m_facts.seconds = now() - m_began;
     if (m_options.dump) {

@@ -33,6 +33,10 @@ public:
         return finish();
     }
 
+    /// Gets what stands at the session's URL, which is no service then: a GET, without credentials.
+    /// `body` is empty unless the outcome is done.
+    Outcome fetch(std::string& body);
+
 private:
     void fillHeader();
     void setLimits();

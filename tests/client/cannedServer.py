@@ -28,7 +28,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     wbufsize = -1  # One packet an answer.
 
     def do_POST(self):
-        body = self.rfile.read(int(self.headers["Content-Length"])).decode()
+        body = self.rfile.read(int(self.headers.get("Content-Length", 0))).decode()
         self.server.requests.append(body)
         self.server.agents.append(self.headers["User-Agent"])
         status, text, *headers = self.server.answer(body)
@@ -42,6 +42,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.send_header(name, value)
         self.end_headers()
         self.wfile.write(text.encode())
+
+    do_GET = do_POST
 
     def log_message(self, *arguments):
         pass
