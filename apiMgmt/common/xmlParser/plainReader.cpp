@@ -44,8 +44,8 @@ bool is(char byte, std::uint8_t kind) {
     return (kClasses[static_cast<unsigned char>(byte)] & kind) != 0;
 }
 
-const char* skip(const char* next, std::uint8_t kind) {
-    while (is(*next, kind)) {
+const char* skip(const char* next, const char* end, std::uint8_t kind) {
+    while (next != end && is(*next, kind)) {
         ++next;
     }
     return next;
@@ -61,30 +61,32 @@ constexpr Reference kReferences[] = {
 
 }  // namespace
 
-PlainReader::PlainReader(const std::string& source, std::string& text,
+PlainReader::PlainReader(std::string_view source, std::string& text,
                          std::vector<XMLElement>& elements, std::size_t maxDepth)
-    : m_next(source.c_str()),
+    : m_next(source.data()),
       m_end(m_next + source.size()),
       m_text(text),
       m_elements(elements),
       m_maxDepth(maxDepth) {}
 
 bool PlainReader::Read() {
-    m_next = skip(m_next, kSpace);
+    m_next = skip(m_next, m_end, kSpace);
     do {
-        if (*m_next == '<' ? !(m_next[1] == '/' ? ReadEndTag() : ReadStartTag())
+        if (Ahead() == '<' ? !(Ahead(1) == '/' ? ReadEndTag() : ReadStartTag())
                            : m_depth == 0 || !ReadText()) {
             return false;
         }
     } while (m_depth > 0);
-    return skip(m_next, kSpace) == m_end;
+    return skip(m_next, m_end, kSpace) == m_end;
 }
 
 bool PlainReader::ReadStartTag() {
     const char* const name = m_next + 1;
-    const char* const nameEnd = skip(name, kName);
-    const bool isEmpty = nameEnd[0] == '/' && nameEnd[1] == '>';
-    if (!is(*name, kNameStart) || (*nameEnd != '>' && !isEmpty) || m_depth == m_maxDepth ||
+    const bool isNamed = is(Ahead(1), kNameStart);
+    m_next = skip(name, m_end, kName);
+    const char* const nameEnd = m_next;
+    const bool isEmpty = Ahead() == '/' && Ahead(1) == '>';
+    if (!isNamed || (Ahead() != '>' && !isEmpty) || m_depth == m_maxDepth ||
         m_elements.size() == m_elements.capacity()) {
         return false;
     }
@@ -141,15 +143,15 @@ void PlainReader::EndElement(const char* markupEnd) {
 
 bool PlainReader::ReadText() {
     for (;;) {
-        m_next = skip(m_next, kText);
-        if (*m_next == '<') {
+        m_next = skip(m_next, m_end, kText);
+        if (Ahead() == '<') {
             return true;
         }
-        if (*m_next == '&') {
+        if (Ahead() == '&') {
             if (!ReadReference()) {
                 return false;
             }
-        } else if (*m_next == ']' && !(m_next[1] == ']' && m_next[2] == '>')) {
+        } else if (Ahead() == ']' && !(Ahead(1) == ']' && Ahead(2) == '>')) {
             ++m_next;
         } else {
             return false;

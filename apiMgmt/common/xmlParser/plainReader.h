@@ -16,15 +16,18 @@ namespace parser {
 class PlainReader {
 public:
     /// `text` and `elements` are empty and have room for all that `source` can hold: its size,
-    /// and an element for each of its "<". The elements point into `source`, which a zero follows,
-    /// and into `text`.
-    PlainReader(const std::string& source, std::string& text, std::vector<XMLElement>& elements,
+    /// and an element for each of its "<". The elements point into `source` and into `text`.
+    PlainReader(std::string_view source, std::string& text, std::vector<XMLElement>& elements,
                 std::size_t maxDepth);
 
     /// Whether the document was read. If not, texts and elements are not to be used.
     bool Read();
 
 private:
+    /// The byte so far ahead; zero, which is part of nothing, behind the end.
+    char Ahead(std::size_t offset = 0) const {
+        return offset < static_cast<std::size_t>(m_end - m_next) ? m_next[offset] : '\0';
+    }
     bool ReadStartTag();
     bool ReadEndTag();
     bool ReadText();

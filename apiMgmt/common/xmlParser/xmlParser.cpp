@@ -160,22 +160,22 @@ std::string_view withoutUsualDeclaration(std::string_view text) {
 /// How many "<" there are: as many elements as the text can hold. Eight bytes at a step, each with
 /// a count of its own that is added up before it can overflow.
 std::size_t countTags(std::string_view text) {
-    constexpr std::uint64_t ones = 0x0101010101010101U;
-    constexpr std::size_t maxSteps = 255;
+    constexpr std::uint64_t kOnes = 0x0101010101010101U;
+    constexpr std::size_t kMaxSteps = 255;
     std::size_t count = 0;
-    while (text.size() >= sizeof(ones)) {
-        const std::size_t steps = std::min(text.size() / sizeof(ones), maxSteps);
+    while (text.size() >= sizeof(kOnes)) {
+        const std::size_t steps = std::min(text.size() / sizeof(kOnes), kMaxSteps);
         std::uint64_t counts = 0;
         for (std::size_t i = 0; i < steps; ++i) {
             std::uint64_t bytes = 0;
             std::memcpy(&bytes, text.data() + i * sizeof(bytes), sizeof(bytes));
-            bytes ^= ones * '<';
-            counts += (~((((bytes & ones * 0x7F) + ones * 0x7F) | bytes)) >> 7U) & ones;
+            bytes ^= kOnes * '<';
+            counts += (~((((bytes & kOnes * 0x7F) + kOnes * 0x7F) | bytes)) >> 7U) & kOnes;
         }
         for (; counts != 0; counts >>= 8U) {
             count += counts & 0xFFU;
         }
-        text.remove_prefix(steps * sizeof(ones));
+        text.remove_prefix(steps * sizeof(kOnes));
     }
     return count + static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
 }
@@ -241,7 +241,7 @@ bool XMLParser::ParseInPlace(std::string_view text) {
     text = withoutUsualDeclaration(text);
     m_text.reserve(text.size());
     m_elements.reserve(std::min(countTags(text), kMaxElements));
-    if (PlainReader(m_source, m_text, m_elements, kMaxDepth).Read()) {
+    if (PlainReader(text, m_text, m_elements, kMaxDepth).Read()) {
         return true;
     }
     m_elements.clear();

@@ -196,9 +196,9 @@ size_t receiveAgain(soap* context, char* /*buffer*/, size_t /*room*/) {
 
 /// Whether nothing but XML is expected, from a reader that hands on what it is given.
 bool expectsPlainXml(const soap& context) {
-    constexpr soap_mode others =
+    constexpr soap_mode kOthers =
         SOAP_IO_KEEPALIVE | SOAP_ENC_PLAIN | SOAP_ENC_DIME | SOAP_ENC_MIME | SOAP_ENC_ZLIB;
-    return (context.imode & others) == 0 && (context.imode & SOAP_IO) != SOAP_IO_CHUNK &&
+    return (context.imode & kOthers) == 0 && (context.imode & SOAP_IO) != SOAP_IO_CHUNK &&
            hasNoEntries(context) && context.ssl == nullptr && context.fprepareinitrecv == nullptr &&
            context.fpreparerecv == nullptr && context.ffilterrecv == nullptr;
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -59,6 +60,9 @@ TEST(XmlParserTest, GivesTheContentOfTheDocumentElement) {
         XMLParser reader(nullptr);
         ASSERT_TRUE(reader.ParseXMLString(text)) << text;
         EXPECT_EQ(reader.GetDocumentElement()->GetElementName(), "a") << text;
+        EXPECT_EQ(reader.GetDocumentElement()->GetElementContent(), content) << text;
+        const std::vector<char> exact(text.begin(), text.end());  // no zero behind it
+        ASSERT_TRUE(reader.ParseInPlace({exact.data(), exact.size()})) << text;
         EXPECT_EQ(reader.GetDocumentElement()->GetElementContent(), content) << text;
     }
 }
