@@ -256,16 +256,40 @@ static int step(struct soapBodyScan* scan, char c) {
     return refuse(scan, kNotMarkup);
 }
 
+/* The bytes that can end a state in which most bytes mean nothing. */
+static const char kEnds[256] = {
+    ['<'] = 1,  ['>'] = 1,  ['/'] = 1,  ['='] = 1, ['"'] = 1, ['\''] = 1, [' '] = 1,
+    ['\t'] = 1, ['\r'] = 1, ['\n'] = 1, [']'] = 1, ['-'] = 1, ['?'] = 1};
+
+/* Passes over bytes that leave the state as it is: nearly all of a body. */
+static const char* skip(const struct soapBodyScan* scan, const char* data, const char* end) {
+    const char* found;
+    switch (scan->state) {
+        case IN_TEXT:
+            found = memchr(data, '<', (size_t)(end - data));
+            return found ? found : end;
+        case IN_VALUE:
+            while (data < end && *data != scan->quote && *data != '<') {
+                ++data;
+            }
+            return data;
+        case IN_TAG_NAME:
+        case IN_END_TAG:
+        case IN_CDATA:
+        case IN_COMMENT:
+        case IN_INSTRUCTION:
+            while (data < end && !kEnds[(unsigned char)*data]) {
+                ++data;
+            }
+            return data;
+        default:
+            return data;
+    }
+}
+
 const char* soapScan(struct soapBodyScan* scan, const char* data, size_t size) {
     const char* const end = data + size;
-    while (data < end && !scan->refusal) {
-        /* Texts are the bulk of a large body; nothing in them matters but their end. */
-        if (scan->state == IN_TEXT && *data != '<') {
-            data = memchr(data, '<', (size_t)(end - data));
-            if (!data) {
-                break;
-            }
-        }
+    while (!scan->refusal && (data = skip(scan, data, end)) < end) {
         scan->state = step(scan, *data++);
     }
     return scan->refusal;
