@@ -6,8 +6,10 @@ The plug-in behind it is one that answers a Ping at once, or one that misbehaves
 import concurrent.futures
 import contextlib
 import gzip
+import os
 import re
 import signal
+import tempfile
 import threading
 import time
 import unittest
@@ -186,6 +188,51 @@ class WsdlTest(ModuleCase):
         self.assertRegex(received, r'^<a b="[^"<>]*/other[^"<>]*"/>$')
 
 
+SECTIONS = """
+SOAPWsdl "{outer}"
+SOAPLibrary "{plugin}"
+SOAPMaxCalls 7
+<Location /a>
+    SetHandler gsoap_handler
+</Location>
+<Location /a/b>
+    SOAPWsdl "{inner}"
+</Location>
+<Location /a/c>
+    SOAPLibrary "{odd}"
+    SOAPMaxCalls 0
+</Location>
+<Location /a/c/d>
+    SetHandler None
+</Location>
+"""
+
+
+class SectionsTest(ModuleCase):
+    def test_a_section_inherits_what_it_does_not_say(self):
+        with contextlib.ExitStack() as stack:
+            outer, inner = (stack.enter_context(tempfile.NamedTemporaryFile("w", suffix=".wsdl"))
+                            for _ in range(2))
+            for file, text in ((outer, "<outer/>"), (inner, "<inner/>")):
+                os.chmod(file.name, 0o644)
+                file.write(text)
+                file.flush()
+            server = self.start(environment={"ODD_PLUGIN": "registers"}, extra=SECTIONS.format(
+                outer=outer.name, inner=inner.name, plugin=webServer.BARE_PLUGIN,
+                odd=webServer.ODD_PLUGIN))
+            rows = [
+                # path, description, what answers a Ping
+                ("/a", "<outer/>", "PingResponse"), ("/a/b", "<inner/>", "PingResponse"),
+                ("/a/c", "<outer/>", "3"), ("/a/c/d", None, None), ("/e", None, None),
+            ]
+            for path, description, answer in rows:
+                with self.subTest(path):
+                    found = server.request("GET", path + "?wsdl")
+                    self.assertEqual(found.text if found.status == 200 else None, description)
+                    reply = server.request("POST", path, PING, {"Content-Type": "text/xml"})
+                    self.assertIn(answer or "Not Found", reply.text)
+
+
 class LoadTest(ModuleCase):
     def test_every_ping_over_many_connections_is_answered(self):
         for mpm in ("event", "worker", "prefork"):
@@ -229,6 +276,8 @@ class OddPluginTest(ModuleCase):
         ("other length", {}, "liboddPlugin.so: .*length 192 and revision 6"),
         ("other revision", {}, "liboddPlugin.so: .*length 184 and revision 7"),
         ("no serve function", {}, "liboddPlugin.so: .*lacks functions"),
+        ("larger context", {}, "liboddPlugin.so: its SOAP engine lays out a context in another way"),
+        ("smaller context", {}, "liboddPlugin.so: its SOAP engine lays out a context in another way"),
         ("no entry", {"plugin": programs.SHIM}, "does not export apache_init_soap_interface"),
         ("no shared object", {"plugin": webServer.WSDL}, "sanApi.wsdl: .*invalid ELF header"),
         ("no plug-in", {"plugin": "nowhere.so"}, "cannot use .*nowhere.so"),

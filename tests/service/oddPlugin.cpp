@@ -66,6 +66,13 @@ PLUGIN_ENTRY void apache_init_soap_interface(apache_soap_interface* table) {
         table->length = 192;
     } else if (behaviour == "other revision") {
         table->revision = 7;
+    } else if (behaviour == "larger context") {
+        table->init = [](struct soap* context) {
+            soap_init(context);
+            reinterpret_cast<char*>(context)[sizeof *context + 8] = 0;
+        };
+    } else if (behaviour == "smaller context") {
+        table->init = [](struct soap* context) { context->state = SOAP_INIT; };
     } else if (behaviour == "no serve function") {
         table->serve = nullptr;
     }
