@@ -12,8 +12,9 @@ Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test,
 the threaded tests with ThreadSanitizer and runs them. Ends with the test runner's summary.
 
   --all     also the tests that need heavy packages: the matrix of independent SOAP clients,
-            the simulator's page in a real browser, Prometheus' reading of the metrics, and
-            clang-tidy over the sources that changed
+            the simulator's page in a real browser, Prometheus' reading of the metrics,
+            clang-tidy over the sources that changed, and the instructions that requests cost,
+            counted in an optimised build
   --help    this text
 
 Other options go to ctest as they are, for example: scripts/test.sh -R stringUtil
@@ -22,11 +23,12 @@ TEXT
 
 heavy='clients|browser|lint|monitoring'
 kinds=(build run test)
+all=
 select=(-LE "$heavy")
 passed=()
 while [ $# -gt 0 ]; do
     case "$1" in
-        --all) kinds+=(all); select=() ;;
+        --all) kinds+=(all); select=(); all=yes ;;
         --help) usage; exit 0 ;;
         *) passed+=("$1") ;;
     esac
@@ -36,6 +38,7 @@ done
 install_packages "${kinds[@]}"
 build tsan threaded_tests
 build asan
+[ -z "$all" ] || build release mod_gsoap sanService serviceShim
 
 run_tests() {
     ctest --test-dir "$root/build/$1" --output-on-failure -j "$jobs" "${@:2}"
@@ -46,5 +49,9 @@ say "Threaded tests under ThreadSanitizer"
 run_tests tsan -L threaded "${passed[@]}" || result=1
 say "All tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 run_tests asan --no-tests=error "${select[@]}" "${passed[@]}" || result=1
+if [ -n "$all" ]; then
+    say "What requests cost"
+    run_tests release -L count "${passed[@]}" || result=1
+fi
 [ "$result" -eq 0 ] || say "Some tests failed; see above"
 exit "$result"
