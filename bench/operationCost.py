@@ -36,6 +36,7 @@ import statistics
 import subprocess
 import sys
 import threading
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
