@@ -140,8 +140,16 @@ start_log_collector() {
     fi
     log_place="$state/syslog.log"
     start collector "$root/scripts/logCollector.py" "$log_place"
+    local place
     for _ in {1..100}; do
-        [ ! -S /dev/log ] || return 0
+        if place=$("$root/scripts/logCollector.py" --probe); then
+            [ "$place" != "$log_place" ] || return 0
+            # Another run that starts now was quicker: its collector takes our lines as well.
+            wait "${started[-1]}" 2>/dev/null || true
+            unset 'started[-1]'
+            log_place="$place (of another run, while that lasts)"
+            return 0
+        fi
         sleep 0.05
     done
     fail_with_logs "the log collector did not start"
@@ -286,10 +294,12 @@ wait_for_ping() {
 }
 
 third_command() {
-    if [ "$simulate" = yes ]; then
+    if [ "$simulate" = yes ] && [ "$page" != 127.0.0.1 ]; then
+        echo "$release/sim/simctl --url '$(page_url)' log -n 3"
+    elif [ "$simulate" = yes ]; then
         echo "$release/sim/simctl --port $api_port log -n 3"
     else
-        echo "curl -s ${trust[*]} '$url?wsdl'"
+        echo "curl -s ${trust[*]:+${trust[*]} }'$url?wsdl'"
     fi
 }
 
@@ -311,9 +321,9 @@ TEXT
 TEXT
     cat <<TEXT
 
-  try             curl -s ${trust[*]} -H 'Content-Type: text/xml' \\
+  try             curl -s ${trust[*]:+${trust[*]} }-H 'Content-Type: text/xml' \\
                        --data-binary @$state/ping.xml $url
-                  SANCTL_TOKEN=any $release/client/sanctl --url $url ${trust[*]} lifecycle
+                  SANCTL_TOKEN=any $release/client/sanctl --url $url ${trust[*]:+${trust[*]} }lifecycle
                   $(third_command)
 
 Ctrl-C ends it.

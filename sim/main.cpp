@@ -42,10 +42,12 @@ void declare(CLI::App& app, Arguments& arguments) {
     sim::SimulatorOptions& options = arguments.options;
     app.set_version_flag("--version", PROGRAM_VERSION);
     app.add_option("--port", arguments.port, "TCP port on 127.0.0.1, up to 65535; 0: any free")
-        ->check(CLI::Range(0, 65535).name("N"))
+        ->check(CLI::Range(0, 65535).description(""))
+        ->type_name("N")
         ->capture_default_str();
     app.add_option("--volumes", options.seed.volumes, "volumes to start with, up to 100000")
-        ->check(CLI::Range(0, sim::Seed::kMaxVolumes).name("N"))
+        ->check(CLI::Range(0, sim::Seed::kMaxVolumes).description(""))
+        ->type_name("N")
         ->capture_default_str();
     app.add_option("--seed-file", arguments.seedFile, "clusters, servers, volumes to start with")
         ->type_name("FILE");
@@ -62,16 +64,16 @@ void declare(CLI::App& app, Arguments& arguments) {
                    "socket file for simctl, else one that goes with the port")
         ->type_name("PATH");
     app.add_option("--web", arguments.web, "serve the page on this port, up to 65535; 0: any free")
-        ->check(CLI::Range(0, 65535).name("N"));
+        ->check(CLI::Range(0, 65535).description(""))
+        ->type_name("N");
     app.add_option("--listen", arguments.listen, "serve the page there, for other machines")
         ->type_name("ADDRESS")
         ->capture_default_str();
     app.add_option("--token-file", arguments.tokenFile,
-                   "what the page's readers have to bring; without it, one that is printed when "
-                   "other machines reach the page")
+                   "what the page's readers have to bring (default: none, or one that is printed)")
         ->type_name("FILE");
     app.add_flag("--lenient", options.lenient,
-                 "refuse nothing: make what a command names and the array does not know");
+                 "refuse nothing: make what a command names and is not there");
     app.add_flag("--show-keys", options.showKeys, "do not mask cluster keys in what is shown");
 }
 

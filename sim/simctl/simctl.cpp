@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -211,8 +212,12 @@ void clock(Control& control, const Arguments& arguments) {
 template <class Value>
 CLI::Option* ruleOption(CLI::App& command, Json& rule, const std::string& option,
                         const std::string& member, const std::string& help) {
-    return command.add_option_function<Value>(
-        option, [&rule, member](const Value& value) { rule[member] = value; }, help);
+    return command
+        .add_option_function<Value>(
+            option, [&rule, member](const Value& value) { rule[member] = value; }, help)
+        ->type_name(option[0] != '-'             ? ""
+                    : std::is_same_v<Value, int> ? "N"
+                                                 : "TEXT");
 }
 
 void declareFail(CLI::App& app, Arguments& arguments) {
@@ -242,7 +247,8 @@ void declareFail(CLI::App& app, Arguments& arguments) {
     command.add_flag("--kinds", arguments.listKinds, "show the faults that there are");
     command.add_flag("--commands", arguments.listCommands, "show the commands that can fail");
     command.add_flag("--rules", arguments.listRules, "show the faults that wait for their calls");
-    command.add_option("--remove", arguments.removeId, "take back the fault of this id");
+    command.add_option("--remove", arguments.removeId, "take back the fault of this id")
+        ->type_name("ID");
     command.add_option("--file", arguments.scenarioFile, "add the faults of a scenario file")
         ->type_name("FILE");
 }
@@ -260,17 +266,20 @@ void declareFilters(CLI::App& command, Arguments& arguments) {
 void declareVerify(CLI::App& app, Arguments& arguments) {
     CLI::App& command = *app.add_subcommand(
         "verify", "compare the calls that came with what was expected; status 1 when they differ");
-    command.add_option("FILE", arguments.expectationFile, "the expectations (JSON)");
+    command.add_option("FILE", arguments.expectationFile, "the expectations (JSON)")->type_name("");
     command.add_option("--rules", arguments.rules, "rules that every cluster keeps, or all")
         ->delimiter(',')
         ->type_name("NAME,...");
-    command.add_option("--since", arguments.since, "look at calls after the one of this id");
+    command.add_option("--since", arguments.since, "look at calls after the one of this id")
+        ->type_name("ID");
     command.add_option("--wait", arguments.waitSeconds, "give it so long to pass (default 0)")
         ->type_name("SECONDS");
     command.add_option("--junit", arguments.junitFile, "write a JUnit report")->type_name("FILE");
     CLI::App& record = *app.add_subcommand("record", "write what came as a file for verify");
-    record.add_option("FILE", arguments.recordFile, "where to; without it, standard output");
-    record.add_option("--since", arguments.since, "only calls after the one of this id");
+    record.add_option("FILE", arguments.recordFile, "where to; without it, standard output")
+        ->type_name("");
+    record.add_option("--since", arguments.since, "only calls after the one of this id")
+        ->type_name("ID");
     declareFilters(record, arguments);
     app.add_subcommand("rules", "show the rules that verify knows");
 }
@@ -281,13 +290,15 @@ void declareChanges(CLI::App& app, Arguments& arguments) {
         ->check(CLI::IsMember({"faults", "log", "state", "all"}))
         ->capture_default_str();
     CLI::App& seed = *app.add_subcommand("seed", "show the seed, or start from another one");
-    seed.add_option("FILE", arguments.seedFile, "the new seed (JSON)");
-    seed.add_option("--volumes", arguments.volumes, "volumes to make besides (default 0)");
+    seed.add_option("FILE", arguments.seedFile, "the new seed (JSON)")->type_name("");
+    seed.add_option("--volumes", arguments.volumes, "volumes to make besides (default 0)")
+        ->type_name("N");
     CLI::App& clock = *app.add_subcommand("clock", "show the simulator's time, or move it on");
     clock
         .add_option("--advance-ms", arguments.advanceMs,
                     "end what waits so much sooner: late replies, faults that last")
-        ->check(CLI::NonNegativeNumber.name(""))
+        ->check(
+            CLI::Range(std::int64_t{0}, std::numeric_limits<std::int64_t>::max()).description(""))
         ->type_name("N");
 }
 
@@ -298,19 +309,22 @@ void declare(CLI::App& app, Arguments& arguments) {
     app.fallthrough();
     app.set_version_flag("--version", PROGRAM_VERSION);
     app.add_option("--port", arguments.port, "the simulator's port, 1 to 65535")
-        ->check(CLI::Range(1, 65535).name("N"))
+        ->check(CLI::Range(1, 65535).description(""))
+        ->type_name("N")
         ->capture_default_str();
     app.add_option("--control", arguments.place.socketPath, "the simulator's control socket")
         ->type_name("PATH")
         ->envname("SANSIM_CONTROL");
-    app.add_option("--url", arguments.place.url, "the simulator's page, such as http://host:8081")
+    app.add_option("--url", arguments.place.url,
+                   "the simulator's page, such as http://host:8081/, as it was printed")
+        ->type_name("URL")
         ->envname("SANSIM_URL");
     app.add_option("--token-file", arguments.tokenFile, "the token for that URL")
         ->type_name("FILE")
         ->envname("SANSIM_TOKEN_FILE");
     app.add_flag("--json", arguments.json, "JSON instead of text");
     CLI::App& log = *app.add_subcommand("log", "show the last exchanges");
-    log.add_option("-n,--last", arguments.last, "how many")->capture_default_str();
+    log.add_option("-n,--last", arguments.last, "how many")->type_name("N")->capture_default_str();
     log.add_flag("-f,--follow", arguments.follow, "go on showing new ones");
     declareFilters(log, arguments);
     app.add_subcommand("state", "show clusters, servers, volumes");
@@ -324,6 +338,13 @@ sim::ControlPlace placeOf(const Arguments& arguments) {
     if (place.socketPath.empty()) {
         place.socketPath = sim::defaultControlPath(arguments.port);
     }
+    // The page's address may come as the simulator printed it, with the token behind "#".
+    constexpr std::string_view kToken = "#token=";
+    if (const auto at = place.url.find(kToken); at != std::string::npos) {
+        place.token = place.url.substr(at + kToken.size());
+        place.url.resize(at);
+    }
+    place.url.resize(place.url.find_last_not_of('/') + 1);
     if (!arguments.tokenFile.empty()) {
         place.token = sim::readSecretFile(arguments.tokenFile);
     }

@@ -44,11 +44,12 @@ void JsonNode::only(std::initializer_list<std::string_view> names) const {
     }
     for (const auto& [name, value] : m_value->items()) {
         if (std::find(names.begin(), names.end(), name) == names.end()) {
-            std::string known;
+            std::string rule = "has no member \"";
+            rule.append(name).append("\"; its members are ");
             for (const std::string_view one : names) {
-                known.append(known.empty() ? "" : ", ").append(one);
+                rule.append(one == *names.begin() ? "" : ", ").append(one);
             }
-            fail("has no member \"" + name + "\"; its members are " + known);
+            fail(rule);
         }
     }
 }

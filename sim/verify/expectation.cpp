@@ -7,7 +7,7 @@ namespace sim {
 namespace {
 
 constexpr std::int64_t kMaxCount = 1'000'000;
-constexpr std::int64_t kMaxWait = 24 * 3'600'000;  // milliseconds
+constexpr std::int64_t kMaxWait = std::int64_t{24} * 3'600'000;  // milliseconds
 
 std::string quoted(const std::string& text) {
     return "\"" + text + "\"";

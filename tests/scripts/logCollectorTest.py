@@ -39,6 +39,9 @@ class LogCollector(unittest.TestCase):
                 collector.terminate()
         self.assertRegex(self.file.read_text(), r"^\S+ SANService: one two\n$")
         self.assertFalse(self.socket.exists())
+        self.socket.write_text("precious")
+        done = run(COLLECTOR, self.file, self.socket)
+        self.assertEqual((done.returncode, self.socket.read_text()), (1, "precious"))
 
 
 if __name__ == "__main__":

@@ -141,6 +141,8 @@ class ApiTest(unittest.TestCase):
             with self.subTest(words=words, mode=mode):
                 ended = run(SIMCTL, "--url", place, "--token-file", secret, "state")
                 self.assertEqual(ended.returncode, status, ended.stderr)
+        printed = run(SIMCTL, "state", SANSIM_URL=f"{place}/#token={token}")
+        self.assertEqual(printed.returncode, 0, printed.stderr)
         for options, words in (
                 (("--web", str(self.simulator.web_port)), "choose another port with --web"),
                 (("--web", "0", "--token-file", "/nonexistent"), "no token can be read")):
