@@ -37,17 +37,25 @@ static apr_off_t announcedLength(request_rec* r) {
     return text && ap_parse_strict_length(&length, text) ? length : 0;
 }
 
-/* Copies a piece behind the pieces before it; only a full block makes a new one. */
-static void copyPiece(struct bodyReading* reading, const char* data, apr_size_t size) {
+static int addBlock(struct bodyReading* reading) {
+    apr_bucket_alloc_t* list = reading->body->bucket_alloc;
+    char* block = apr_bucket_alloc(APR_BUCKET_BUFF_SIZE, list);
+    if (!block) {
+        return 0;
+    }
+    reading->block = apr_bucket_heap_create(block, APR_BUCKET_BUFF_SIZE, apr_bucket_free, list);
+    reading->block->length = 0;
+    reading->room = APR_BUCKET_BUFF_SIZE;
+    APR_BRIGADE_INSERT_TAIL(reading->body, reading->block);
+    return 1;
+}
+
+/* Copies a piece behind the pieces before it; only a full block makes a new one. False when there
+ * is no memory. */
+static int copyPiece(struct bodyReading* reading, const char* data, apr_size_t size) {
     while (size > 0) {
-        if (reading->room == 0) {
-            apr_bucket_alloc_t* list = reading->body->bucket_alloc;
-            char* block = apr_bucket_alloc(APR_BUCKET_BUFF_SIZE, list);
-            reading->block =
-                apr_bucket_heap_create(block, APR_BUCKET_BUFF_SIZE, apr_bucket_free, list);
-            reading->block->length = 0;
-            reading->room = APR_BUCKET_BUFF_SIZE;
-            APR_BRIGADE_INSERT_TAIL(reading->body, reading->block);
+        if (reading->room == 0 && !addBlock(reading)) {
+            return 0;
         }
         const apr_size_t part = size < reading->room ? size : reading->room;
         apr_bucket_heap* heap = reading->block->data;
@@ -57,6 +65,7 @@ static void copyPiece(struct bodyReading* reading, const char* data, apr_size_t 
         data += part;
         size -= part;
     }
+    return 1;
 }
 
 /* Appends a piece of the body. Pieces are kept as they came, one whose data is on loan made to own
@@ -64,8 +73,7 @@ static void copyPiece(struct bodyReading* reading, const char* data, apr_size_t 
 static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char* data,
                      apr_size_t size) {
     if (size < SMALL_PIECE) {
-        copyPiece(reading, data, size);
-        return 1;
+        return copyPiece(reading, data, size);
     }
     if (apr_bucket_setaside(bucket, reading->pool) != APR_SUCCESS) {
         return 0;
