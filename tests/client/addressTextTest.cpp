@@ -21,7 +21,7 @@ std::string interface(const std::string& text) {
     return parsed.id + "|" + std::to_string(parsed.type);
 }
 
-TEST(AddressText, picksTheTypeByTheFormOfTheHost) {
+TEST(AddressText, PicksTheTypeByTheFormOfTheHost) {
     // Types on the wire: 1 ipv4, 2 ipv6, 3 dns.
     const Rows rows = {
         {"10.0.0.5:3260", "1|10.0.0.5|3260"},
@@ -31,14 +31,16 @@ TEST(AddressText, picksTheTypeByTheFormOfTheHost) {
         {"[::ffff:10.0.0.1]:1", "2|::ffff:10.0.0.1|1"},
         {"node-1.example.com:443", "3|node-1.example.com|443"},
         {"1and1.example:443", "3|1and1.example|443"},
+        {std::string(253, 'n') + ":1", "3|" + std::string(253, 'n') + "|1"},
     };
     for (const auto& [text, expected] : rows) {
         EXPECT_EQ(address(text), expected);
     }
+    const std::string tooLong = std::string(254, 'n') + ":1";
     for (const std::string text :
-         {"", "10.0.0.5", "10.0.0.5:", "10.0.0.5:65536", "10.0.0.5:-1", "10.0.0.5: 80",
-          "10.0.0.5:80x", "10.0.0.256:80", "::1:80", "[10.0.0.5]:80", "[::1]80", "[::1", ":80",
-          "a..b:80", "two words:80"}) {
+         {tooLong.c_str(), "", "10.0.0.5", "10.0.0.5:", "10.0.0.5:65536", "10.0.0.5:-1",
+          "10.0.0.5: 80", "10.0.0.5:80x", "10.0.0.256:80", "::1:80", "[10.0.0.5]:80", "[::1]80",
+          "[::1", ":80", "a..b:80", "two words:80"}) {
         try {
             ADD_FAILURE() << text << " was taken for " << address(text);
         } catch (const std::invalid_argument& failure) {
@@ -47,7 +49,7 @@ TEST(AddressText, picksTheTypeByTheFormOfTheHost) {
     }
 }
 
-TEST(AddressText, takesOnlyAKnownTransportOffAnInterface) {
+TEST(AddressText, TakesOnlyAKnownTransportOffAnInterface) {
     const Rows rows = {
         {"eth0", "eth0|0"},
         {"eth0:iscsi", "eth0|2"},

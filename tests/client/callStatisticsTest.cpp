@@ -8,7 +8,7 @@ client::Outcome outcome(double seconds, client::ExitStatus status = client::Exit
     return {status, "", status == client::ExitStatus::Done ? "" : "why", seconds};
 }
 
-TEST(CallStatistics, percentilesAreValuesThatWereMet) {
+TEST(CallStatistics, PercentilesAreValuesThatWereMet) {
     const std::vector<double> values = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
     const std::vector<std::pair<double, double>> rows = {
         {0.01, 1}, {0.1, 1}, {0.11, 2}, {0.5, 5}, {0.9, 9}, {0.99, 10}, {1, 10},
@@ -19,7 +19,7 @@ TEST(CallStatistics, percentilesAreValuesThatWereMet) {
     EXPECT_EQ(client::CallStatistics::percentile({7}, 0.5), 7);
 }
 
-TEST(CallStatistics, reportsEachOperationAndAll) {
+TEST(CallStatistics, ReportsEachOperationAndAll) {
     client::CallStatistics calls;
     calls.add("Ping", outcome(0.004));
     calls.add("AddServer", outcome(0.002, client::ExitStatus::RefusedByArray));
@@ -34,6 +34,17 @@ TEST(CallStatistics, reportsEachOperationAndAll) {
     EXPECT_DOUBLE_EQ(latency["Ping"]["p50"], 1);
     EXPECT_DOUBLE_EQ(latency["Ping"]["max"], 4);
     EXPECT_EQ(latency["all"]["calls"], 4);
+}
+
+TEST(CallStatistics, ShowsPeopleTenKindsOfFailure) {
+    client::CallStatistics calls;
+    for (char kind = 'a'; kind <= 'k'; ++kind) {
+        const std::string shown = client::CallStatistics::table(calls.report(1));
+        EXPECT_EQ(shown.find("other failures"), std::string::npos) << "before " << kind;
+        calls.add(std::string(1, kind), outcome(1, client::ExitStatus::NoAnswer));
+    }
+    EXPECT_NE(client::CallStatistics::table(calls.report(1)).find("... and 1 other failures"),
+              std::string::npos);
 }
 
 }  // namespace
