@@ -212,7 +212,8 @@ def serving(arguments, request):
     """The server with all rungs, and the peers beside it in `peers`."""
     request_bytes, reply = exchange_of(request)
     server = webServer.WebServer(
-        mpm=arguments.mpm, threads=getattr(arguments, "threads", 16), collect_syslog=False, access_log=False,
+        mpm=arguments.mpm, threads=getattr(arguments, "threads", 16), collect_syslog=False,
+        access_log=False,
         extra=NO_OVERRIDES + LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
         + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN)
         + LOCATION.format(path="/logging", plugin=LOGGING_PLUGIN))

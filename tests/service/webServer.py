@@ -122,7 +122,8 @@ class WebServer:
             plugin=self.plugin, wsdl=f'Define SAN_WSDL "{self.wsdl}"' if self.wsdl else "",
             service=SERVICE_CONFIGURATION, patience="" if self.impatient else PATIENCE,
             access_log=(f'SAN_ACCESS_LOG "{self.directory}/access.log"' if self.access_log
-                        else "SAN_NO_ACCESS_LOG"), extra=self.extra, user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
+                        else "SAN_NO_ACCESS_LOG"), extra=self.extra,
+            user="User nobody\nGroup nogroup" if os.getuid() == 0 else ""))
 
     def run_apache(self, *arguments):
         """Starts Apache with further arguments, its output in the error log; gives the process.
