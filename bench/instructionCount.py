@@ -127,8 +127,8 @@ class Server:
             mpm="prefork", threads=1, collect_syslog=False, access_log=False, wrapper=wrapper,
             extra=cost.NO_OVERRIDES + "".join(
                 cost.LOCATION.format(path=path, plugin=plugin) for path, plugin in (
-                ("/bare", webServer.BARE_PLUGIN), ("/exchange", cost.EXCHANGE_PLUGIN),
-                ("/logging", cost.LOGGING_PLUGIN)) if plugin.exists()))
+                    ("/bare", webServer.BARE_PLUGIN), ("/exchange", cost.EXCHANGE_PLUGIN),
+                    ("/logging", cost.LOGGING_PLUGIN)) if plugin.exists()))
         (self.web.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
         self.web.environment.update({
             "SAN_TEST_APIMGR_PORT": str(peer.port), "BENCH_PEER_PORT": str(peer.port),
