@@ -23,6 +23,7 @@ REPLACED = [
     ("soap_free_temp", "engineFreeTemp"),
     ("soap_begin_recv", "engineBeginReceive"),
     ("soap_enter", "engineEnter"),
+    ("soap_get", "engineGet"),
     ("_ZN4soapC1ERKS_", None),  # the copy constructor, under its two names
     ("_ZN4soapC2ERKS_", None),
 ]
