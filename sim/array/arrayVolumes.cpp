@@ -59,9 +59,9 @@ void ArrayState::ensureVolume(const std::string& volume) {
     refuseUnlessLenient("ObjectNotFound", "Volume \"" + volume + "\" is not known to this array",
                         "Check the volume's id.");
     const auto last = m_database.one("SELECT coalesce(max(n), 0) AS n FROM volumes");
-    Volume made = numberedVolume((*last)["n"].get<std::int64_t>() + 1);
-    made.id = volume;
-    addVolume(made);
+    Volume fresh = numberedVolume((*last)["n"].get<std::int64_t>() + 1);
+    fresh.id = volume;
+    addVolume(fresh);
 }
 
 void ArrayState::ensureAttached(const std::string& cluster, const std::string& volume) {

@@ -60,10 +60,10 @@ void Database::execute(const char* script) {
 Database::Cursor::Cursor(Database& database, std::string_view sql) : m_database(database) {
     auto found = database.m_statements.find(sql);
     if (found == database.m_statements.end()) {
-        sqlite3_stmt* made = nullptr;
+        sqlite3_stmt* prepared = nullptr;
         database.check(::sqlite3_prepare_v2(database.m_handle.get(), sql.data(),
-                                            static_cast<int>(sql.size()), &made, nullptr));
-        found = database.m_statements.emplace(std::string(sql), made).first;
+                                            static_cast<int>(sql.size()), &prepared, nullptr));
+        found = database.m_statements.emplace(std::string(sql), prepared).first;
     }
     m_statement = found->second.get();
 }

@@ -223,14 +223,14 @@ Json Simulator::seed() {
 void Simulator::setSeed(const Json& seed) {
     const JsonNode node(seed, "the request");
     node.only({"volumes", "content"});
-    Seed made;
-    made.volumes = static_cast<int>(node.number("volumes", 0, Seed::kMaxVolumes));
+    Seed fresh;
+    fresh.volumes = static_cast<int>(node.number("volumes", 0, Seed::kMaxVolumes));
     if (node.has("content")) {
-        made.content = node.member("content").json();
+        fresh.content = node.member("content").json();
     }
     const Lock lock(m_mutex);
-    plantSeed(made);
-    m_options.seed = std::move(made);
+    plantSeed(fresh);
+    m_options.seed = std::move(fresh);
 }
 
 Json Simulator::exchanges(const ExchangeFilter& filter, Documents documents) {
@@ -256,9 +256,9 @@ Json Simulator::faults() {
 }
 
 Json Simulator::addFault(const Json& rule) {
-    FaultRule made = ruleFromJson(JsonNode(rule, "the fault"));
+    FaultRule fault = ruleFromJson(JsonNode(rule, "the fault"));
     const Lock lock(m_mutex);
-    return toJson(m_faults.add(std::move(made)));
+    return toJson(m_faults.add(std::move(fault)));
 }
 
 void Simulator::addScenario(const Json& scenario) {

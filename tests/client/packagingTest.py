@@ -58,11 +58,13 @@ class PackagingTest(unittest.TestCase):
         self.assertEqual(self.complete("ping", "--cacert", __file__[:-1]), {__file__})
 
     def test_completion_knows_the_simulators_programs_too(self):
-        shared = {"--help", "--version", "--port", "--control", "--json"}
+        shared = {"--help", "--version", "--port", "--control", "--url", "--token-file", "--json"}
+        filters = {"--command", "--cluster", "--outcome", "--fault"}
         for program, words, offered in (
                 (SIMCTL, ["st"], {"state"}),
-                (SIMCTL, ["fail", "--co"], {"--code", "--count", "--control"}),
-                (SIMCTL, ["log", "-"], shared | {"--last", "--follow"}),
+                (SIMCTL, ["fail", "--co"], {"--code", "--count", "--control", "--commands"}),
+                (SIMCTL, ["log", "-"], shared | filters | {"--last", "--follow"}),
+                (SIMCTL, ["fail", "RemoveH"], {"RemoveHccFromSan"}),
                 (SIMCTL, ["log", "-n", ""], set()),
                 (SIMCTL, ["--port", ""], set()),
                 (SIMCTL, ["reset", ""], shared | {"faults", "log", "state", "all"}),
