@@ -165,13 +165,26 @@ static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
     return merged;
 }
 
+/* What cannot be told while the configuration is still being read. */
+static int checkServices(server_rec* server) {
+    for (int i = 0; i < services->nelts; ++i) {
+        const struct soapService* service = APR_ARRAY_IDX(services, i, struct soapService*);
+        if (!service->library) {
+            ap_log_error(APLOG_MARK, APLOG_EMERG, 0, server,
+                         "SOAPPing stands in a section without SOAPLibrary, %s", service->path);
+            return HTTP_INTERNAL_SERVER_ERROR;
+        }
+    }
+    return OK;
+}
+
 static int loadLibraries(apr_pool_t* pconf, server_rec* server) {
     for (int i = 0; i < libraries->nelts; ++i) {
         if (!soapLoadLibrary(APR_ARRAY_IDX(libraries, i, struct soapLibrary*), pconf, server)) {
             return HTTP_INTERNAL_SERVER_ERROR;
         }
     }
-    return OK;
+    return checkServices(server);
 }
 
 /* A mere test of the configuration ends before the step that loads, so it loads here. */
@@ -190,11 +203,6 @@ static int finishConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* 
     soapOpenCounts(server);
     for (int i = 0; i < services->nelts; ++i) {
         struct soapService* service = APR_ARRAY_IDX(services, i, struct soapService*);
-        if (!service->library) {
-            ap_log_error(APLOG_MARK, APLOG_EMERG, 0, server,
-                         "SOAPPing stands in a section without SOAPLibrary, %s", service->path);
-            return HTTP_INTERNAL_SERVER_ERROR;
-        }
         service->counts = soapFindCounts(service->path);
     }
     return loadLibraries(pconf, server);

@@ -281,6 +281,10 @@ class OddPluginTest(ModuleCase):
         ("no entry", {"plugin": programs.SHIM}, "does not export apache_init_soap_interface"),
         ("no shared object", {"plugin": webServer.WSDL}, "sanApi.wsdl: .*invalid ELF header"),
         ("no plug-in", {"plugin": "nowhere.so"}, "cannot use .*nowhere.so"),
+        ("no number", {"extra": "SOAPMaxCalls 1x"}, "a number is wanted"),
+        ("a number below", {"extra": "SOAPMaxCalls -1"}, "a number is wanted"),
+        ("no time", {"extra": f"SOAPPing {__file__} 0"}, "from 1 to 300 seconds"),
+        ("no plug-in to ping", {"extra": f"SOAPPing {__file__}"}, "without SOAPLibrary, server"),
         ("no description", {"extra": "SOAPWsdl nowhere.wsdl"}, "cannot use .*nowhere.wsdl"),
     ]
 
@@ -293,7 +297,7 @@ class OddPluginTest(ModuleCase):
                     self.addCleanup(server.stop)
                     server.configure()
                     self.assertEqual(server.run_apache(*arguments).wait(60), 1)
-                    self.assertRegex(server.error_log(), f"SOAP(Library|Wsdl).*{reason}")
+                    self.assertRegex(server.error_log(), rf"SOAP\w+.*{reason}")
 
     ANSWERLESS = [
         ("throws", "exception of type St13runtime_error"),

@@ -1,14 +1,16 @@
 // A plug-in that misbehaves in the way that ODD_PLUGIN names, to see that the module stands it.
 #include <cstdlib>
+#include <deque>
 #include <stdexcept>
 #include <string>
 
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "host/include/soapRequestReport.h"
 #include "tests/support/engineTable.h"
 
 namespace {
 
-const std::string behaviour = [] {
+const std::string kBehaviour = [] {
     const char* name = std::getenv("ODD_PLUGIN");
     return std::string(name != nullptr ? name : "");
 }();
@@ -41,39 +43,55 @@ int serveAndRegister(struct soap* context) {
     return SOAP_OK;
 }
 
+// Reports an operation of a new name with each request.
+int serveAndReport(struct soap* context) {
+    static std::deque<std::string> names;
+    const auto* report =
+        static_cast<const soapRequestReport*>(soap_lookup_plugin(context, SOAP_REQUEST_REPORT_ID));
+    names.push_back("operation" + std::to_string(names.size()) +
+                    std::string(names.size() * 2, 'x'));
+    report->operation(names.back().c_str());
+    report->lostLogLines(2);
+    report->ended(SOAP_REFUSED_BY_ARRAY);
+    return context->fsend(context, "reported", 8);
+}
+
 int serveOddly(struct soap* context) {
-    if (behaviour == "registers") {
+    if (kBehaviour == "reports") {
+        return serveAndReport(context);
+    }
+    if (kBehaviour == "registers") {
         return serveAndRegister(context);
     }
-    if (behaviour == "serves without a copy") {
+    if (kBehaviour == "serves without a copy") {
         return serveWithoutCopy(context);
     }
-    if (behaviour == "throws") {
+    if (kBehaviour == "throws") {
         throw std::runtime_error("words of the plug-in that nobody is to see");
     }
-    if (behaviour == "throws midway") {
+    if (kBehaviour == "throws midway") {
         context->fsend(context, "half a reply", 12);
         throw 42;
     }
-    return behaviour == "fails silently" ? SOAP_EOM : SOAP_OK;
+    return kBehaviour == "fails silently" ? SOAP_EOM : SOAP_OK;
 }
 
 }  // namespace
 
 PLUGIN_ENTRY void apache_init_soap_interface(apache_soap_interface* table) {
     fillEngineTable(*table, serveOddly);
-    if (behaviour == "other length") {
+    if (kBehaviour == "other length") {
         table->length = 192;
-    } else if (behaviour == "other revision") {
+    } else if (kBehaviour == "other revision") {
         table->revision = 7;
-    } else if (behaviour == "larger context") {
+    } else if (kBehaviour == "larger context") {
         table->init = [](struct soap* context) {
             soap_init(context);
             reinterpret_cast<char*>(context)[sizeof *context + 8] = 0;
         };
-    } else if (behaviour == "smaller context") {
+    } else if (kBehaviour == "smaller context") {
         table->init = [](struct soap* context) { context->state = SOAP_INIT; };
-    } else if (behaviour == "no serve function") {
+    } else if (kBehaviour == "no serve function") {
         table->serve = nullptr;
     }
 }

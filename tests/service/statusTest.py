@@ -15,6 +15,7 @@ from arraySimulator import ArraySimulator
 import harness
 import soap
 from soap import PING
+import webServer
 from webServer import PATH, WebServer
 
 
@@ -217,6 +218,21 @@ class StatusTest(unittest.TestCase):
             self.assertIn("SOAP service", server.request("GET", "/server-status").text)
             for path in ("/status/health", "/status/health?deep"):
                 self.assertEqual(server.request("GET", path).status, 200)
+
+    def test_more_operations_than_there_are_rows_count_without_a_name(self):
+        server = self.enterContext(WebServer(
+            plugin=webServer.ODD_PLUGIN, environment={"ODD_PLUGIN": "reports"},
+            extra="<Location /status>\nSetHandler gsoap-status\n</Location>"))
+        for _ in range(40):
+            server.post(PING)
+        seen = metrics(server)
+        refused = {name: count for name, count in seen.items()
+                   if re.match('san_calls_total.*refused_by_array', name)}
+        self.assertEqual(len(refused), 32)
+        self.assertEqual(refused.pop('san_calls_total{operation="none",outcome="refused_by_array"}'),
+                         40 - 31)
+        self.assertEqual(set(refused.values()), {1})
+        self.assertEqual(seen["san_lost_log_lines_total"], 80)
 
     def test_a_silent_array_shows(self):
         with SilentArray() as array:
