@@ -240,6 +240,7 @@ LoadModule gsoap_module "$release/host/mod_gsoap.so"
 </Directory>
 Define SAN_PLUGIN "$release/apiMgmt/webservices/sanService/libsanService.so"
 Define SAN_WSDL "$release/generated/sanContract/sanApi.wsdl"
+Define SAN_PING "$state/ping.xml"
 Define SAN_ACCESS_LOG "$state/access.log"
 Include "$release/packaging/apache/san-service.conf"
 TEXT
@@ -249,19 +250,6 @@ start_apache() {
     modules=$(apxs -q LIBEXECDIR)
     write_configuration
     start apache /usr/sbin/apache2 -d "$state" -f "$state/httpd.conf" -DFOREGROUND
-}
-
-write_ping() {
-    cat >"$state/ping.xml" <<'TEXT'
-<?xml version="1.0" encoding="UTF-8"?>
-<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/envelope/"
-                   xmlns:ns1="urn:san-api:service">
-  <SOAP-ENV:Header>
-    <ns1:HccApiHeader><xsdVersion version="2.3"/></ns1:HccApiHeader>
-  </SOAP-ENV:Header>
-  <SOAP-ENV:Body><ns1:Ping/></SOAP-ENV:Body>
-</SOAP-ENV:Envelope>
-TEXT
 }
 
 # What curl needs besides.
@@ -310,6 +298,7 @@ print_places() {
 
   service         $url
   WSDL            $url?wsdl
+  how it goes     ${url%/*}/san-status
   log lines       $log_place
   other output    $state/*.log
 TEXT
@@ -331,7 +320,7 @@ TEXT
 }
 
 rm -f "$state"/*.log "$state/httpd.pid"
-write_ping
+cp "$root/packaging/apache/ping.xml" "$state/ping.xml"
 start_log_collector
 [ "$simulate" = no ] || start_simulator
 [ "$tls" = no ] || make_certificates
