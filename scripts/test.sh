@@ -13,8 +13,8 @@ the threaded tests with ThreadSanitizer and runs them. Ends with the test runner
 
   --all     also the tests that need heavy packages: the matrix of independent SOAP clients,
             the simulator's page in a real browser, Prometheus' reading of the metrics,
-            clang-tidy over the sources that changed, and the instructions that requests cost,
-            counted in an optimised build
+            clang-tidy over the sources that changed, and in an optimised build the instructions
+            that requests cost and each call of a request made to fail
   --help    this text
 
 Other options go to ctest as they are, for example: scripts/test.sh -R stringUtil
@@ -38,7 +38,7 @@ done
 install_packages "${kinds[@]}"
 build tsan threaded_tests
 build asan
-[ -z "$all" ] || build release mod_gsoap sanService serviceShim
+[ -z "$all" ] || build release mod_gsoap sanService serviceShim failingCalls sanSim simctl
 
 run_tests() {
     ctest --test-dir "$root/build/$1" --output-on-failure -j "$jobs" "${@:2}"
@@ -50,8 +50,8 @@ run_tests tsan -L threaded "${passed[@]}" || result=1
 say "All tests under AddressSanitizer and UndefinedBehaviorSanitizer"
 run_tests asan --no-tests=error "${select[@]}" "${passed[@]}" || result=1
 if [ -n "$all" ]; then
-    say "What requests cost"
-    run_tests release -L count "${passed[@]}" || result=1
+    say "What requests cost, and calls that fail"
+    run_tests release -L 'count|failing' "${passed[@]}" || result=1
 fi
 [ "$result" -eq 0 ] || say "Some tests failed; see above"
 exit "$result"

@@ -51,11 +51,6 @@ std::atomic<unsigned> process{0};  // changes in a child process, whose threads 
 std::atomic<int> wakeSignal{0};
 pthread_key_t slotKey;
 
-void countLost() {
-    lost.fetch_add(1, std::memory_order_relaxed);
-    unreported.fetch_add(1, std::memory_order_relaxed);
-}
-
 /// Interrupts the threads whose line was under way at the last look already; gives how many, and
 /// whether any line was written since then.
 std::size_t interruptHanging(bool& active) {
@@ -228,6 +223,11 @@ void countLine(Slot& slot) {
 }
 
 }  // namespace
+
+void countLost() {
+    lost.fetch_add(1, std::memory_order_relaxed);
+    unreported.fetch_add(1, std::memory_order_relaxed);
+}
 
 Line::Line() : m_mayBeWritten(!stalled.load(std::memory_order_relaxed)) {
     if (!m_mayBeWritten) {

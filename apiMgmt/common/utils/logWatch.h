@@ -32,6 +32,9 @@ private:
     bool m_mayBeWritten;
 };
 
+/// Counts a line that was lost for another reason.
+void countLost();
+
 /// How many lines this process has lost.
 std::uint64_t lostLines();
 

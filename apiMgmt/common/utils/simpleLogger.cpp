@@ -2,6 +2,7 @@
 
 #include <syslog.h>
 
+#include <new>
 #include <thread>
 
 #include "apiMgmt/common/text/safeText.h"
@@ -99,23 +100,29 @@ void SimpleLogger::DoLog(LOGLevel level, const char* file, const char* func, int
     if ((level & logLevelMask.load(std::memory_order_relaxed)) == 0) {
         return;
     }
-    if (const std::uint64_t lost = LogWatch::takeUnreported(); lost != 0) {
-        DoLog(LOGWarning, file, func, line, category, lostNote(lost));
-    }
-    const int priority = ConvertToSyslogPriority(level);
-    std::string escapedCategory;
-    std::string escapedMessage;
-    const char* const categoryLine = oneLine(category, escapedCategory);
-    const char* const messageLine = oneLine(message, escapedMessage);
-    // Put together by hand: two lines go with every request, and a formatter takes more time than
-    // all else here.
-    std::string text = "level(";
-    text.append(1, static_cast<char>('0' + priority)).append(") category(").append(categoryLine);
-    if (includeHeader.load(std::memory_order_relaxed)) {
-        text += STRINGUtil::FormatStr(") file(%s) func(%s) line(%d", file, func, line);
-    }
-    text.append(") message(").append(messageLine).append(")\n");
-    if (const LogWatch::Line entry; entry.mayBeWritten()) {
-        syslog(priority, "%s", text.c_str());
+    try {
+        if (const std::uint64_t lost = LogWatch::takeUnreported(); lost != 0) {
+            DoLog(LOGWarning, file, func, line, category, lostNote(lost));
+        }
+        const int priority = ConvertToSyslogPriority(level);
+        std::string escapedCategory;
+        std::string escapedMessage;
+        const char* const categoryLine = oneLine(category, escapedCategory);
+        const char* const messageLine = oneLine(message, escapedMessage);
+        // Put together by hand: two lines go with every request, and a formatter takes more time
+        // than all else here.
+        std::string text = "level(";
+        text.append(1, static_cast<char>('0' + priority))
+            .append(") category(")
+            .append(categoryLine);
+        if (includeHeader.load(std::memory_order_relaxed)) {
+            text += STRINGUtil::FormatStr(") file(%s) func(%s) line(%d", file, func, line);
+        }
+        text.append(") message(").append(messageLine).append(")\n");
+        if (const LogWatch::Line entry; entry.mayBeWritten()) {
+            syslog(priority, "%s", text.c_str());
+        }
+    } catch (const std::bad_alloc&) {
+        LogWatch::countLost();
     }
 }

@@ -39,9 +39,9 @@ public:
     static void open(const char* ident);
     static void close();
 
-    /// How many lines this process has lost because the log daemon did not read. `DoLog` waits for
-    /// no daemon longer than a second or two, and further lines not at all until it reads again;
-    /// then a line of its own tells how many are missing.
+    /// How many lines this process has lost because the log daemon did not read, or for want of
+    /// memory. `DoLog` waits for no daemon longer than a second or two, and further lines not at
+    /// all until it reads again; then a line of its own tells how many are missing.
     static std::uint64_t lostLines();
 
     /// Bits above the eighth are dropped.

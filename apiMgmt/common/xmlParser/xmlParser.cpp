@@ -1,6 +1,7 @@
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 
 #include <expat.h>
+#include <pthread.h>
 #include <sys/random.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "apiMgmt/common/xmlParser/plainReader.h"
 
@@ -182,22 +184,60 @@ std::size_t countTags(std::string_view text) {
 
 using ExpatParser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
+/// The parser that a thread keeps for its next document. Freed by a key of the thread library and
+/// not by a destructor of the thread's: registering one ends the process where memory has run out.
+class KeptParser {
+public:
+    /// The parser is the caller's from here on; null when there is none.
+    static ExpatParser take() {
+        if (kept != nullptr) {
+            (void)::pthread_setspecific(key().number, nullptr);
+        }
+        return {std::exchange(kept, nullptr), &XML_ParserFree};
+    }
+
+    /// Freed at once where the thread cannot keep it.
+    static void put(ExpatParser parser) {
+        if (key().made && ::pthread_setspecific(key().number, parser.get()) == 0) {
+            kept = parser.release();
+        }
+    }
+
+private:
+    struct Key {
+        pthread_key_t number{};
+        bool made = ::pthread_key_create(&number, &freeParser) == 0;
+    };
+
+    static const Key& key() {
+        static const Key only;
+        return only;
+    }
+
+    static void freeParser(void* parser) { XML_ParserFree(static_cast<XML_Parser>(parser)); }
+
+    static thread_local XML_Parser kept;
+};
+
+thread_local XML_Parser KeptParser::kept = nullptr;
+
 // A parser never gives memory back. One that read a document longer than this is thrown away.
 constexpr std::size_t kMaxKeptSize = std::size_t{64} * 1024;
 
 /// The thread's own parser, ready for a document. Setting one up anew is a sixth of what a short
 /// reply takes.
-XML_Parser readyParser(ExpatParser& kept) {
-    if (!kept) {
-        kept.reset(XML_ParserCreate("UTF-8"));
-    } else if (XML_ParserReset(kept.get(), "UTF-8") != XML_TRUE) {
-        kept.reset();
+ExpatParser readyParser() {
+    ExpatParser parser = KeptParser::take();
+    if (!parser) {
+        parser.reset(XML_ParserCreate("UTF-8"));
+    } else if (XML_ParserReset(parser.get(), "UTF-8") != XML_TRUE) {
+        parser.reset();
     }
-    if (!kept) {
+    if (!parser) {
         throw std::bad_alloc();
     }
-    XML_SetHashSalt(kept.get(), hashSalt());
-    return kept.get();
+    XML_SetHashSalt(parser.get(), hashSalt());
+    return parser;
 }
 
 /// Expat copies what it is given, so a large document goes to it in pieces. Where a token is longer
@@ -247,12 +287,11 @@ bool XMLParser::ParseInPlace(std::string_view text) {
     m_elements.clear();
     m_text.clear();
 
-    thread_local ExpatParser kept(nullptr, &XML_ParserFree);
-    XML_Parser expat = readyParser(kept);
-    const DocumentBuilder builder(expat, text, m_text, m_elements);
-    const bool read = feed(expat, text);
-    if (text.size() > kMaxKeptSize) {
-        kept.reset();
+    ExpatParser expat = readyParser();
+    const DocumentBuilder builder(expat.get(), text, m_text, m_elements);
+    const bool read = feed(expat.get(), text);
+    if (text.size() <= kMaxKeptSize) {
+        KeptParser::put(std::move(expat));
     }
     if (!read) {
         m_elements.clear();

@@ -1,5 +1,7 @@
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
 
+#include <new>
+#include <optional>
 #include <string>
 
 #include "SanApiH.h"
@@ -17,10 +19,15 @@ const std::string kApiMgrAddress = "127.0.0.1";
 
 int SANServiceHandler(soap* ctx) {
     SimpleLogger::open(ServiceLog::kIdentity);
-    const int port = getApiMgrPort();
-    SANService service(*ctx, kApiMgrAddress, port);
+    std::optional<SANService> service;
+    try {
+        service.emplace(*ctx, kApiMgrAddress, getApiMgrPort());
+    } catch (const std::bad_alloc&) {
+        SimpleLogger::close();
+        return SOAP_EOM;
+    }
     ServiceLog::Write(ServiceLog::kServing);
-    const int result = service.serve();
+    const int result = service->serve();
     ServiceLog::Write(ServiceLog::kServed);
     SimpleLogger::close();
     return result;

@@ -41,12 +41,20 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
       // A copy of a service object reads where the object itself does.
       m_receive(context.frecv == &ReceiveChecked ? static_cast<const SANService&>(context).m_receive
                                                  : context.frecv),
+      m_poll(context.fpoll == &PollForFault ? static_cast<const SANService&>(context).m_poll
+                                            : context.fpoll),
       m_apiMgrAddress(apiMgrAddress),
       m_apiMgrPort(apiMgrPort) {
+    // Where memory ended the copy is a context of its own, which reads standard input and writes
+    // standard output.
+    if (state != SOAP_COPY) {
+        throw std::bad_alloc();
+    }
     SanApiPortBindingService_init(kStringMode, kStringMode);
     limitInput(*this);
     frecv = &ReceiveChecked;
     fseterror = &NameRefusal;
+    fpoll = &PollForFault;
     // The reply is written once and kept until its length is known, instead of twice, and reaches
     // the web server in one piece instead of one for each tag.
     soap_set_omode(this, SOAP_IO_STORE);
@@ -81,6 +89,20 @@ size_t SANService::ReceiveChecked(soap* context, char* target, size_t room) {
     const size_t wanted = std::min(room, RequestScan::kMaxBytes + 1 - service.m_scan.size());
     const size_t got = wanted != 0 ? service.m_receive(context, target, wanted) : 0;
     return service.m_scan.add({target, got}) == nullptr ? got : 0;
+}
+
+int SANService::PollForFault(soap* context) {
+    // The engine takes its room for labels for granted when it writes a fault, also after it failed
+    // to get it and noted its size all the same.
+    if (context->labbuf == nullptr) {
+        context->lablen = 0;
+        context->labidx = 0;
+        if (soap_append_lab(context, "", 1) != SOAP_OK) {
+            return SOAP_EOF;
+        }
+    }
+    const auto poll = static_cast<const SANService&>(*context).m_poll;
+    return poll != nullptr ? poll(context) : SOAP_OK;
 }
 
 void SANService::NameRefusal(soap* context, const char** code, const char** text) {

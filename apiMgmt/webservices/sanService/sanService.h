@@ -110,11 +110,14 @@ private:
 
     /// The engine's way to more input: what the host gives, looked at.
     static size_t ReceiveChecked(soap* context, char* target, size_t room);
+    /// Whether a fault can be written: the engine asks for it before, and needs memory for it.
+    static int PollForFault(soap* context);
     /// Where the engine makes a fault: says why the input was refused.
     static void NameRefusal(soap* context, const char** code, const char** text);
 
     int DispatchChecked();
     void ReportLostLines();
+    static void LogEscaped(const char* reason) noexcept;
     int KeepHeader(int outcome);
     void TakeCredentials(SanApi::xsd__base64Binary& userPass);
     SanApi::ns1__scsiInfo* AllocScsiInfo(const std::string& deviceId, const std::string& serial);
@@ -142,7 +145,8 @@ private:
     int RunMethod(const BASEApiMethod& method, SanApi::ns1__resultObject** result,
                   const std::map<std::string, std::string>* args = nullptr);
 
-    size_t (*m_receive)(soap*, char*, size_t);  // the host's
+    size_t (*m_receive)(soap*, char*, size_t);  // the host's, as is the next
+    int (*m_poll)(soap*);
     RequestScan m_scan;
     bool m_dispatching = false;  // operations are called for a request, and not by a program
     // What the module wants to know about the request; null in a module that does not ask.

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -32,12 +33,22 @@ int SANService::dispatch() {
     try {
         return DispatchChecked();
     } catch (const std::exception& failure) {
-        ServiceLog::Write(ServiceLog::kEscaped,
-                          STRINGUtil::FormatStr("%s. msg(%s)", kInternalError, failure.what()));
+        LogEscaped(failure.what());
     } catch (...) {
-        ServiceLog::Write(ServiceLog::kEscaped, STRINGUtil::FormatStr("%s", kInternalError));
+        LogEscaped(nullptr);
     }
     return soap_receiverfault(kInternalError, "");
+}
+
+void SANService::LogEscaped(const char* reason) noexcept {
+    try {
+        ServiceLog::Write(ServiceLog::kEscaped,
+                          reason != nullptr
+                              ? STRINGUtil::FormatStr("%s. msg(%s)", kInternalError, reason)
+                              : STRINGUtil::FormatStr("%s", kInternalError));
+    } catch (const std::bad_alloc&) {
+        // There is no memory for the line; the client's fault says the same.
+    }
 }
 
 int SANService::DispatchChecked() {

@@ -32,6 +32,49 @@ ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* 
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
+// The engine fills in a fault without a look whether it got the memory for it. Where it got none,
+// the fault is one that the thread has for that; it owns nothing.
+void env_fault(soap* context);
+const char** env_faultcode(soap* context);
+const char** env_faultsubcode(soap* context);
+const char** env_faultstring(soap* context);
+
+void soap_fault(soap* context) {
+    thread_local SOAP_ENV__Fault spareFault;
+    thread_local SOAP_ENV__Code spareCode;
+    thread_local SOAP_ENV__Reason spareReason;
+    env_fault(context);
+    if (context->fault == nullptr) {
+        spareFault = SOAP_ENV__Fault();
+        context->fault = &spareFault;
+        env_fault(context);
+    }
+    constexpr short kSoap12 = 2;
+    if (context->version == kSoap12 && context->fault->SOAP_ENV__Code == nullptr) {
+        spareCode = SOAP_ENV__Code();
+        context->fault->SOAP_ENV__Code = &spareCode;
+    }
+    if (context->version == kSoap12 && context->fault->SOAP_ENV__Reason == nullptr) {
+        spareReason = SOAP_ENV__Reason();
+        context->fault->SOAP_ENV__Reason = &spareReason;
+    }
+}
+
+const char** soap_faultcode(soap* context) {
+    soap_fault(context);
+    return env_faultcode(context);
+}
+
+const char** soap_faultsubcode(soap* context) {
+    soap_fault(context);
+    return env_faultsubcode(context);
+}
+
+const char** soap_faultstring(soap* context) {
+    soap_fault(context);
+    return env_faultstring(context);
+}
+
 // The engine's faults quote what the client sent: a tag, an attribute's value. Bytes that no
 // document may hold would make the whole reply unreadable, so they are dropped on the way out. The
 // texts that the engine makes itself stand in the context's message room, and are cut.
@@ -40,9 +83,13 @@ void env_serializefault(soap* context);
 void soap_serializefault(soap* context) {
     const char** text = soap_faultstring(context);
     if (text != nullptr && *text != nullptr) {
-        const std::string legal = text::legalXmlText(*text);
-        *text = soap_strdup(
-            context, *text == context->msgbuf ? text::shortened(legal).c_str() : legal.c_str());
+        try {
+            const std::string legal = text::legalXmlText(*text);
+            *text = soap_strdup(
+                context, *text == context->msgbuf ? text::shortened(legal).c_str() : legal.c_str());
+        } catch (const std::bad_alloc&) {
+            *text = nullptr;  // a fault without a text
+        }
     }
     env_serializefault(context);
 }
@@ -67,11 +114,18 @@ int soap_getheader(soap* context) {
 void env_serializeheader(soap* context);
 
 void soap_serializeheader(soap* context) {
+    const auto isLegal = [](const char* name) {
+        try {
+            return text::legalXmlText(name) == name;
+        } catch (const std::bad_alloc&) {
+            return false;  // the schema's usual name does as well
+        }
+    };
     constexpr std::size_t kNamedByTheVersion = 2;  // rows: the envelope, the encoding
     Namespace* row = context->local_namespaces;
     for (row += row != nullptr ? kNamedByTheVersion : 0; row != nullptr && row->id != nullptr;
          ++row) {
-        if (row->out != nullptr && text::legalXmlText(row->out) != row->out) {
+        if (row->out != nullptr && !isLegal(row->out)) {
             std::free(row->out);
             row->out = nullptr;
         }

@@ -51,15 +51,16 @@ TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
 
     readQueue();
     std::vector<std::string> lines;
-    while (lines.empty()) {  // a line may still be dropped until the daemon was asked
+    while (lines.size() < 3) {  // some may still be dropped until the daemon was asked
         log("read again");
-        lines = readQueue();
+        const std::vector<std::string> more = readQueue();
+        lines.insert(lines.end(), more.begin(), more.end());
     }
-    const std::string missing = std::to_string(SimpleLogger::lostLines());
-    EXPECT_THAT(
-        lines, testing::ElementsAre("level(4) category(c) message(" + missing +
-                                        " log lines were lost while the log daemon did not read)\n",
-                                    "level(4) category(c) message(read again)\n"));
+    const std::string note = "level(4) category(c) message(" +
+                             std::to_string(SimpleLogger::lostLines()) +
+                             " log lines were lost while the log daemon did not read)\n";
+    EXPECT_THAT(lines, testing::Contains(note));
+    EXPECT_THAT(lines, testing::Contains("level(4) category(c) message(read again)\n"));
 }
 
 }  // namespace
