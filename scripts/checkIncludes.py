@@ -46,6 +46,7 @@ ROOMS = [
     ("simControl",   r"sim/control/",     [*SIM_ARRAY, "simulator", "simPage"]),
     ("simctl",       r"sim/simctl/",      ["ipc", *SIM_ARRAY, "simControl"]),
     ("sim",          r"sim/",             ["ipc", *SIM_ARRAY, "simulator", "simControl"]),
+    ("apiCheck",      r"apiCheck/",                      STUB + ["base", "apiSdk"]),
     ("clientCall",        r"client/call/",               CALLS),
     ("clientReport",      r"client/report/",             CALLS + ["clientCall"]),
     ("clientLifecycle",   r"client/lifecycle/",          CALLS + ["clientCall", "clientReport"]),

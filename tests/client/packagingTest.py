@@ -3,7 +3,7 @@
 import re
 import unittest
 
-from programs import ROOT, SANCTL, SIMCTL, SIMULATOR, run
+from programs import API_CHECK, ROOT, SANCTL, SIMCTL, SIMULATOR, run
 
 PACKAGING = ROOT / "packaging"
 
@@ -21,11 +21,11 @@ def commands(program=SANCTL):
 
 class PackagingTest(unittest.TestCase):
     def test_the_manual_names_every_subcommand_and_option(self):
-        for program in SANCTL, SIMCTL, SIMULATOR:
+        for program in SANCTL, SIMCTL, SIMULATOR, API_CHECK:
             page = (PACKAGING / f"man/{program.name}.1").read_text(encoding="utf-8")
             page = page.replace("\\-", "-")
             names = commands(program)
-            self.assertEqual(bool(names), program != SIMULATOR)
+            self.assertEqual(bool(names), program in (SANCTL, SIMCTL))
             for name in names:
                 self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
             known = options(program=program).union(
@@ -34,8 +34,8 @@ class PackagingTest(unittest.TestCase):
 
     def test_all_programs_tell_the_same_version(self):
         told = [run(program, "--version").stdout.split() for program in
-                (SANCTL, SIMCTL, SIMULATOR)]
-        self.assertEqual([name for name, _ in told], ["sanctl", "simctl", "sanSim"])
+                (SANCTL, SIMCTL, SIMULATOR, API_CHECK)]
+        self.assertEqual([name for name, _ in told], ["sanctl", "simctl", "sanSim", "sanApiCheck"])
         self.assertEqual(len({version for _, version in told}), 1)
 
     def complete(self, *words, program=SANCTL):

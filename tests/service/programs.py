@@ -14,6 +14,7 @@ import subprocess
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug")).resolve()
 SANCTL = BUILD / "client" / "sanctl"
+API_CHECK = BUILD / "apiCheck" / "sanApiCheck"
 SIMCTL = BUILD / "sim" / "simctl"
 SIMULATOR = BUILD / "sim" / "sanSim"
 SHIM = BUILD / "tests" / "support" / "libserviceShim.so"
