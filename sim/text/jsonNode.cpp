@@ -30,8 +30,8 @@ bool JsonNode::has(const char* name) const {
 
 JsonNode JsonNode::member(const char* name) const {
     const Json* value = find(name);
-    const JsonNode node(value != nullptr ? *value : *m_value, m_source,
-                        m_place + (m_place.empty() ? "" : ".") + name);
+    JsonNode node(value != nullptr ? *value : *m_value, m_source,
+                  m_place + (m_place.empty() ? "" : ".") + name);
     if (value == nullptr) {
         node.fail("is missing");
     }

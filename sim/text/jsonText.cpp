@@ -19,6 +19,8 @@ Json parseJson(const std::string& text, const std::string& what) {
         const std::string before = text.substr(0, std::max<std::size_t>(failure.byte, 1) - 1);
         const auto line = std::count(before.begin(), before.end(), '\n') + 1;
         throw std::runtime_error(what + " is no JSON: line " + std::to_string(line) + " is wrong");
+    } catch (const Json::exception&) {
+        throw std::runtime_error(what + " holds a number that is too large");
     }
 }
 

@@ -125,6 +125,7 @@ class CommandTest(unittest.TestCase):
             ("--seed-file", '{"volumes": [{"id": "vol-1"}]}', ": volumes[0].id is "),
             ("--seed-file", '{"volumes": [{"id": "a", "sizeInBytes": 1e30}]}',
              ": volumes[0].sizeInBytes has to be a whole number"),
+            ("--seed-file", '{"volumes": 1e999}', " holds a number that is too large"),
             ("--seed-file", '{"clusters": [{"id": "a", "attachments": [{"volume": "v"}]}]}',
              ': clusters[0].attachments[0] cannot be: Volume "v" is not known to this array'),
             ("--credentials", '{"users": [{"user": "a"}]}', ": users[0].password is missing"),

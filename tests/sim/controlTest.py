@@ -4,6 +4,8 @@ refuse, and that no secret is in anything that they show."""
 import http.client
 import json
 import os
+import select
+import subprocess
 import unittest
 
 import wire
@@ -102,6 +104,18 @@ class ControlTest(unittest.TestCase):
                 ended = run(SIMCTL, *arguments, SANSIM_CONTROL=self.simulator.control_socket)
                 self.assertEqual(ended.returncode, status, ended.stderr)
                 self.assertIn(words, ended.stderr)
+
+    def test_following_without_a_history_shows_only_what_comes(self):
+        call(self.port, "AddHccToSan")
+        environment = {**os.environ, "SANSIM_CONTROL": self.simulator.control_socket}
+        with subprocess.Popen([SIMCTL, "log", "-n", "0", "-f", "--json"], env=environment,
+                              stdout=subprocess.PIPE) as follower:
+            # It says nothing when it begins, so calls go on until one is shown.
+            while not select.select([follower.stdout], [], [], 0.2)[0]:
+                wire.call(self.port, "Ping")
+            shown = json.loads(follower.stdout.readline())
+            follower.terminate()
+        self.assertEqual(shown["command"], "TarnHostCache::Ping")
 
     def test_reset_goes_back_to_the_seed(self):
         call(self.port, "AddHccToSan")
