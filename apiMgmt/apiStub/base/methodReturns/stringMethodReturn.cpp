@@ -1,11 +1,16 @@
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
 
+#include <utility>
+
 #include "apiMgmt/common/utils/stringUtil.h"
 
 STRINGMethodReturn::STRINGMethodReturn() : STRINGMethodReturn(std::string()) {}
 
 STRINGMethodReturn::STRINGMethodReturn(const std::string& value)
     : STRINGMethodReturn(value, true, nullptr) {}
+
+STRINGMethodReturn::STRINGMethodReturn(std::string&& value)
+    : BASEApiMethodReturn(true, nullptr), m_value(std::move(value)) {}
 
 STRINGMethodReturn::STRINGMethodReturn(const std::string& value, bool successful,
                                        BASEApiMethod* method)

@@ -8,6 +8,7 @@ public:
     /// Successful, with an empty text.
     STRINGMethodReturn();
     explicit STRINGMethodReturn(const std::string& value);
+    explicit STRINGMethodReturn(std::string&& value);
     STRINGMethodReturn(const std::string& value, bool successful, BASEApiMethod* method);
     STRINGMethodReturn(const std::string& value, bool successful, ErrorStateEnum state,
                        const std::string& error, const std::string& localizedError,
