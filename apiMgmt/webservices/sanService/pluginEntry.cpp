@@ -1,7 +1,6 @@
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
 
 #include <new>
-#include <optional>
 #include <string>
 
 #include "SanApiH.h"
@@ -19,16 +18,15 @@ const std::string kApiMgrAddress = "127.0.0.1";
 
 int SANServiceHandler(soap* ctx) {
     SimpleLogger::open(ServiceLog::kIdentity);
-    std::optional<SANService> service;
+    int result = SOAP_EOM;
     try {
-        service.emplace(*ctx, kApiMgrAddress, getApiMgrPort());
+        SANService service(*ctx, kApiMgrAddress, getApiMgrPort());
+        ServiceLog::Write(ServiceLog::kServing);
+        result = service.serve();
+        ServiceLog::Write(ServiceLog::kServed);
     } catch (const std::bad_alloc&) {
-        SimpleLogger::close();
-        return SOAP_EOM;
+        // There is no memory for a service object; the module answers for us.
     }
-    ServiceLog::Write(ServiceLog::kServing);
-    const int result = service->serve();
-    ServiceLog::Write(ServiceLog::kServed);
     SimpleLogger::close();
     return result;
 }
