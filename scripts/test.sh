@@ -38,7 +38,8 @@ done
 install_packages "${kinds[@]}"
 build tsan threaded_tests
 build asan
-[ -z "$all" ] || build release mod_gsoap sanService serviceShim failingCalls sanSim simctl
+[ -z "$all" ] || build release mod_gsoap sanService serviceShim failingCalls sanSim simctl logSink \
+    exchangePeer
 
 run_tests() {
     ctest --test-dir "$root/build/$1" --output-on-failure -j "$jobs" "${@:2}"
