@@ -124,6 +124,7 @@ void RequestScan::continueMultibyte(unsigned char byte) {
 
 void RequestScan::inMarkup(unsigned char byte) {
     const bool afterPair = m_before[0] == m_before[1];
+    const unsigned char pairBeforeEnd = m_state == State::Comment ? '-' : ']';
     switch (m_state) {
         case State::Text:
             if (byte == '<') {
@@ -156,8 +157,7 @@ void RequestScan::inMarkup(unsigned char byte) {
             break;
         case State::Comment:
         case State::Section:
-            if (byte == '>' && afterPair &&
-                m_before[0] == (m_state == State::Comment ? '-' : ']')) {
+            if (byte == '>' && afterPair && m_before[0] == pairBeforeEnd) {
                 m_state = State::Text;
             }
             break;
