@@ -99,7 +99,8 @@ bool PlainReader::ReadStartTag() {
         m_current->m_lastChild = &element;
     }
     m_next = nameEnd + (isEmpty ? 2 : 1);
-    element.m_content = {m_next, 0};
+    // Where it begins; EndElement knows where it ends.
+    element.m_content = {m_next, 0};  // NOLINT(bugprone-string-constructor)
     m_contentBegin = m_next;
     m_textBegin = m_text.size();
     m_isDecoded = false;

@@ -55,7 +55,7 @@ const struct {
     size_t begin, end;
 } kOwn[] = {
     {offsetof(soap, local_namespaces), offsetof(soap, nlist)},
-    {offsetof(soap, plugins), offsetof(soap, plugins) + sizeof(soap::plugins)},
+    {offsetof(soap, plugins), offsetof(soap, plugins) + sizeof(void*)},
     {offsetof(soap, buf) + 5, offsetof(soap, buf) + sizeof(soap::buf)},
     {offsetof(soap, mht), offsetof(soap, mht) + sizeof(soap::mht)},
 };
