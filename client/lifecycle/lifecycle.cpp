@@ -100,9 +100,8 @@ private:
 
     Outcome make(const Call& call) {
         const auto number = static_cast<std::size_t>(&call - m_calls.data()) + 1;
-        const Outcome outcome =
-            withRetries(m_control.retry, call.step->operation, m_control.stop,
-                        [&] { return call.step->run(m_session, call.subject); });
+        Outcome outcome = withRetries(m_control.retry, call.step->operation, m_control.stop,
+                                      [&] { return call.step->run(m_session, call.subject); });
         note(call, outcome);
         m_control.report(
             {number, m_calls.size(), call.step->operation, describe(call.subject), outcome});
