@@ -208,7 +208,8 @@ def describe(generated, definitions):
     elements, types = schema.write_all(schema_of(root, SERVICE))
     types[:0] = [f'      <xs:element name="{each}" type="ns1:{each}"/>' for each in elements]
     operations = [each.get("name") for each in root.find(WSDL + "portType")]
-    messages = [f'  <message name="{HEADER}"><part name="{HEADER}" element="ns1:{HEADER}"/></message>']
+    messages = [f'  <message name="{HEADER}"><part name="{HEADER}" element="ns1:{HEADER}"/>'
+                "</message>"]
     rows = []
     for name in operations:
         text = schema.text_of(name)

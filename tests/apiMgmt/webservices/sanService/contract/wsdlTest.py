@@ -1,5 +1,5 @@
-"""The service description that the build makes: a generator reads it back, it stands alone, and each
-kind of fact is carried over once. That others load it is tried with independent clients."""
+"""The service description that the build makes: a generator reads it back, it stands alone, and
+each kind of fact is carried over once. That others load it is tried with independent clients."""
 import pathlib
 import re
 import subprocess
@@ -33,7 +33,8 @@ FACTS = [
      {"name": "cfmIpAddresses", "type": "ns1:IpAddressPort", "maxOccurs": "unbounded"}),
     ("x:complexType[@name='resultObject']/*/*[3]",
      {"name": "msgArgs", "type": "xs:string", "minOccurs": "0", "maxOccurs": "unbounded"}),
-    ("x:element[@name='GetHcnsResponse']", {"name": "GetHcnsResponse", "type": "ns1:GetHcnsResponse"}),
+    ("x:element[@name='GetHcnsResponse']",
+     {"name": "GetHcnsResponse", "type": "ns1:GetHcnsResponse"}),
     ("x:element[@name='HccApiHeader']", {"name": "HccApiHeader", "type": "ns1:HccApiHeader"}),
     ("w:operation[@name='AddServer']/w:documentation", "A server becomes a node of its cluster."),
     ("x:complexType[@name='scsiInfo']/*/x:documentation", "The SCSI identity of a volume."),
