@@ -30,7 +30,7 @@ struct Operation {
     std::function<std::unique_ptr<Request>()> makeRequest;
 };
 
-/// All thirteen operations of the service.
+/// All operations of the service.
 const std::vector<Operation>& allOperations();
 
 /// The subcommand of an operation: "add-hcc-to-san" for "AddHccToSan".

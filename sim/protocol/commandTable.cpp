@@ -17,29 +17,11 @@ namespace {
 constexpr std::string_view kHostCache = "TarnHostCache";
 constexpr std::string_view kServer = "TarnServer";
 
-// How to add a command: write its function, which takes what it needs from the request, works
-// on the state, raises Refusal with a sentence that says what is wrong, and returns the value
-// element of the reply; then add its row here. Every reply needs a value: a success without
-// one is a malformed reply. An attribute that the service may leave out is not required:
-// HccName and Hostname are optional for a cluster, and the service sends neither SanOpaque nor
-// ManagementIpAddressList.
+// Those that every object has; those of a cluster stand with their functions in
+// hostCacheCommands.cpp.
 // clang-format off
 const std::array kCommands = {
     //      object     command                    open   required                                         function
-    Command{kHostCache, "Ping",                    true,  {},                                              ping},
-    Command{kHostCache, "AddHccToSan",             false, {"HccId", "HccKey", "Ipv4AddressPortList"},      addHccToSan},
-    Command{kHostCache, "RemoveHccFromSan",        false, {"HccId"},                                       removeHccFromSan},
-    Command{kHostCache, "RenameHccInSan",          false, {"HccId", "Name"},                               renameHccInSan},
-    Command{kHostCache, "NewPrimaryCfmAddress",    false, {"HccId"},                                       newPrimaryCfmAddress},
-    Command{kHostCache, "AddServer",               false, {"HccId", "HcnId", "HcnStorageInterfaceList",
-                                                          "Ipv4AddressPortList"},                         addServer},
-    Command{kHostCache, "RemoveServer",            false, {"HccId", "HcnId"},                              removeServer},
-    Command{kHostCache, "HccAttachVolume",         false, {"HccId", "VolumeId"},                           hccAttachVolume},
-    Command{kHostCache, "HccDetachVolume",         false, {"HccId", "VolumeId"},                           hccDetachVolume},
-    Command{kHostCache, "MakeDataAvailable",       false, {"HccId", "HcnId", "VolumeId"},                  makeDataAvailable},
-    Command{kHostCache, "MakeDataUnavailable",     false, {"HccId", "HcnId", "VolumeId"},                  makeDataUnavailable},
-    Command{kHostCache, "FlushComplete",           false, {"HccId", "SnapshotId", "VolumeId"},             flushComplete},
-    Command{kHostCache, "SnapshotPrepareComplete", false, {"HccId", "SnapshotId", "VolumeId"},             snapshotPrepareComplete},
     Command{kHostCache, "Get",                     false, {"InstanceId"},                                  getObject},
     Command{kHostCache, "GetList",                 false, {},                                              getObjectList},
     Command{kServer,    "Get",                     false, {"InstanceId"},                                  getObject},
@@ -54,14 +36,20 @@ const Command& commandFor(const ApiRequest& request) {
     if (request.isAssociation) {
         return association;
     }
-    const auto command = std::find_if(kCommands.begin(), kCommands.end(), [&](const Command& row) {
+    const auto isMeant = [&](const Command& row) {
         return row.object == request.object && row.name == request.command;
-    });
-    if (command == kCommands.end()) {
+    };
+    const auto forObjects = std::find_if(kCommands.begin(), kCommands.end(), isMeant);
+    if (forObjects != kCommands.end()) {
+        return *forObjects;
+    }
+    const std::span<const Command> ofClusters = hostCacheCommands();
+    const auto ofCluster = std::find_if(ofClusters.begin(), ofClusters.end(), isMeant);
+    if (ofCluster == ofClusters.end()) {
         throw Refusal("UnknownCommand", "Command " + request.label() + " is not supported",
                       "The array simulator does not know this command.");
     }
-    return *command;
+    return *ofCluster;
 }
 
 void checkRequired(const Command& command, const ApiRequest& request) {
@@ -89,8 +77,11 @@ std::string runCommand(ArrayState& state, const ApiRequest& request, bool author
 
 std::vector<std::string> commandNames() {
     std::vector<std::string> names = associationNames();
-    std::transform(kCommands.begin(), kCommands.end(), std::inserter(names, names.begin()),
-                   [](const Command& row) { return commandLabel(row.object, row.name); });
+    const std::span<const Command> ofClusters = hostCacheCommands();
+    for (const std::span<const Command> rows : {std::span<const Command>(kCommands), ofClusters}) {
+        std::transform(rows.begin(), rows.end(), std::inserter(names, names.begin()),
+                       [](const Command& row) { return commandLabel(row.object, row.name); });
+    }
     return names;
 }
 

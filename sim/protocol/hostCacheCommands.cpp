@@ -1,6 +1,7 @@
 #include "sim/protocol/hostCacheCommands.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "sim/array/arrayState.h"
@@ -39,8 +40,6 @@ std::vector<Interface> interfacesOf(const ApiRequest& request) {
     }
     return out;
 }
-
-}  // namespace
 
 std::string ping(ArrayState& /*state*/, const ApiRequest& /*request*/) {
     return returnTrue();
@@ -116,6 +115,40 @@ std::string snapshotPrepareComplete(ArrayState& state, const ApiRequest& request
     state.reportPrepared(request.text("HccId"), request.text("VolumeId"),
                          request.text("SnapshotId"));
     return returnTrue();
+}
+
+// How to add a command: write its function above, which takes what it needs from the request, works
+// on the state, raises Refusal with a sentence that says what is wrong, and returns the value
+// element of the reply; then add its row here. Every reply needs a value: a success without
+// one is a malformed reply. An attribute that the service may leave out is not required:
+// HccName and Hostname are optional for a cluster, and the service sends neither SanOpaque nor
+// ManagementIpAddressList.
+constexpr std::string_view kHostCache = "TarnHostCache";
+// clang-format off
+const std::array kCommands = {
+    //      object      command                    open   required                                         function
+    //      object     command                    open   required                                         function
+    Command{kHostCache, "Ping",                    true,  {},                                              ping},
+    Command{kHostCache, "AddHccToSan",             false, {"HccId", "HccKey", "Ipv4AddressPortList"},      addHccToSan},
+    Command{kHostCache, "RemoveHccFromSan",        false, {"HccId"},                                       removeHccFromSan},
+    Command{kHostCache, "RenameHccInSan",          false, {"HccId", "Name"},                               renameHccInSan},
+    Command{kHostCache, "NewPrimaryCfmAddress",    false, {"HccId"},                                       newPrimaryCfmAddress},
+    Command{kHostCache, "AddServer",               false, {"HccId", "HcnId", "HcnStorageInterfaceList",
+                                                           "Ipv4AddressPortList"},                         addServer},
+    Command{kHostCache, "RemoveServer",            false, {"HccId", "HcnId"},                              removeServer},
+    Command{kHostCache, "HccAttachVolume",         false, {"HccId", "VolumeId"},                           hccAttachVolume},
+    Command{kHostCache, "HccDetachVolume",         false, {"HccId", "VolumeId"},                           hccDetachVolume},
+    Command{kHostCache, "MakeDataAvailable",       false, {"HccId", "HcnId", "VolumeId"},                  makeDataAvailable},
+    Command{kHostCache, "MakeDataUnavailable",     false, {"HccId", "HcnId", "VolumeId"},                  makeDataUnavailable},
+    Command{kHostCache, "FlushComplete",           false, {"HccId", "SnapshotId", "VolumeId"},             flushComplete},
+    Command{kHostCache, "SnapshotPrepareComplete", false, {"HccId", "SnapshotId", "VolumeId"},             snapshotPrepareComplete},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Command> hostCacheCommands() {
+    return kCommands;
 }
 
 }  // namespace sim
