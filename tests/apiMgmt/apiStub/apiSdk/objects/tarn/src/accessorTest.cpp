@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <memory>
-#include <set>
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneScsiInformation.h"
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
@@ -161,62 +161,11 @@ struct ClassAccessors {
     ACCESSORS("method " #Object " " #Command, API##Object::API##Object##Command##Method, \
               __VA_ARGS__)
 
+// One row for each class of facts.txt. What does not compile here, the class lacks: its row in the
+// class's header, docs/addingClasses.md.
 std::vector<ClassAccessors> AllAccessors() {
     return {
-        ACCESSORS("rows BaseApiObject", APITarnServer, InstanceId, InstanceName, ObjectType),
-        ACCESSORS("rows TarnBaseApiObject", APITarnServer, TarnName, TarnSerialNumber),
-        ACCESSORS("rows TarnStatusBaseApiObject", APITarnServer, Status, ChildStatus,
-                  StatusMessage),
-        ACCESSORS("object ApiMethodReturn", APIApiMethodReturn, Error, ErrorCode, ErrorDetail,
-                  Locale, LocalizedError, ReturnObjectEncode, Successful, WarningList),
-        ACCESSORS("object TarnServer", APITarnServer, AlertOnConnectivity,
-                  AlertOnPartialConnectivity, ConnectedToAllControllers, Connectivity,
-                  DeleteAllowed, HbaCount, HbaPresent, HostCache, HostCacheIndex, Index,
-                  ManagementApplication, Mapped, MaximumPathCount, Name, NextAvailableLun, Notes,
-                  OperatingSystem, OperatingSystemIndex, Parent, ParentIndex, PathCount, PortType,
-                  RemoveHbasAllowed, ServerFolder, ServerFolderIndex, ServerFolderPath, Type,
-                  VolumeCount),
-        ACCESSORS("object TarnHostCache", APITarnHostCache, HostCacheConnectivityStatus,
-                  HostCacheId, Managed, ManagementIpAddress, ManagementPort),
-        ACCESSORS("record Ipv4AddressPort", APIIpv4AddressPort, Ipv4Address, Port),
-        ACCESSORS("record NorvaneInterfaceInformation", APINorvaneInterfaceInformation, InterfaceId,
-                  InterfaceType),
-        ACCESSORS("record NorvaneScsiInformation", APINorvaneScsiInformation, AliasScsiDeviceId,
-                  AliasScsiSerialNumber, OriginalScsiDeviceId, OriginalScsiSerialNumber),
-        ACCESSORS("record TarnAdvancedMapping", APITarnAdvancedMapping, BootVolume,
-                  HostCacheDataPolicy, HostCachePolicy, MapToDownServerHbas, MaximumPathCount,
-                  NoPreferredUseNextAvailable, PreferredController, PreferredLun,
-                  PreferredServerHbaList, PreferredTransportTypes, ReadOnly, UseNextAvailable,
-                  UseSameLunAsSource, VirtualServerMapping),
-        ACCESSORS("record HistoricalFilter", APIHistoricalFilter, EndTime, FilterTime,
-                  MaxCountReturn, StartTime, UseCurrent, UseEndOfDay, UseStartOfDay),
-        METHOD_ACCESSORS(TarnHostCache, Get, InstanceId),
-        METHOD_ACCESSORS(TarnHostCache, GetList, Filter),
-        METHOD_ACCESSORS(TarnHostCache, AddHccToSan, HccId, HccKey, HccName, Ipv4AddressPortList),
-        METHOD_ACCESSORS(TarnHostCache, RemoveHccFromSan, HccId, SanId),
-        METHOD_ACCESSORS(TarnHostCache, AddServer, HccId, HcnId, HcnStorageInterfaceList, Hostname,
-                         Ipv4AddressPortList, OsType, OsVersion, SanId),
-        METHOD_ACCESSORS(TarnHostCache, RemoveServer, HccId, HcnId, SanId),
-        METHOD_ACCESSORS(TarnHostCache, HccAttachVolume, HccId, SanId, VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, HccDetachVolume, HccId, SanId, VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, MakeDataAvailable, HccId, HcnId, SanId, VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, MakeDataUnavailable, HccId, HcnId, SanId, VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, FlushComplete, HccId, SanId, SanOpaque, SnapshotId,
-                         VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, SnapshotPrepareComplete, HccId, SanId, SnapshotId,
-                         VolumeId),
-        METHOD_ACCESSORS(TarnHostCache, NewPrimaryCfmAddress, HccId, ManagementIpAddressList),
-        METHOD_ACCESSORS(TarnHostCache, RenameHccInSan, HccId, Name, SanId, User),
-        METHOD_ACCESSORS(TarnHostCache, CreateServerCluster, AlertOnConnectivity, Name, Notes,
-                         ServerList),
-        METHOD_ACCESSORS(TarnServer, Get, InstanceId),
-        METHOD_ACCESSORS(TarnServer, GetList, Filter),
-        METHOD_ACCESSORS(TarnServer, Delete, ManagementApplication),
-        METHOD_ACCESSORS(TarnServer, MapToVolume, Advanced, ManagementApplication, Volume),
-        METHOD_ACCESSORS(TarnServer, GetHistoricalStorageUsage, HistoricalFilter),
-        METHOD_ACCESSORS(TarnServer, GetHistoricalIoUsage, HistoricalFilter),
-        METHOD_ACCESSORS(TarnServer, AddManagementLock, ManagementApplication),
-        METHOD_ACCESSORS(TarnServer, RemoveManagementLock, ManagementApplication),
+#include "accessorRows.inc"
     };
 }
 
@@ -229,20 +178,20 @@ TEST(SdkAccessors, SetAndGetEveryAttribute) {
     }
 }
 
-TEST(SdkAccessors, EveryStatedAttributeHasThemAndItsDescriptor) {
-    std::set<std::string> stated;
-    std::set<std::string> found;
-    for (const ClassFact& fact : allFacts()) {
-        for (const AttributeFact& attribute : fact.attributes) {
-            stated.insert(fact.name + " " + attribute.row);
-        }
-    }
+TEST(SdkAccessors, DescriptorsAreAsStated) {
+    std::map<std::string, std::vector<std::string>> found;
     for (const ClassAccessors& entry : AllAccessors()) {
         for (const Accessor& accessor : entry.accessors) {
-            found.insert(entry.fact + " " + describeAttribute(*accessor.attribute));
+            found[entry.fact].push_back(describeAttribute(*accessor.attribute));
         }
     }
-    EXPECT_EQ(found, stated);
+    for (const ClassFact& fact : allFacts()) {
+        std::vector<std::string> stated;
+        for (const AttributeFact& attribute : fact.attributes) {
+            stated.push_back(attribute.row);
+        }
+        EXPECT_EQ(differenceFromFacts(fact.name, stated, found[fact.name]), "");
+    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/apiMgmt/apiStub/apiSdk/objects/tarn/src/facts.h"
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -102,6 +103,24 @@ std::vector<std::string> listedRows(const ClassFact& fact) {
     }
     addRows(fact, "then", rows);
     return rows;
+}
+
+std::string differenceFromFacts(const std::string& name, const std::vector<std::string>& stated,
+                                const std::vector<std::string>& found) {
+    std::ostringstream out;
+    const auto without = [&out](const auto& rows, const auto& others, const char* words) {
+        for (const std::string& row : rows) {
+            if (std::find(others.begin(), others.end(), row) == others.end()) {
+                out << words << row << '\n';
+            }
+        }
+    };
+    without(stated, found, "  the code lacks:  ");
+    without(found, stated, "  the facts lack:  ");
+    if (out.str().empty() && stated != found) {
+        out << "  the same rows in another order; the code's first: " << found.front() << '\n';
+    }
+    return out.str().empty() ? "" : name + " is not as " FACTS_FILE " states:\n" + out.str();
 }
 
 std::string describeAttribute(const BASEApiAttribute& attribute) {

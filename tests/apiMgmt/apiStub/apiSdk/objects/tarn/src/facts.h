@@ -28,6 +28,11 @@ const std::vector<ClassFact>& allFacts();
 /// The rows of the class's attribute list: its own and its base's.
 std::vector<std::string> listedRows(const ClassFact& fact);
 
+/// What the code has otherwise than facts.txt states, a row a line, with the file to look at; empty
+/// when they agree. `name` says whose rows they are.
+std::string differenceFromFacts(const std::string& name, const std::vector<std::string>& stated,
+                                const std::vector<std::string>& found);
+
 class BASEApiAttribute;
 /// An attribute as a row of the facts.
 std::string describeAttribute(const BASEApiAttribute& attribute);
