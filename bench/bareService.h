@@ -61,15 +61,22 @@ struct Exchange {
     return done;
 }
 
-// Every operation but Ping is left unserved.
+/// Leaves every operation unserved.
+class NoService : public SanApi::SanApiPortBindingService {
+public:
+    using SanApiPortBindingService::SanApiPortBindingService;
+
 #define UNSERVED(name)                                                        \
     int name(SanApi::ns1__##name*, SanApi::ns1__##name##Response*) override { \
         return SOAP_NO_METHOD;                                                \
     }
+    SAN_API_OPERATIONS(UNSERVED)
+#undef UNSERVED
+};
 
-class BareService : public SanApi::SanApiPortBindingService {
+class BareService : public NoService {
 public:
-    explicit BareService(const struct soap& context) : SanApiPortBindingService(context) {
+    explicit BareService(const struct soap& context) : NoService(context) {
         SanApiPortBindingService_init(SOAP_C_UTFSTRING, SOAP_C_UTFSTRING);
     }
 
@@ -93,21 +100,6 @@ public:
         response->return_->defaultMsg = SanApi::soap_new_std__string(this);
         return SOAP_OK;
     }
-
-    UNSERVED(AddHccToSan)
-    UNSERVED(RemoveHccFromSan)
-    UNSERVED(AddServer)
-    UNSERVED(RemoveServer)
-    UNSERVED(HccAttachVolume)
-    UNSERVED(HccDetachVolume)
-    UNSERVED(MakeDataAvailable)
-    UNSERVED(MakeDataUnavailable)
-    UNSERVED(FlushComplete)
-    UNSERVED(NewPrimaryCfmAddresses)
-    UNSERVED(SnapshotPrepareComplete)
-    UNSERVED(RenameHccInSan)
 };
-
-#undef UNSERVED
 
 }  // namespace bare

@@ -52,24 +52,17 @@ public:
     /// @return SOAP_OK or an engine error code. No exception leaves it.
     int dispatch() override;
 
-    // clang-format off
-    int AddHccToSan(SanApi::ns1__AddHccToSan* request, SanApi::ns1__AddHccToSanResponse* response) override;
-    int RemoveHccFromSan(SanApi::ns1__RemoveHccFromSan* request, SanApi::ns1__RemoveHccFromSanResponse* response) override;
-    int AddServer(SanApi::ns1__AddServer* request, SanApi::ns1__AddServerResponse* response) override;
-    int RemoveServer(SanApi::ns1__RemoveServer* request, SanApi::ns1__RemoveServerResponse* response) override;
-    int HccAttachVolume(SanApi::ns1__HccAttachVolume* request, SanApi::ns1__HccAttachVolumeResponse* response) override;
-    int HccDetachVolume(SanApi::ns1__HccDetachVolume* request, SanApi::ns1__HccDetachVolumeResponse* response) override;
-    int MakeDataAvailable(SanApi::ns1__MakeDataAvailable* request, SanApi::ns1__MakeDataAvailableResponse* response) override;
-    int MakeDataUnavailable(SanApi::ns1__MakeDataUnavailable* request, SanApi::ns1__MakeDataUnavailableResponse* response) override;
-    int FlushComplete(SanApi::ns1__FlushComplete* request, SanApi::ns1__FlushCompleteResponse* response) override;
-    int NewPrimaryCfmAddresses(SanApi::ns1__NewPrimaryCfmAddresses* request, SanApi::ns1__NewPrimaryCfmAddressesResponse* response) override;
-    int SnapshotPrepareComplete(SanApi::ns1__SnapshotPrepareComplete* request, SanApi::ns1__SnapshotPrepareCompleteResponse* response) override;
-    int Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* response) override;
-    int RenameHccInSan(SanApi::ns1__RenameHccInSan* request, SanApi::ns1__RenameHccInSanResponse* response) override;
-    // clang-format on
+    // One for each operation of the contract; see sanServiceMembership.cpp and
+    // sanServiceVolumes.cpp.
+#define SAN_SERVE(Name) \
+    int Name(SanApi::ns1__##Name* request, SanApi::ns1__##Name##Response* response) override;
+    SAN_API_OPERATIONS(SAN_SERVE)
+#undef SAN_SERVE
 
     /// The identity that accompanies every call of this request to the management API.
-    const APIHccReqHeader& GetRequestHeader() const { return m_header; }
+    const APIHccReqHeader& GetRequestHeader() const {
+        return m_header;
+    }
 
 protected:
     /// The module's record of this request, null when it registered none. Not owned.

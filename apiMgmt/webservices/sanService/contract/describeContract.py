@@ -214,7 +214,7 @@ def describe(generated, definitions):
     for name in operations:
         text = schema.text_of(name)
         if not text:
-            refuse(f"sanServed.h: write a line /// above class ns1__{name} that says what it does")
+            refuse(f"sanOperations.h: write a line /// above class ns1__{name} that says what it does")
         rows.append(OPERATION.format(name=name, documentation=escape(text)))
         messages += [f'  <message name="{each}"><part name="parameters" element="ns1:{each}"/>'
                      "</message>" for each in (name, f"{name}Response")]

@@ -61,6 +61,13 @@ def adapt(out, files, pattern, replacement, expected):
                  f"found {found} times:\n    {pattern}")
 
 
+def operation_list(definitions):
+    """A header with every served operation once, for what has to do something for each."""
+    names = re.findall(r"^int __ns1__(\w+)\(", definitions, re.MULTILINE)
+    rows = " \\\n".join(f"    OPERATION({name})" for name in names)
+    return f"#pragma once\n#define SAN_API_OPERATIONS(OPERATION) \\\n{rows}\n"
+
+
 def generate(soapcpp2, imports, out):
     common = ["-1", "-x", "-L", f"-d{out}", f"-I{CONTRACT}:{imports}"]
     # 150 serializers a file: two files of like size, which compile beside each other.
@@ -69,6 +76,8 @@ def generate(soapcpp2, imports, out):
     run_generator([soapcpp2, *common, "-S", "-w", "-penv", str(CONTRACT / "sanEnv.h")])
     for row in ADAPTATIONS:
         adapt(out, *row)
+    (out / "SanApiOperations.h").write_text(
+        operation_list((CONTRACT / "sanOperations.h").read_text()))
     definitions = re.findall(r'^#import "(san\w+\.h)"', (CONTRACT / "sanApi.h").read_text(), re.M)
     (out / "sanApi.wsdl").write_text(
         describe(out / "SanApiPortBinding.wsdl", [CONTRACT / name for name in definitions]))

@@ -36,5 +36,4 @@
 #import "sanTypes.h"
 #import "sanOtherTypes.h"
 #import "sanHeader.h"
-#import "sanServed.h"
-#import "sanUnserved.h"
+#import "sanOperations.h"

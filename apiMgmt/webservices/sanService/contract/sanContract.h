@@ -14,9 +14,13 @@
 //     soap_end(context);      // frees its other memory
 //     soap_free(context);
 //
+// SAN_API_OPERATIONS(OPERATION) expands to OPERATION(AddHccToSan) and so on, for each operation
+// that is served, in the skeleton's order.
+//
 // Pointers inside a message that was read belong to the context and live until soap_destroy and
 // soap_end. An enumeration holds any int: a number without a name travels as its decimal text.
 #include "apiMgmt/webservices/sanService/contract/sanHeaderContent.h"
 
+#include "SanApiOperations.h"
 #include "SanApiSanApiPortBindingService.h"
 #include "envStub.h"

@@ -28,7 +28,7 @@ CHANGES = {
         "sed -i 's/\"port\" type/\"port\" form=\"x\" type/' $out/*.wsdl", "unexpected {'form"),
     "an operation without documentation": (
         "sed -i 's/<operation name=\"Ping\"/<operation name=\"New\"/' $out/*.wsdl",
-        "sanServed.h: write a line /// above class ns1__New"),
+        "sanOperations.h: write a line /// above class ns1__New"),
     "documentation of nothing": (
         "sed -i 's/name=\"scsiInfo\"/name=\"renamed\"/' $out/*.wsdl", "no place for"),
     "another default": (

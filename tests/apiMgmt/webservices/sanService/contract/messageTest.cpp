@@ -1,8 +1,9 @@
-// Every served message, read from and written to the bytes that clients see. Each sample is read
+// Messages, read from and written to the bytes that clients see. Each sample is read
 // and written again: what the reader does not know is lost and what the writer does differently
 // shows, so one comparison holds both to the sample.
 //
-// How to add a message: its sample in golden/ and its row.
+// How to add one, for a kind of member that the others do not have: its sample in golden/ and its
+// row.
 #include <gtest/gtest.h>
 
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
@@ -11,19 +12,18 @@ namespace {
 
 using Rewrite = std::string (*)(soap*, const char* tag, const std::string& text);
 
-#define MESSAGES(Name)                                                   \
-    {#Name, wire::rewrite<SanApi::ns1__##Name>}, {                       \
-#Name "Response", wire::rewrite < SanApi::ns1__##Name##Response> \
-    }
+#define MESSAGE(Name) \
+    { #Name, wire::rewrite < SanApi::ns1__##Name> }
 
-// clang-format off
+// Between them they have every kind of member.
 const std::pair<std::string, Rewrite> kMessageRows[] = {
-    MESSAGES(AddHccToSan), MESSAGES(RemoveHccFromSan), MESSAGES(AddServer), MESSAGES(RemoveServer),
-    MESSAGES(HccAttachVolume), MESSAGES(HccDetachVolume), MESSAGES(MakeDataAvailable),
-    MESSAGES(MakeDataUnavailable), MESSAGES(FlushComplete), MESSAGES(NewPrimaryCfmAddresses),
-    MESSAGES(SnapshotPrepareComplete), MESSAGES(Ping), MESSAGES(RenameHccInSan),
+    MESSAGE(AddHccToSan),
+    MESSAGE(AddServer),
+    MESSAGE(RenameHccInSan),
+    MESSAGE(AddHccToSanResponse),
+    MESSAGE(HccAttachVolumeResponse),
+    MESSAGE(NewPrimaryCfmAddressesResponse),
 };
-// clang-format on
 
 TEST(Message, IsReadAndWrittenAsItsSample) {
     for (const auto& [name, rewrite] : kMessageRows) {

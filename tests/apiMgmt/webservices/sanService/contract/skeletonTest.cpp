@@ -38,6 +38,7 @@ TEST(Skeleton, HasItsVirtualFunctionsInTheAgreedOrder) {
         SLOT(soap_print_fault), SLOT(soap_stream_fault), SLOT(soap_sprint_fault),
         SLOT(soap_noheader), SLOT(soap_header), SLOT(run), SLOT(bind), SLOT(accept), SLOT(serve),
         SLOT_WITH(dispatch),
+        // The operations of the first version; later ones come behind these.
         SLOT(AddHccToSan), SLOT(RemoveHccFromSan), SLOT(AddServer), SLOT(RemoveServer),
         SLOT(HccAttachVolume), SLOT(HccDetachVolume), SLOT(MakeDataAvailable),
         SLOT(MakeDataUnavailable), SLOT(FlushComplete), SLOT(NewPrimaryCfmAddresses),
