@@ -27,7 +27,8 @@ class PackagingTest(unittest.TestCase):
             names = commands(program)
             self.assertEqual(bool(names), program in (SANCTL, SIMCTL))
             for name in names:
-                self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b")
+                self.assertRegex(page, rf"\.(?:B|BR|SS) .*\b{name}\b",
+                                 f"describe {name} in packaging/man/{program.name}.1")
             known = options(program=program).union(
                 *(options(name, program=program) for name in names))
             self.assertEqual(set(re.findall(r"--[a-z-]+", page)), known, program)
