@@ -58,7 +58,7 @@ changed_sources() {
 
 lint_scripts() {
     local shell=() python=()
-    mapfile -t shell < <(find scripts packaging .ci -type f -exec grep -lIE '^#!.*(ba)?sh$' {} +)
+    mapfile -t shell < <(find scripts packaging debian .ci -type f -exec grep -lIE '^#!.*(ba)?sh$' {} +)
     mapfile -t python < <(find apiMgmt bench scripts sim tests -name '*.py' -not -path '*/node_modules/*')
     shellcheck "${shell[@]}"
     flake8 "${python[@]}"

@@ -13,22 +13,23 @@ the threaded tests with ThreadSanitizer and runs them. Ends with the test runner
 
   --all     also the tests that need heavy packages: the matrix of independent SOAP clients,
             the simulator's page in a real browser, Prometheus' reading of the metrics,
-            clang-tidy over the sources that changed, and in an optimised build the instructions
-            that requests cost and each call of a request made to fail
+            clang-tidy over the sources that changed, in an optimised build the instructions that
+            requests cost and each call of a request made to fail, and the Debian packages and the
+            container image in a bare system
   --help    this text
 
 Other options go to ctest as they are, for example: scripts/test.sh -R stringUtil
 TEXT
 }
 
-heavy='clients|browser|lint|monitoring'
+heavy='clients|browser|lint|monitoring|packages'
 kinds=(build run test)
 all=
 select=(-LE "$heavy")
 passed=()
 while [ $# -gt 0 ]; do
     case "$1" in
-        --all) kinds+=(all); select=(); all=yes ;;
+        --all) kinds+=(all package); select=(); all=yes ;;
         --help) usage; exit 0 ;;
         *) passed+=("$1") ;;
     esac

@@ -58,8 +58,8 @@ class StubLibrary(unittest.TestCase):
     def test_installed_and_found_by_pkg_config(self):
         source = self.install()
         folder = next(self.prefix.rglob("sanApiStub.pc")).parent
-        flags = self.done("pkg-config", "--define-prefix", "--cflags", "--libs", "sanApiStub",
-                          PKG_CONFIG_PATH=str(folder))
+        flags = self.done("pkg-config", f"--define-variable=prefix={self.prefix}", "--cflags",
+                          "--libs", "sanApiStub", PKG_CONFIG_PATH=str(folder))
         program = self.scratch / "third"
         self.done("c++", "-std=c++20", *SANITIZE, "-o", program, source, *shlex.split(flags))
         self.assert_lists_clusters(program)
