@@ -29,11 +29,19 @@ while [ $# -gt 0 ]; do
     shift
 done
 
-# copy_sources FOLDER: the sources as they are, beside what a build left there.
+# copy_sources FOLDER: the sources as they are, beside what a build left there. Only a file that
+# still has its content keeps its time: one that changed while a build ran may be older than what
+# that build made of it.
 copy_sources() {
+    local before
     mkdir -p "$1"
-    find "$1" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
-    tar -C "$root" --exclude=./build --exclude=./.git -c . | tar -x -C "$1"
+    before=$(mktemp -d "$1.XXXXXX")
+    find "$1" -mindepth 1 -maxdepth 1 ! -name build -exec mv -t "$before" {} +
+    tar -C "$root" --exclude=./build --exclude=./.git -c . | tar -xm -C "$1"
+    (cd "$before" && find . -type f -print0) | while IFS= read -rd '' file; do
+        ! cmp -s "$before/$file" "$1/$file" || touch -r "$before/$file" "$1/$file"
+    done
+    rm -rf "$before"
 }
 
 # build_packages FOLDER: the packages are put beside the folder.
