@@ -175,14 +175,14 @@ struct ClassAccessors {
 
 // One row for each class of facts.txt. What does not compile here, the class lacks: its row in the
 // class's header, docs/addingClasses.md.
-std::vector<ClassAccessors> AllAccessors() {
+std::vector<ClassAccessors> allAccessors() {
     return {
 #include "accessorRows.inc"
     };
 }
 
 TEST(SdkAccessors, SetAndGetEveryAttribute) {
-    for (const ClassAccessors& entry : AllAccessors()) {
+    for (const ClassAccessors& entry : allAccessors()) {
         for (const Accessor& accessor : entry.accessors) {
             SCOPED_TRACE(entry.fact + " " + accessor.xmlName);
             accessor.drive();
@@ -192,7 +192,7 @@ TEST(SdkAccessors, SetAndGetEveryAttribute) {
 
 TEST(SdkAccessors, DescriptorsAreAsStated) {
     std::map<std::string, std::vector<std::string>> found;
-    for (const ClassAccessors& entry : AllAccessors()) {
+    for (const ClassAccessors& entry : allAccessors()) {
         for (const Accessor& accessor : entry.accessors) {
             found[entry.fact].push_back(describeAttribute(*accessor.attribute));
         }
