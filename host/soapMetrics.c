@@ -89,6 +89,12 @@ static void writeInProgress(request_rec* r, const char* location,
                view->name, view->inProgress);
 }
 
+static void writeOldestOf(request_rec* r, const char* location,
+                          const struct soapOperationView* view) {
+    ap_rprintf(r, "san_oldest_call_of_operation_seconds{location=\"%s\",operation=\"%s\"} %.3f\n",
+               location, view->name, view->oldest);
+}
+
 static void writeOldest(request_rec* r, const struct soapServiceView* service) {
     ap_rprintf(r, "san_oldest_call_seconds{location=\"%s\"} %.3f\n",
                label(r, service->counts->path), service->oldest);
@@ -139,6 +145,9 @@ void soapSendMetrics(request_rec* r, const apr_array_header_t* services) {
     forOperations(r, services, writeInProgress);
     begin(r, "san_oldest_call_seconds", "gauge", "Age of the oldest call at work, 0 without one.");
     forServices(r, services, writeOldest);
+    begin(r, "san_oldest_call_of_operation_seconds", "gauge",
+          "Age of the operation's oldest call at work, 0 without one.");
+    forOperations(r, services, writeOldestOf);
     begin(r, "san_calls_waiting_for_array", "gauge", "Calls at work that wait for the array.");
     forServices(r, services, writeWaiting);
     begin(r, "san_array_answers", "gauge", "0 while calls show that the array does not answer.");

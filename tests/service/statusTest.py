@@ -124,9 +124,11 @@ class NotesTest(harness.ServiceCase):
               ("badXml", "no_answer_of_array"), ("twoReturns", "no_answer_of_array")]
 
     def notes(self):
-        """The notes of the last line of the access log."""
-        line = (self.server.directory / "access.log").read_text().splitlines()[-1]
-        found = re.search(r'op=(\S+) outcome=(\S+) why=(\S+) array-us=(\S+) cluster="(.*)"$', line)
+        """The notes of the last line of the access log; none before the first line."""
+        log = (self.server.directory / "access.log").read_text()
+        found = re.search(r'op=(\S+) outcome=(\S+) why=(\S+) array-us=(\S+) cluster="(.*)"\n\Z', log)
+        if found is None:
+            return None
         operation, outcome, reason, waited, cluster = found.groups()
         cluster = re.sub(r"\\x(..)", lambda m: chr(int(m[1], 16)), cluster)
         return " ".join((operation, outcome, reason, "yes" if waited.isdigit() else "no",
@@ -199,6 +201,7 @@ class StatusTest(unittest.TestCase):
                 ('san_calls_refused_total{reason="method"}', 1),
                 ('san_calls_in_progress{operation="Ping"}', 0),
                 ("san_oldest_call_seconds", 0),
+                ('san_oldest_call_of_operation_seconds{operation="Ping"}', 0),
                 ("san_array_answers", 1),
             ]
             self.assertEqual([(name, seen.get(name)) for name, _ in rows], rows)
@@ -246,6 +249,8 @@ class StatusTest(unittest.TestCase):
             self.assertEqual(waiting['san_calls_in_progress{operation="Ping"}'],
                              waiting["san_calls_waiting_for_array"])
             self.assertGreater(waiting["san_oldest_call_seconds"], 0)
+            self.assertEqual(waiting['san_oldest_call_of_operation_seconds{operation="Ping"}'],
+                             waiting["san_oldest_call_seconds"])
             wait_until(lambda: server.request("GET", "/status/health").status == 503)
             page = server.request("GET", "/status").text
             self.assertRegex(page, 'class="bad">The array does not answer: a call has waited')
