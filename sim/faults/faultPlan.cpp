@@ -64,7 +64,9 @@ FaultRule ruleFromJson(const JsonNode& json) {
     json.text("fault");
     // A rule for a command that nobody sends would wait for ever.
     checkCommand(json.member("command"), rule.command);
-    faultNamed(rule.fault);
+    if (findFault(rule.fault) == nullptr) {
+        json.member("fault").fail("has to name a fault: there is no fault \"" + rule.fault + "\"");
+    }
     return rule;
 }
 

@@ -55,8 +55,8 @@ struct FaultKind {
 /// All kinds of fault, for showing them: a list of {name, strikes, does, clientSees,
 /// runsCommand}.
 Json faultKinds();
-/// Throws std::runtime_error when there is none of that name.
-const FaultKind& faultNamed(std::string_view name);
+/// Null when there is none of that name.
+const FaultKind* findFault(std::string_view name);
 
 /// Reads a rule; throws std::runtime_error that says what is wrong with it.
 FaultRule ruleFromJson(const JsonNode& json);

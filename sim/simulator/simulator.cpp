@@ -105,7 +105,7 @@ ReplyPlan Simulator::handle(std::string_view message) {
     FaultRule rule;
     const bool struck = m_faults.take(request.object, request.command, exchange.time, rule);
     nameCaller(rule, request.hccId);
-    const FaultKind* kind = struck ? &faultNamed(rule.fault) : nullptr;
+    const FaultKind* kind = struck ? findFault(rule.fault) : nullptr;
     exchange.brokenRules = brokenRules(request);
     std::string methodReturn;
     if (kind != nullptr && !kind->runsCommand) {
@@ -151,7 +151,7 @@ std::string Simulator::answer(const ApiRequest& request, Exchange& exchange) {
 
 ReplyPlan Simulator::reply(const std::string& methodReturn, const FaultRule* rule,
                            Exchange& exchange) {
-    const FaultKind* kind = rule != nullptr ? &faultNamed(rule->fault) : nullptr;
+    const FaultKind* kind = rule != nullptr ? findFault(rule->fault) : nullptr;
     exchange.reply = kind != nullptr && kind->document != nullptr
                          ? kind->document(methodReturn, *rule)
                          : replyDocument(methodReturn);

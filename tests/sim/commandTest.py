@@ -129,7 +129,19 @@ class CommandTest(unittest.TestCase):
             ("--seed-file", '{"clusters": [{"id": "a", "attachments": [{"volume": "v"}]}]}',
              ': clusters[0].attachments[0] cannot be: Volume "v" is not known to this array'),
             ("--credentials", '{"users": [{"user": "a"}]}', ": users[0].password is missing"),
-            ("--scenario", '{"faults": [{"command": "Ping"}]}', ": faults[0].fault is missing"),
+            ("--scenario", "{}", ": faults is missing"),
+            ("--scenario", "[]", "has to be an object"),
+            *(("--scenario", '{"faults": [{%s}]}' % members, words) for members, words in (
+                ('"command": "Ping"', ": faults[0].fault is missing"),
+                ('"fault": "refuse"', ": faults[0].command is missing"),
+                ('"command": "Ping", "fault": "nonsense"', 'there is no fault "nonsense"'),
+                ('"fault": "refuse", "command": "AddHccTosan"', 'no command "AddHccTosan"'),
+                ('"fault": "refuse", "command": "TarnServer::Ping"', '"TarnServer::Ping"'),
+                ('"fault": "refuse", "comand": "Ping"', 'no member "comand"'),
+                ('"fault": "refuse", "command": "Ping", "count": -1',
+                 "count has to be a number from 0 to 1000000000"),
+                ('"fault": "refuse", "command": "Ping", "error": 1',
+                 "faults[0].error has to be a text"))),
         ]
         for option, content, words in cases:
             with self.subTest(content), tempfile.NamedTemporaryFile("w") as file:

@@ -1,13 +1,11 @@
 """Every fault as it arrives on the wire, and how rules choose the calls that they strike."""
 
-import json
 import socket
-import tempfile
 import unittest
 
 import wire
 from arraySimulator import ArraySimulator
-from programs import ROOT, SIMULATOR, run
+from programs import ROOT
 
 ATTACH = {"HccId": "hcc-1", "VolumeId": "vol-1"}
 
@@ -120,25 +118,3 @@ class FaultTest(unittest.TestCase):
         dripping.sendall(body)
         self.assertEqual(dripping.recv(100), b"\0")
         self.assertTrue(wire.call(port, "GetList").ok)
-
-    def test_wrong_scenarios_are_told_at_the_start(self):
-        ping = {"command": "Ping", "fault": "refuse"}
-        cases = {
-            'there is no fault "nonsense"': {"faults": [{**ping, "fault": "nonsense"}]},
-            'there is no command "AddHccTosan"': {"faults": [{**ping, "command": "AddHccTosan"}]},
-            'there is no command "TarnServer::Ping"': {
-                "faults": [{**ping, "command": "TarnServer::Ping"}]},
-            'faults[0].command is missing': {"faults": [{"fault": "refuse"}]},
-            'no member "comand"': {"faults": [{**ping, "comand": "Ping"}]},
-            'count has to be a number from 0 to 1000000000': {"faults": [{**ping, "count": -1}]},
-            'faults[0].error has to be a text': {"faults": [{**ping, "error": 1}]},
-            'faults is missing': {},
-            "has to be an object": [],
-        }
-        for words, scenario in cases.items():
-            with self.subTest(words=words), tempfile.NamedTemporaryFile("w") as file:
-                json.dump(scenario, file)
-                file.flush()
-                ended = run(SIMULATOR, "--port", "0", "--scenario", file.name)
-                self.assertEqual(ended.returncode, 1)
-                self.assertIn(words, ended.stderr)
