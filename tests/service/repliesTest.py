@@ -65,11 +65,16 @@ REQUESTS = {
     "nilRequest": message(f'<ns1:RemoveServer {XSI} xsi:nil="true"/>'),
     "unknownOperation": message("<ns1:Unheard/>"),
     "otherNamespace": message('<Ping xmlns="urn:other"/>'),
+    "unknownWithoutHeader": message("<ns1:Unheard/>").replace(
+        f"<SOAP-ENV:Header>{HEAD}</SOAP-ENV:Header>", ""),
+    "longUnknownName": message(f"<ns1:{'n' * 900}/>"),
     "emptyBody": message(""),
     # SOAP 1.2.
     "soap12": message("<ns1:Ping/>", namespace=SOAP_12),
     "soap12Unknown": message("<ns1:Unheard/>", namespace=SOAP_12),
     "soap12Malformed": message("<ns1:Ping>", namespace=SOAP_12),
+    "soap12Draft": message("<ns1:Ping/>", namespace="http://www.w3.org/2001/12/soap-envelope"),
+    "soap12NotText": remove("c\0", namespace=SOAP_12),
     "otherEnvelope": message("<ns1:Ping/>", namespace="urn:no:envelope"),
     # Content that does not fit.
     "lacksAnElement": message("<ns1:RemoveServer><hccId>c</hccId></ns1:RemoveServer>"),
@@ -88,10 +93,10 @@ REQUESTS = {
     "sameIdTwice": join(addresses(2).replace("<ipAddress", '<ipAddress id="a"')),
     # Large ones.
     "manyAddresses": join(addresses(500)),
-    "tooManyAddresses": join(addresses(1).replace("ipAddress ", "ipAddress id='x' ")
-                             + "<cfmIpAddresses/>" * 4097),
-    "longText": remove("x" * 65000),
-    "textTooLong": remove("x" * 65600),
+    "mostAddresses": join("<cfmIpAddresses/>" * 4096),
+    "tooManyAddresses": join("<cfmIpAddresses/>" * 4097),
+    "longestText": remove("x" * 65536),
+    "textTooLong": remove("x" * 65537),
     "deep": message("<ns1:Ping>" + "<a>" * 3000 + "</a>" * 3000 + "</ns1:Ping>"),
     "manyElements": message("<ns1:Ping>" + "<a/>" * 20000 + "</ns1:Ping>"),
     "manyPrefixes": message("<ns1:Ping " + " ".join(f'xmlns:n{n}="urn:n{n}"' for n in range(200))
@@ -105,6 +110,9 @@ REQUESTS = {
     "comments": message("<!-- a --><?b c?><ns1:Ping><!-- - --></ns1:Ping><!-- d -->"),
     "sections": remove("<![CDATA[<a>&amp;]]>"),
     "characterReferences": remove("&#x96c6;&lt;&amp;&#10;"),
+    "childInText": remove("<b>child</b>"),
+    "surrogate": remove("&#xD800;"),
+    "unknownEntity": remove("&nbsp;"),
     "beyondAscii": message("<ns1:Ünheard é=''/>"),
     # Malformed ones.
     "noSoap": "<a/>",

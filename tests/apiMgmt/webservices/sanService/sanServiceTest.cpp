@@ -26,7 +26,6 @@
 #include "tests/support/scriptedPeer.h"
 #include "tests/support/syslogCapture.h"
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using wire::envelope;
@@ -79,7 +78,6 @@ std::string Version(const std::string& version) {
 
 constexpr char kRename[] =
     "<s:RenameHccInSan><hccId>c</hccId><sanId>s</sanId><name>n</name></s:RenameHccInSan>";
-constexpr char kSoap12[] = "http://www.w3.org/2003/05/soap-envelope";
 constexpr char kPassed[] = "RenameHccInSan is not supported by SanApi interface.";
 constexpr char kNoCredentials[] = "SanService user credentials not specified";
 
@@ -118,90 +116,20 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     }
 }
 
-std::string renameTo(const std::string& name, const std::string& header) {
-    return envelope("<s:RenameHccInSan><name>" + name + "</name></s:RenameHccInSan>", header);
-}
-
-std::string addressesOf(int count, const std::string& header) {
-    std::string entries;
-    while (count-- > 0) {
-        entries += "<mgmtIpAddresses/>";
-    }
-    return envelope("<s:NewPrimaryCfmAddresses>" + entries + "</s:NewPrimaryCfmAddresses>", header);
-}
-
-TEST(SanServiceRequest, OddOnesAreAnswered) {
-    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
-    const std::string unknown = "Method 's:GetHcns' not implemented";
-    const std::string client = "<faultcode>SOAP-ENV:Client</faultcode>";
-    const struct {
-        const char* what;
-        std::string request, inReply;
-    } cases[] = {
-        // clang-format off
-        {"no operation, no header", envelope("<s:GetHcns/>"),                       "Soap header not specified"},
-        {"an operation not served", envelope("<s:GetHcns/>", header),               unknown},
-        {"another namespace",       envelope("<Ping xmlns='urn:other'/>", header),  "not implemented"},
-        {"a child of no meaning",   envelope("<s:RenameHccInSan><a><b>c</b></a></s:RenameHccInSan>", header), kPassed},
-        {"SOAP 1.2",                envelope(kRename, header, kSoap12),             kSoap12},
-        {"a type error",            envelope("<s:NewPrimaryCfmAddresses><mgmtIpAddresses><port>x</port></mgmtIpAddresses>"
-                                             "</s:NewPrimaryCfmAddresses>", header), client},
-        {"no envelope",             "<a/>",                                         client},
-        {"an envelope cut short",   envelope(kRename, header).substr(0, 150),       client},
-        {"the longest text",        renameTo(std::string(65536, 'n'), header),      kPassed},
-        {"a longer text",           renameTo(std::string(65537, 'n'), header),      client},
-        {"the longest list",        addressesOf(4096, header),                      "NewPrimaryCfmAddressesResponse"},
-        {"a longer list",           addressesOf(4097, header),                      client},
-        // clang-format on
+// What the web server's module lets nobody send, so that tests/service/replies has none of it: SOAP
+// goes back all the same.
+TEST(SanServiceRequest, WhatTheModuleWouldRefuseGetsASoapFault) {
+    const std::string request = envelope(kRename, Header(Version("2.3")));
+    const std::pair<std::string, std::string> cases[] = {
+        {"hello", "SOAP-ENV:Client"},
+        {"", "SOAP-ENV:Client"},
+        {std::string(request).insert(100, std::string(140000, ' ')), "longer than 131072 bytes"},
     };
-    for (const auto& row : cases) {
-        const std::string reply = FakeModule().Serve(row.request);
-        EXPECT_THAT(reply, HasSubstr(row.inReply)) << row.what;
-        EXPECT_EQ(reply.find("<xsdVersion version=\"2.3\"") != std::string::npos,
-                  row.request.find("</e:Header>") != std::string::npos)
-            << row.what;
-    }
-    const std::string nil = envelope("<s:RenameHccInSan xsi:nil='true'/>", header);
-    EXPECT_THAT(wire::joined(FakeModule().Serve(nil)), EndsWith(wire::sample("Fault")));
-}
-
-// Whatever comes, SOAP goes back.
-TEST(SanServiceRequest, WhatIsNoRequestGetsASoapFault) {
-    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
-    const std::string soap11 = "http://schemas.xmlsoap.org/soap/envelope/";
-    const std::string soap12 = kSoap12;
-    const auto rename = [&](const std::string& id) {
-        return envelope("<s:RenameHccInSan><hccId>" + id +
-                            "</hccId><sanId>s</sanId><name>n</name></s:RenameHccInSan>",
-                        header);
-    };
-    const std::string refused = "Request contains characters that XML does not allow";
-    const struct {
-        const char* what;
-        std::string request, version, code, text;
-    } cases[] = {
-        // clang-format off
-        {"a draft of SOAP 1.2",    envelope(kRename, header, "http://www.w3.org/2001/12/soap-envelope"), soap12, "SOAP-ENV:Sender", kPassed},
-        {"another envelope",       envelope(kRename, header, "urn:other"),           soap11, "SOAP-ENV:VersionMismatch", ""},
-        {"no envelope",            "<a/>",                                           soap11, "SOAP-ENV:Client", ""},
-        {"no XML",                 "hello",                                          soap11, "SOAP-ENV:Client", ""},
-        {"nothing",                "",                                               soap11, "SOAP-ENV:Client", ""},
-        {"a zero",                 rename(std::string(1, '\0')),                     soap11, "SOAP-ENV:Client", refused},
-        {"a surrogate",            rename("&#xD800;"),                               soap11, "SOAP-ENV:Client", refused},
-        {"the same in SOAP 1.2",   envelope("<s:Ping>\xFF</s:Ping>", header, kSoap12), soap11, "SOAP-ENV:Client", refused},
-        {"bytes in a name",        envelope("<s:Get\xFF" "Hcns/>", header),          soap11, "SOAP-ENV:Client", refused},
-        {"an unknown entity",      rename("&nbsp;"),                                 soap11, "SOAP-ENV:Client", "Request refers to an entity that is not defined"},
-        {"too long",               rename("c").insert(100, std::string(140000, ' ')), soap11, "SOAP-ENV:Client", "Request is longer than 131072 bytes"},
-        {"a long unknown name",    envelope("<s:" + std::string(900, 'n') + "/>", header), soap11, "SOAP-ENV:Client", "...[cut]"},
-        // clang-format on
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.what);
-        const std::string reply = FakeModule().Serve(row.request);
-        EXPECT_THAT(reply, HasSubstr("<SOAP-ENV:Envelope xmlns:SOAP-ENV=\"" + row.version + "\""));
-        EXPECT_THAT(reply, HasSubstr(row.code));
-        EXPECT_THAT(reply, HasSubstr(row.text));
-        EXPECT_LT(reply.size(), 2000U);
+    for (const auto& [sent, text] : cases) {
+        const std::string reply = FakeModule().Serve(sent);
+        EXPECT_THAT(reply,
+                    HasSubstr("xmlns:SOAP-ENV=\"http://schemas.xmlsoap.org/soap/envelope/\""));
+        EXPECT_THAT(reply, HasSubstr(text));
     }
 }
 
