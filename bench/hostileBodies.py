@@ -22,10 +22,9 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
-sys.path.insert(0, str(ROOT / "tests" / "service"))
+sys.path.insert(0, str(ROOT / "testbed"))
 
 from arraySimulator import ArraySimulator  # noqa: E402
-from operations import address  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
 
@@ -95,12 +94,12 @@ SHAPES = [
     ("small items", lambda: filled(
         JOIN, "<cfmIpAddresses><port>1</port></cfmIpAddresses>", CREDENTIALS)),
     ("addresses", lambda: filled(
-        JOIN, f"<cfmIpAddresses>{address('10.0.0.1', 1)}</cfmIpAddresses>", CREDENTIALS)),
+        JOIN, f"<cfmIpAddresses>{soap.address('10.0.0.1', 1)}</cfmIpAddresses>", CREDENTIALS)),
 ]
 
 
 def sensible():
-    entries = "".join(f"<cfmIpAddresses>{address(f'10.0.{n // 250}.{n % 250 + 1}', 3260)}"
+    entries = "".join(f"<cfmIpAddresses>{soap.address(f'10.0.{n // 250}.{n % 250 + 1}', 3260)}"
                       "</cfmIpAddresses>" for n in range(500))
     return soap.envelope((JOIN % entries).replace("{}", str(next(serial))), CREDENTIALS)
 

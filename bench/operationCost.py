@@ -40,12 +40,11 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
-sys.path.insert(0, str(ROOT / "tests" / "service"))
+sys.path.insert(0, str(ROOT / "testbed"))
 
 from arraySimulator import ArraySimulator  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
-from operations import address  # noqa: E402
 
 PEER = webServer.BUILD / "bench" / "exchangePeer"
 LOG_SINK = webServer.BUILD / "bench" / "logSink"
@@ -86,7 +85,7 @@ LOCATION = """
 def join_request(addresses):
     """AddHccToSan with so many addresses of the cluster."""
     entries = "".join(
-        f"<cfmIpAddresses>{address(f'10.0.{n // 250}.{n % 250 + 1}', 3260)}</cfmIpAddresses>"
+        f"<cfmIpAddresses>{soap.address(f'10.0.{n // 250}.{n % 250 + 1}', 3260)}</cfmIpAddresses>"
         for n in range(addresses))
     return soap.envelope(
         "<ns1:AddHccToSan><sanId>64015</sanId><hccId>cluster-1</hccId><hccName>Cluster One"

@@ -21,7 +21,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
-sys.path.insert(0, str(ROOT / "tests" / "service"))
+sys.path.insert(0, str(ROOT / "testbed"))
 
 from arraySimulator import ArraySimulator  # noqa: E402
 import soap  # noqa: E402

@@ -19,7 +19,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
-sys.path.insert(0, str(ROOT / "tests" / "service"))
+sys.path.insert(0, str(ROOT / "testbed"))
 
 import soap  # noqa: E402
 from webServer import WebServer  # noqa: E402

@@ -25,7 +25,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
-sys.path.insert(0, str(ROOT / "tests" / "service"))
+sys.path[:0] = [str(ROOT / "testbed"), str(ROOT / "tests" / "service")]
 
 import soap  # noqa: E402
 from arraySimulator import ArraySimulator  # noqa: E402

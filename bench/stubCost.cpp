@@ -27,8 +27,8 @@
 #include "apiMgmt/common/ipc/ipcFraming.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "bench/allocationCount.h"
-#include "tests/support/fakeServiceDatabase.h"
-#include "tests/support/scriptedPeer.h"
+#include "testbed/fakeServiceDatabase.h"
+#include "testbed/scriptedPeer.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 # Tests in Python, which drive the programs of the build from outside. What they share stands in
-# tests/service.
+# testbed and tests/service.
 
 # What is preloaded into the server, which is not instrumented itself: the sanitizer's library,
 # and the C++ library, whose functions the sanitizer looks for before a plug-in brings them.
@@ -23,7 +23,7 @@ endfunction()
 
 # san_service_test(NAME [AS TEST] [THREADED]): one ctest entry, of the module's name or another, that
 # runs NAME.py of this folder. It may run beside others. THREADED marks it for the run under
-# ThreadSanitizer. By hand: PYTHONPATH=tests/service:FOLDER python3 -m unittest NAME
+# ThreadSanitizer. By hand: PYTHONPATH=testbed:tests/service:FOLDER python3 -m unittest NAME
 function(san_service_test name)
   cmake_parse_arguments(ARG "THREADED" "AS" "" ${ARGN})
   if(NOT ARG_AS)
@@ -34,7 +34,7 @@ function(san_service_test name)
   san_sanitizer_runtime(runtime)
   set(environment "SAN_BUILD_DIR=${PROJECT_BINARY_DIR}" "SAN_APACHE=${APACHE2}"
       "SAN_RUNTIME=${runtime}" "${SAN_TEST_TSAN}"
-      "PYTHONPATH=${CMAKE_CURRENT_SOURCE_DIR}:${PROJECT_SOURCE_DIR}/tests/service")
+      "PYTHONPATH=${CMAKE_CURRENT_SOURCE_DIR}:${PROJECT_SOURCE_DIR}/testbed:${PROJECT_SOURCE_DIR}/tests/service")
   set_tests_properties(${ARG_AS} PROPERTIES TIMEOUT 600 ENVIRONMENT "${environment}")
   if(ARG_THREADED)
     set_tests_properties(${ARG_AS} PROPERTIES LABELS threaded)

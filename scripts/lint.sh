@@ -59,7 +59,7 @@ changed_sources() {
 lint_scripts() {
     local shell=() python=()
     mapfile -t shell < <(find scripts packaging debian .ci -type f -exec grep -lIE '^#!.*(ba)?sh$' {} +)
-    mapfile -t python < <(find apiMgmt bench scripts sim tests -name '*.py' -not -path '*/node_modules/*')
+    mapfile -t python < <(find apiMgmt bench scripts sim tests testbed -name '*.py' -not -path '*/node_modules/*')
     shellcheck "${shell[@]}"
     flake8 "${python[@]}"
     say "${#shell[@]} shell and ${#python[@]} Python scripts have no findings"

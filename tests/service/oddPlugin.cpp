@@ -6,7 +6,7 @@
 
 #include "apiMgmt/webservices/sanService/contract/sanContract.h"
 #include "host/include/soapRequestReport.h"
-#include "tests/support/engineTable.h"
+#include "testbed/engineTable.h"
 
 namespace {
 

@@ -2,19 +2,9 @@
 what must come back. Written by hand and apart from the service's code."""
 
 import dataclasses
-import re
 
 from arraySimulator import request_document
-
-
-def elements(text):
-    """The text with every name=value in it as an element."""
-    return re.sub(r"(\w+)=([\w.:-]+) *", r"<\1>\2</\1>", text)
-
-
-def address(ip, port, kind="ipv4", element=None):
-    return elements(f'<ipAddress type="{kind}">{element or kind + "Addr"}={ip}</ipAddress>'
-                    f"port={port}")
+from soap import address, elements
 
 
 def sent_address(ip, port):

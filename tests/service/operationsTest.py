@@ -7,8 +7,9 @@ from xml.sax.saxutils import escape
 import harness
 import soap
 from arraySimulator import success
-from operations import OPERATIONS, SCSI, SKIPPED, VOLUME, elements
+from operations import OPERATIONS, SCSI, SKIPPED, VOLUME
 from programs import closed_port
+from soap import elements
 
 USER, TOKEN = "marker-user:marker-pass", "marker-token"
 HEAD = soap.header(user=USER, token=TOKEN)

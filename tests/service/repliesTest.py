@@ -4,7 +4,8 @@ it in the folder replies.
 A change that alters replies on purpose records those anew and says why in its commit; every other
 difference is a fault:
 
-    SAN_BUILD_DIR=build/asan PYTHONPATH=tests/service python3 tests/service/repliesTest.py NAME...
+    SAN_BUILD_DIR=build/asan PYTHONPATH=testbed:tests/service python3 \
+        tests/service/repliesTest.py NAME...
 
 records the named ones, or all without a name.
 """
@@ -15,8 +16,9 @@ import unittest
 
 import harness
 import soap
-from operations import OPERATIONS, VOLUME, address, elements
+from operations import OPERATIONS, VOLUME
 from programs import ROOT
+from soap import address, elements
 
 RECORDED = ROOT / "tests" / "service" / "replies"
 HEAD = soap.header(user="user:pass")

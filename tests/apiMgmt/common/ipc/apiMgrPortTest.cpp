@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/fakeServiceDatabase.h"
+#include "testbed/fakeServiceDatabase.h"
 
 namespace {
 

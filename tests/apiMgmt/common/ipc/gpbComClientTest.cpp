@@ -10,9 +10,9 @@
 
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
+#include "testbed/scriptedPeer.h"
 #include "tests/support/interruptedCalls.h"
 #include "tests/support/replyMessage.h"
-#include "tests/support/scriptedPeer.h"
 
 namespace {
 

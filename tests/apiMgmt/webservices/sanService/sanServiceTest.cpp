@@ -20,10 +20,10 @@
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "apiMgmt/proto/apiMgrMsg.pb.h"
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
+#include "testbed/fakeServiceDatabase.h"
+#include "testbed/scriptedPeer.h"
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
-#include "tests/support/fakeServiceDatabase.h"
 #include "tests/support/replyMessage.h"
-#include "tests/support/scriptedPeer.h"
 #include "tests/support/syslogCapture.h"
 
 using testing::HasSubstr;

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "apiMgmt/webservices/sanService/pluginEntry.h"
+#include "testbed/fakeServiceDatabase.h"
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
-#include "tests/support/fakeServiceDatabase.h"
 
 namespace {
 

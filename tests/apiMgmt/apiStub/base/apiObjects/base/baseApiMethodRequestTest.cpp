@@ -10,11 +10,11 @@
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
 #include "apiMgmt/common/text/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
+#include "testbed/fakeServiceDatabase.h"
+#include "testbed/scriptedPeer.h"
 #include "tests/apiMgmt/apiStub/base/errorOf.h"
 #include "tests/apiMgmt/apiStub/base/sampleClasses.h"
-#include "tests/support/fakeServiceDatabase.h"
 #include "tests/support/replyMessage.h"
-#include "tests/support/scriptedPeer.h"
 
 namespace {
 

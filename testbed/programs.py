@@ -11,13 +11,13 @@ import pathlib
 import socket
 import subprocess
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+ROOT = pathlib.Path(__file__).resolve().parents[1]
 BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug")).resolve()
 SANCTL = BUILD / "client" / "sanctl"
 API_CHECK = BUILD / "apiCheck" / "sanApiCheck"
 SIMCTL = BUILD / "sim" / "simctl"
 SIMULATOR = BUILD / "sim" / "sanSim"
-SHIM = BUILD / "tests" / "support" / "libserviceShim.so"
+SHIM = BUILD / "testbed" / "libserviceShim.so"
 
 # For a program that the shim is preloaded into.
 PRELOADED = {

@@ -1,4 +1,4 @@
-#include "tests/support/fakeServiceDatabase.h"
+#include "testbed/fakeServiceDatabase.h"
 
 #include <arpa/inet.h>
 #include <netdb.h>

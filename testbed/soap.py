@@ -1,6 +1,7 @@
 """SOAP messages of the service, written and read as text and apart from the generated code."""
 
 import base64
+import re
 import xml.etree.ElementTree as ElementTree
 
 ENVELOPE = "http://schemas.xmlsoap.org/soap/envelope/"
@@ -26,6 +27,17 @@ def envelope(body, head=header()):
             f'<SOAP-ENV:Envelope xmlns:SOAP-ENV="{ENVELOPE}" xmlns:ns1="{NS1}">'
             f"<SOAP-ENV:Header>{head}</SOAP-ENV:Header>"
             f"<SOAP-ENV:Body>{body}</SOAP-ENV:Body></SOAP-ENV:Envelope>")
+
+
+def elements(text):
+    """The text with every name=value in it as an element."""
+    return re.sub(r"(\w+)=([\w.:-]+) *", r"<\1>\2</\1>", text)
+
+
+def address(ip, port, kind="ipv4", element=None):
+    """The children of an element that is an address with its port."""
+    return elements(f'<ipAddress type="{kind}">{element or kind + "Addr"}={ip}</ipAddress>'
+                    f"port={port}")
 
 
 PING = envelope("<ns1:Ping/>")

@@ -1,4 +1,4 @@
-#include "tests/support/scriptedPeer.h"
+#include "testbed/scriptedPeer.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
