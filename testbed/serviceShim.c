@@ -110,3 +110,21 @@ EXPORT void __syslog_chk(int priority, int flag, const char* format, ...) {
     writeEntry(priority, format, arguments);
     va_end(arguments);
 }
+
+/* Of ThreadSanitizer, where it runs. */
+extern void __tsan_acquire(void* place)
+    __attribute__((weak));  // NOLINT(bugprone-reserved-identifier)
+extern void __tsan_release(void* place)
+    __attribute__((weak));  // NOLINT(bugprone-reserved-identifier)
+
+/* The server's threads hand the memory of ended connections to each other through a list that this
+ * function orders. No sanitizer instruments its own library, so it is told of the order here. */
+EXPORT void* apr_atomic_casptr(void* volatile* place, void* with, const void* expected) {
+    void* seen = (void*)expected;
+    if (__tsan_release)
+        __tsan_release((void*)place);
+    __atomic_compare_exchange_n(place, &seen, with, 0, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
+    if (__tsan_acquire)
+        __tsan_acquire((void*)place);
+    return seen;
+}

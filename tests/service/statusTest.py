@@ -142,7 +142,8 @@ class NotesTest(harness.ServiceCase):
                 if fault:
                     self.array.fail(fault, command="Ping")
                 self.server.post(request)
-                self.assertTrue(wait_until(lambda: self.notes() == expected, 5), self.notes())
+                wait_until(lambda: self.notes() == expected)
+                self.assertEqual(self.notes(), expected)
 
 
 STATUS = """
