@@ -15,7 +15,7 @@ constexpr unsigned int kOutsideBothMsg = 10760;
 constexpr unsigned int kBelowMinimumMsg = 10761;
 constexpr unsigned int kAboveMaximumMsg = 10762;
 
-[[noreturn]] void ThrowAboveMaximum(const std::string& name, long long value, long long maximum) {
+[[noreturn]] void throwAboveMaximum(const std::string& name, long long value, long long maximum) {
     throw APIMethodError(
         STRINGUtil::FormatStr("Attribute \"%s\" was %lld, but must be less than or equal to %lld",
                               name.c_str(), value, maximum),
@@ -23,7 +23,7 @@ constexpr unsigned int kAboveMaximumMsg = 10762;
         maximum);
 }
 
-[[noreturn]] void ThrowBelowMinimum(const std::string& name, long long value, long long minimum) {
+[[noreturn]] void throwBelowMinimum(const std::string& name, long long value, long long minimum) {
     throw APIMethodError(STRINGUtil::FormatStr(
                              "Attribute \"%s\" was %lld, but must be greater than or equal to %lld",
                              name.c_str(), value, minimum),
@@ -31,7 +31,7 @@ constexpr unsigned int kAboveMaximumMsg = 10762;
                          "%s|%lld", name.c_str(), minimum);
 }
 
-[[noreturn]] void ThrowOutsideBoth(const std::string& name, long long value, long long minimum,
+[[noreturn]] void throwOutsideBoth(const std::string& name, long long value, long long minimum,
                                    long long maximum) {
     throw APIMethodError(
         STRINGUtil::FormatStr("Attribute \"%s\" was %lld, but must be greater than or equal to "
@@ -87,12 +87,12 @@ bool INTApiAttribute::Validate(const std::string& value) const {
         return true;
     }
     if (minimum < 0) {
-        ThrowAboveMaximum(GetDisplayName(), number, maximum);
+        throwAboveMaximum(GetDisplayName(), number, maximum);
     }
     if (maximum < 0) {
-        ThrowBelowMinimum(GetDisplayName(), number, minimum);
+        throwBelowMinimum(GetDisplayName(), number, minimum);
     }
-    ThrowOutsideBoth(GetDisplayName(), number, minimum, maximum);
+    throwOutsideBoth(GetDisplayName(), number, minimum, maximum);
 }
 
 bool INTApiAttribute::ApplyFilter(const APIAttributeFilter& filter,

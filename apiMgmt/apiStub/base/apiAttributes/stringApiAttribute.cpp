@@ -13,7 +13,7 @@ constexpr unsigned int kForbiddenMsg = 10011;
 constexpr unsigned int kTooShortMsg = 10763;
 constexpr unsigned int kTooLongMsg = 10764;
 
-[[noreturn]] void ThrowTooShort(const std::string& name, const std::string& value,
+[[noreturn]] void throwTooShort(const std::string& name, const std::string& value,
                                 long long minimum) {
     throw APIMethodError(
         STRINGUtil::FormatStr("Attribute \"%s\" was \"%s\" [%d characters long], but must be a "
@@ -23,7 +23,7 @@ constexpr unsigned int kTooLongMsg = 10764;
         minimum);
 }
 
-[[noreturn]] void ThrowTooLong(const std::string& name, const std::string& value,
+[[noreturn]] void throwTooLong(const std::string& name, const std::string& value,
                                long long maximum) {
     throw APIMethodError(
         STRINGUtil::FormatStr("Attribute \"%s\" was \"%s\" [%d characters long], but must be a "
@@ -33,7 +33,7 @@ constexpr unsigned int kTooLongMsg = 10764;
         maximum);
 }
 
-[[noreturn]] void ThrowForbidden(const std::string& name, const std::string& value,
+[[noreturn]] void throwForbidden(const std::string& name, const std::string& value,
                                  const std::string& forbidden) {
     throw APIMethodError(STRINGUtil::FormatStr(
                              "Attribute \"%s\" was \"%s\", but cannot contain these characters: %s",
@@ -110,13 +110,13 @@ bool STRINGApiAttribute::Validate(const std::string& value) const {
         return true;
     }
     if (minimum >= 0 && minimum > length) {
-        ThrowTooShort(GetDisplayName(), value, minimum);
+        throwTooShort(GetDisplayName(), value, minimum);
     }
     if (maximum >= 0 && maximum < length) {
-        ThrowTooLong(GetDisplayName(), value, maximum);
+        throwTooLong(GetDisplayName(), value, maximum);
     }
     if (value.find_first_of(bounds->GetForbidden()) != std::string::npos) {
-        ThrowForbidden(GetDisplayName(), value, bounds->GetForbidden());
+        throwForbidden(GetDisplayName(), value, bounds->GetForbidden());
     }
     return true;
 }
