@@ -9,7 +9,7 @@
 #include <string>
 
 #include "bench/allocationCount.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+#include "testbed/sampleClasses.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
 #include "apiMgmt/apiStub/base/methodReturns/apiMethodError.h"
 #include "fuzz/fuzzTarget.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+#include "testbed/sampleClasses.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Any text as a method-object, alone and in a list.
 
 #include "fuzz/fuzzTarget.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+#include "testbed/sampleClasses.h"
 
 void drive(std::string_view bytes) {
     const std::string text(bytes);

@@ -55,7 +55,8 @@ ROOMS = [
      CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientTop"]),
     ("client",            r"client/",
      CALLS + ["clientCall", "clientReport", "clientLifecycle", "clientTop", "clientCommandLine"]),
-    ("outside",       r"(tests|testbed|bench|fuzz|examples)/",   ANYTHING),
+    ("testbed",       r"testbed/",                       ["ipc", "base", "hostInterface"]),
+    ("outside",       r"(tests|bench|fuzz|examples)/",   ANYTHING),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 SUFFIXES = {".h", ".hpp", ".c", ".cpp"}

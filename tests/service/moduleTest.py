@@ -51,7 +51,6 @@ REQUESTS = [
     ("a Ping", http(body=PING), 200),
     ("a Ping in chunks of one byte", chunked(*(PING[i:i + 1] for i in range(len(PING)))), 200),
     ("a Ping of HTTP/1.0", http(body=PING, version="1.0", Host=None), 200),
-    ("a byte order mark in front", http(body=b"\xef\xbb\xbf" + PING), 200),
     ("SOAP 1.2", http(body=PING.replace(b"schemas.xmlsoap.org/soap/", b"www.w3.org/2003/05/soap-")
                       .replace(b"-envelope/", b"-envelope"),
                       Content_Type="application/soap+xml; action=urn:a"), 200),
@@ -98,18 +97,9 @@ REQUESTS = [
     ("no HTTP", MARKER.encode() + b"\r\n\r\n", 400),
     ("a host of markup", http("GET", PATH + "?wsdl", Host='"><' + MARKER), 400),
     # XML that the engine has to stand.
-    ("no envelope", http(body=b"<a/>"), 500),
-    ("half an envelope", http(body=PING[:len(PING) // 2]), 500),
-    ("an unknown operation", http(body=soap.envelope(f"<ns1:{MARKER}/>").encode()), 500),
-    ("a document type", http(body=b'<!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'), 400),
     ("a zero within", with_body("\0"), 200),
     ("deep nesting", with_body("<a>" * 40000), 400),
-    ("wide nesting", with_body("<a/>" * 30000), 200),
     ("many attributes", with_body("<a " + "".join(f'b{i}="" ' for i in range(65)) + "/>"), 400),
-    ("a long name", with_body("<" + "a" * 100000 + "/>"), 200),
-    ("a long text", with_body("a" * 100000), 200),
-    ("an unclosed comment", with_body("<!-- "), 500),
-    ("an unclosed section", with_body("<![CDATA["), 500),
 ]
 
 

@@ -25,12 +25,6 @@ GPBIPCMsg makeRequest(const std::string& document = "<compapi></compapi>") {
     return request;
 }
 
-std::string documentOfSize(std::size_t size) {
-    std::string document;
-    document.resize(size, 'x');
-    return document;
-}
-
 /// The reply's document.
 std::string exchange(int port, const GPBIPCMsg& request = makeRequest()) {
     GPBIPCMsg reply;
@@ -61,7 +55,7 @@ TEST(GpbComClientTest, ExchangesMessagesOfAnySize) {
     });
     // Around the sizes of the reader's first buffer and of the socket's.
     for (const std::size_t size : {1U, 4079U, 4080U, 4081U, 4096U, 8192U, 3'000'000U}) {
-        const std::string document = documentOfSize(size);
+        const std::string document = std::string(size, 'x');
         EXPECT_TRUE(exchange(peer.port(), makeRequest(document)) == document) << size;
     }
 }
@@ -112,7 +106,7 @@ TEST(GpbComClientTest, SurvivesPeerThatIsGone) {
 
     // A reset while a long request is on its way would raise SIGPIPE, which ends the process.
     ScriptedPeer peer([](int fd) { ScriptedPeer::resetOnClose(fd); });
-    const GPBIPCMsg longRequest = makeRequest(documentOfSize(32'000'000));
+    const GPBIPCMsg longRequest = makeRequest(std::string(32'000'000, 'x'));
     EXPECT_NE(failureOf(peer.port(), longRequest), "");
 }
 
@@ -139,10 +133,10 @@ TEST(GpbComClientTest, GoesOnAfterInterruptedCalls) {
 // One byte more than the largest is refused by who sends it and by who is told of it.
 TEST(IpcFramingTest, TakesFramesUpToTheLargest) {
     constexpr std::size_t kMaxBodySize = 67'108'864;
-    const std::size_t around = makeRequest(documentOfSize(kMaxBodySize)).ByteSizeLong();
+    const std::size_t around = makeRequest(std::string(kMaxBodySize, 'x')).ByteSizeLong();
     for (const bool fits : {true, false}) {
         const std::size_t body = kMaxBodySize + (fits ? 0 : 1);
-        const GPBIPCMsg message = makeRequest(documentOfSize(2 * kMaxBodySize - around + !fits));
+        const GPBIPCMsg message = makeRequest(std::string(2 * kMaxBodySize - around + !fits, 'x'));
         ASSERT_EQ(message.ByteSizeLong(), body);
         std::string frame;
         EXPECT_EQ(ipcFraming::encodeFrame(message, frame), fits);

@@ -44,6 +44,9 @@ TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
         {"<a>&#65535;</a>", characters}, {"<a>&#1114112;</a>", characters},
         {"<a>&#99999999999999999999;</a>", characters}, {"<a>\xC3</a>", characters},
         {"<a>\xC0\x80</a>", characters}, {"<a\xFF/>", characters}, {"<\xEF\xBF\xBE/>", characters},
+        {"\x7f<a>\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", ""},
+        {"<a>\xE0\x9F\xBF", characters}, {"<a>\xED\xA0\x80", characters}, {"<a>\xED\xBF\xBF", characters},
+        {"<a>\xEF\xBF\xBF", characters}, {"<a>\xF0\x8F\xBF\xBF", characters}, {"<a>\xF4\x90\x80\x80", characters},
         {"<a>&nbsp;</a>", entity}, {"<a>&;</a>", entity}, {"<a>& b</a>", entity},
         {"<a>&LT;</a>", entity}, {"<a>&#;</a>", characters}, {"<a>&#x;</a>", characters},
         {"<a>&#X41;</a>", entity}, {"<a>&#4A;</a>", entity}, {"<a>&\xC3\xA9;</a>", entity},
@@ -66,30 +69,12 @@ TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
     }
 }
 
-std::string encoded(std::uint32_t point) {
-    const auto byte = [](std::uint32_t bits) { return static_cast<char>(bits); };
-    const auto next = [&](unsigned shift) { return byte(0x80U | (point >> shift & 0x3FU)); };
-    if (point < 0x80) {
-        return {byte(point)};
-    }
-    if (point < 0x800) {
-        return {byte(0xC0U | point >> 6U), next(0)};
-    }
-    if (point < 0x10000) {
-        return {byte(0xE0U | point >> 12U), next(6), next(0)};
-    }
-    return {byte(0xF0U | point >> 18U), next(12), next(6), next(0)};
-}
-
-TEST(RequestScan, JudgesEachCharacterOfUnicodeInEachSpelling) {
+TEST(RequestScan, JudgesEachCharacterOfUnicode) {
     for (std::uint32_t point = 0; point <= 0x110000; ++point) {
         const bool refused = point == 0 || (point >= 0xD800 && point <= 0xDFFF) ||
                              point == 0xFFFE || point == 0xFFFF || point > 0x10FFFF;
         const std::string reference = "<a>&#" + std::to_string(point) + ";</a>";
         ASSERT_EQ(refused, !scanned(reference, reference.size()).empty()) << point;
-        if (point != '<' && point != '&') {
-            ASSERT_EQ(refused, !scanned("<a>" + encoded(point) + "</a>", 99).empty()) << point;
-        }
     }
 }
 

@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "apiMgmt/apiStub/base/filters/apiAttributeFilter.h"
+#include "testbed/sampleClasses.h"
 #include "tests/apiMgmt/apiStub/base/errorOf.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include "apiMgmt/apiStub/base/filters/dateTimeObject.h"
@@ -80,21 +79,6 @@ TEST_F(DateTime, TellsWhatCannotBeFormatted) {
     EXPECT_EQ(beyond.ToString(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Exception formatting datetime: instant beyond the calendar");
-}
-
-TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
-    std::vector<std::jthread> threads;
-    threads.reserve(4);
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([i] {
-            const DATETimeObject time(1794665045 + i * 86400L * 100);
-            const std::string text = time.ToString();
-            for (int round = 0; round < 200; ++round) {
-                EXPECT_EQ(time.ToString(), text);
-                EXPECT_EQ(DATETimeObject(text), time);
-            }
-        });
-    }
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "apiMgmt/apiStub/base/methodReturns/intMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/methodObjectMethodReturn.h"
 #include "apiMgmt/apiStub/base/methodReturns/stringMethodReturn.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+#include "testbed/sampleClasses.h"
 #include "tests/support/replyMessage.h"
 
 namespace {

@@ -9,18 +9,11 @@
 #include <sstream>
 #include <string>
 
-#include "apiMgmt/webservices/sanService/contract/sanContract.h"
+#include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 
 namespace {
 
-struct FreeContext {
-    void operator()(soap* context) const {
-        soap_destroy(context);
-        soap_end(context);
-        soap_free(context);
-    }
-};
-using Context = std::unique_ptr<soap, FreeContext>;
+using wire::Context;
 
 int failing = 0;
 

@@ -11,9 +11,9 @@
 #include "apiMgmt/common/text/legalXmlText.h"
 #include "apiMgmt/common/xmlParser/xmlParser.h"
 #include "testbed/fakeServiceDatabase.h"
+#include "testbed/sampleClasses.h"
 #include "testbed/scriptedPeer.h"
 #include "tests/apiMgmt/apiStub/base/errorOf.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 #include "tests/support/replyMessage.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "apiMgmt/apiStub/base/apiObjects/base/registerClass.h"
+#include "testbed/sampleClasses.h"
 #include "tests/apiMgmt/apiStub/base/errorOf.h"
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/apiMgmt/apiStub/base/sampleClasses.h"
+#include "testbed/sampleClasses.h"
 
 #include "apiMgmt/apiStub/base/apiObjects/base/registerClass.h"
 
