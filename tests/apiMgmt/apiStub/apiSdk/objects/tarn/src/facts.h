@@ -20,13 +20,12 @@ struct ClassFact {
     /// What stands behind "then", "after", "async", "privilege" and "requires".
     std::map<std::string, std::vector<std::string>> words;
     std::vector<AttributeFact> attributes;
+    /// The rows of its attribute list: its own and its base's.
+    std::vector<std::string> listedRows;
 };
 
 /// Every class of facts.txt, in its order; lives as long as the process.
 const std::vector<ClassFact>& allFacts();
-
-/// The rows of the class's attribute list: its own and its base's.
-std::vector<std::string> listedRows(const ClassFact& fact);
 
 /// What the code has otherwise than facts.txt states, a row a line, with the file to look at; empty
 /// when they agree. `name` says whose rows they are.
