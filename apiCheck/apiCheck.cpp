@@ -18,7 +18,7 @@
 
 namespace {
 
-using Verdict = APICheckResult::Verdict;
+using Verdict = CheckResult::Verdict;
 using Return = std::unique_ptr<BASEApiMethodReturn>;
 
 constexpr const char* kUnknownObject = "0.987654321";
@@ -68,7 +68,7 @@ class Check {
 public:
     explicit Check(const APICheckPlan& plan) : m_plan(plan) {}
 
-    std::vector<APICheckResult> run() {
+    std::vector<CheckResult> run() {
         expectTrue("Ping", m_plan.credentials);
         if (m_results.front().verdict == Verdict::Silent) {
             return std::move(m_results);
@@ -235,11 +235,11 @@ private:
     }
 
     const APICheckPlan m_plan;
-    std::vector<APICheckResult> m_results;
+    std::vector<CheckResult> m_results;
 };
 
 }  // namespace
 
-std::vector<APICheckResult> checkApiManager(const APICheckPlan& plan) {
+std::vector<CheckResult> checkApiManager(const APICheckPlan& plan) {
     return Check(plan).run();
 }

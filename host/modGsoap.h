@@ -2,7 +2,8 @@
  * The module's parts and what they share. One file per concern:
  *
  *   modGsoap.c     directives, hooks, registration with the server
- *   soapLibrary.c  loads a plug-in and judges its table
+ *   soapLibrary.c  takes a plug-in into use
+ *   soapPlugin.c   loads it, judges its table, sets up contexts for it
  *   soapHandler.c  the gate: method, content type, size; then body, service, reply
  *   soapBody.c     the request body as the engine's input
  *   soapBodyScan.c refuses bodies that are made to cost much

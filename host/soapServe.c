@@ -17,6 +17,7 @@
 
 #include "host/include/soapRequestReport.h"
 #include "host/serveGuard.h"
+#include "host/soapPlugin.h"
 
 /* A context and what its hooks need. */
 struct readyContext {
@@ -63,52 +64,6 @@ static int sendReply(struct soap* context, const char* data, size_t size) {
     return SOAP_OK;
 }
 
-/* The server reads and writes the HTTP headers; the engine's own are neither wanted nor made. */
-static int ignoreStatus(struct soap* context, int status, ULONG64 length) {
-    (void)context;
-    (void)status;
-    (void)length;
-    return SOAP_OK;
-}
-
-static int ignoreHeader(struct soap* context, const char* key, const char* value) {
-    (void)context;
-    (void)key;
-    (void)value;
-    return SOAP_OK;
-}
-
-static int refuseHttp(struct soap* context) {
-    (void)context;
-    return SOAP_SYNTAX_ERROR;
-}
-
-static int leaveConnection(struct soap* context) {
-    (void)context;
-    return SOAP_OK;
-}
-
-static int copyConf(struct soap* context, struct soap_plugin* target, struct soap_plugin* source) {
-    (void)context;
-    target->data = source->data;
-    return SOAP_OK;
-}
-
-/* Runs for the context and for each copy of it; the data is not theirs. */
-static void deleteConf(struct soap* context, struct soap_plugin* plugin) {
-    (void)context;
-    plugin->data = NULL;
-}
-
-static int attachConf(struct soap* context, struct soap_plugin* plugin, void* conf) {
-    (void)context;
-    plugin->id = SOAP_REQUEST_CONF_ID;
-    plugin->data = conf;
-    plugin->fcopy = copyConf;
-    plugin->fdelete = deleteConf;
-    return SOAP_OK;
-}
-
 /* What the plug-in reports goes to the call that its thread serves. */
 static void reportOperation(const char* name) {
     if (current && name) {
@@ -148,26 +103,13 @@ static struct soapRequestReport report = {.length = sizeof report,
                                           .ended = reportEnd,
                                           .lostLogLines = reportLostLogLines};
 
-static int attachReport(struct soap* context, struct soap_plugin* plugin, void* data) {
-    const int status = attachConf(context, plugin, data);
-    plugin->id = SOAP_REQUEST_REPORT_ID;
-    return status;
-}
-
 static int prepareContext(struct readyContext* ready, const struct apache_soap_interface* table) {
     struct soap* context = &ready->context;
-    table->init(context);
-    context->namespaces = table->namespaces;
-    context->frecv = receive;
-    context->fsend = sendReply;
-    context->fresponse = ignoreStatus;
-    context->fposthdr = ignoreHeader;
-    context->fparse = refuseHttp;
-    context->fpoll = leaveConnection;
-    context->fclose = leaveConnection;
+    soapSetUpContext(context, table, receive, sendReply);
     /* The last one stands first, where isAsNew looks. */
-    const int status = table->registerPlugin(context, attachReport, &report);
-    return status == SOAP_OK ? table->registerPlugin(context, attachConf, &ready->conf) : status;
+    const int status = soapAttach(context, table, SOAP_REQUEST_REPORT_ID, &report);
+    return status == SOAP_OK ? soapAttach(context, table, SOAP_REQUEST_CONF_ID, &ready->conf)
+                             : status;
 }
 
 static void freeContext(struct readyContext* ready, const struct apache_soap_interface* table) {

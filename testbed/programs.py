@@ -15,6 +15,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 BUILD = pathlib.Path(os.environ.get("SAN_BUILD_DIR", ROOT / "build" / "debug")).resolve()
 SANCTL = BUILD / "client" / "sanctl"
 API_CHECK = BUILD / "apiCheck" / "sanApiCheck"
+PLUGIN_CHECK = BUILD / "pluginCheck" / "sanPluginCheck"
 SIMCTL = BUILD / "sim" / "simctl"
 SIMULATOR = BUILD / "sim" / "sanSim"
 SHIM = BUILD / "testbed" / "libserviceShim.so"

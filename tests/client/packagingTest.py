@@ -3,7 +3,7 @@
 import re
 import unittest
 
-from programs import API_CHECK, ROOT, SANCTL, SIMCTL, SIMULATOR, run
+from programs import API_CHECK, PLUGIN_CHECK, ROOT, SANCTL, SIMCTL, SIMULATOR, run
 
 PACKAGING = ROOT / "packaging"
 
@@ -21,7 +21,7 @@ def commands(program=SANCTL):
 
 class PackagingTest(unittest.TestCase):
     def test_the_manual_names_every_subcommand_and_option(self):
-        for program in SANCTL, SIMCTL, SIMULATOR, API_CHECK:
+        for program in SANCTL, SIMCTL, SIMULATOR, API_CHECK, PLUGIN_CHECK:
             page = (PACKAGING / f"man/{program.name}.1").read_text(encoding="utf-8")
             page = page.replace("\\-", "-")
             names = commands(program)
@@ -35,8 +35,9 @@ class PackagingTest(unittest.TestCase):
 
     def test_all_programs_tell_the_same_version(self):
         told = [run(program, "--version").stdout.split() for program in
-                (SANCTL, SIMCTL, SIMULATOR, API_CHECK)]
-        self.assertEqual([name for name, _ in told], ["sanctl", "simctl", "sanSim", "sanApiCheck"])
+                (SANCTL, SIMCTL, SIMULATOR, API_CHECK, PLUGIN_CHECK)]
+        self.assertEqual([name for name, _ in told],
+                         ["sanctl", "simctl", "sanSim", "sanApiCheck", "sanPluginCheck"])
         self.assertEqual(len({version for _, version in told}), 1)
 
     def complete(self, *words, program=SANCTL):

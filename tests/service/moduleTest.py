@@ -7,6 +7,7 @@ import concurrent.futures
 import contextlib
 import gzip
 import os
+import pathlib
 import re
 import signal
 import tempfile
@@ -252,6 +253,7 @@ class OddPluginTest(ModuleCase):
         # behaviour, options of the server, what it says
         ("other length", {}, "liboddPlugin.so: .*length 192 and revision 6"),
         ("other revision", {}, "liboddPlugin.so: .*length 184 and revision 7"),
+        ("reserved slot", {}, "liboddPlugin.so: the reserved slot"),
         ("no serve function", {}, "liboddPlugin.so: .*lacks functions"),
         ("larger context", {}, "liboddPlugin.so: its SOAP engine lays out a context in another way"),
         ("smaller context", {}, "liboddPlugin.so: its SOAP engine lays out a context in another way"),
@@ -296,6 +298,38 @@ class OddPluginTest(ModuleCase):
                 self.assertEqual(server.children(), children)
                 self.assertIn(line, server.error_log())
                 self.assertNotIn("words of the plug-in", server.error_log())
+
+    CHECKED = [
+        # plug-in, behaviour, exit status of sanPluginCheck, what it says
+        (webServer.SERVICE_PLUGIN, "", 0, r"\A(ok .*\n){10}\Z"),
+        (webServer.BARE_PLUGIN, "", 0, r"odd +Generated functions: 13 slots"),
+        (webServer.BARE_PLUGIN, "", 0, r"odd +Exported names: .*missing: \S+init\b"),
+        (webServer.BARE_PLUGIN, "", 0, r"odd +Ping: answered without"),
+        (webServer.ODD_PLUGIN, "throws", 1, "WRONG +Ping: an exception of type St13runtime_error"),
+        (webServer.ODD_PLUGIN, "fails silently", 1, "WRONG +Ping: it writes .*status is 20"),
+        (webServer.ODD_PLUGIN, "registers", 1, "WRONG +Ping: .* no answer to a Ping: 1 bytes"),
+        (webServer.ODD_PLUGIN, "aborts", 1, r"WRONG +Entry: .*signal 6 \(Aborted\)\n\Z"),
+        (webServer.ODD_PLUGIN, "ends", 1, r"WRONG +Entry: .*status 7\n\Z"),
+        (webServer.ODD_PLUGIN, "hangs", 3, r"SILENT +Entry: not done within 2 s\n\Z"),
+        ("nowhere.so", "", 64, r"\A\Z"),
+    ]
+
+    def test_the_check_without_a_server_says_the_same_and_more(self):
+        rows = self.CHECKED + [
+            (options.get("plugin", webServer.ODD_PLUGIN), behaviour, 1,
+             "WRONG .*" + reason.removeprefix("liboddPlugin.so: "))
+            for behaviour, options, reason in self.REFUSED
+            if "extra" not in options and options.get("plugin") != "nowhere.so"]
+        unbound = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()), "unbound.so")
+        programs.run("cc", "-shared", "-fPIC", "-x", "c", "-o", unbound, "-", stdin=(
+            "void nobodyHasThis(void); void apache_init_soap_interface(void) { nobodyHasThis(); }"))
+        for plugin, behaviour, status, words in rows + [
+                (unbound, "", 1, "WRONG +Loading: .*undefined symbol: nobodyHasThis")]:
+            with self.subTest(plugin, behaviour=behaviour):
+                limit = ["--timeout", 2] if behaviour == "hangs" else ["--timeout", 120]
+                done = programs.run(programs.PLUGIN_CHECK, *limit, plugin, ODD_PLUGIN=behaviour)
+                self.assertRegex(done.stdout, words)
+                self.assertEqual(done.returncode, status, done)
 
     def test_context_that_a_plugin_changed_is_not_used_again(self):
         for behaviour, seen in (("serves without a copy", "new"), ("registers", "3")):

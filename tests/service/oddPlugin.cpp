@@ -1,4 +1,7 @@
-// A plug-in that misbehaves in the way that ODD_PLUGIN names, to see that the module stands it.
+// A plug-in that misbehaves in the way that ODD_PLUGIN names, to see that the module and
+// sanPluginCheck stand it.
+#include <unistd.h>
+
 #include <cstdlib>
 #include <deque>
 #include <stdexcept>
@@ -91,6 +94,14 @@ PLUGIN_ENTRY void apache_init_soap_interface(apache_soap_interface* table) {
         };
     } else if (kBehaviour == "smaller context") {
         table->init = [](struct soap* context) { context->state = SOAP_INIT; };
+    } else if (kBehaviour == "reserved slot") {
+        table->reserved = table;
+    } else if (kBehaviour == "aborts") {
+        std::abort();
+    } else if (kBehaviour == "ends") {
+        std::_Exit(7);
+    } else if (kBehaviour == "hangs") {
+        pause();
     } else if (kBehaviour == "no serve function") {
         table->serve = nullptr;
     }
