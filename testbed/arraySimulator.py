@@ -6,6 +6,8 @@
         array.take_requests()[0].request      # the document that arrived
 """
 
+import contextlib
+import http.client
 import json
 import os
 import re
@@ -94,6 +96,14 @@ class ArraySimulator:
         if done.returncode:
             raise AssertionError(done)
         return done.stdout
+
+    def web(self, method, path, body=None, headers={}):
+        """What its HTTP interface answers: the status and the text."""
+        with contextlib.closing(http.client.HTTPConnection(
+                "127.0.0.1", self.web_port, timeout=20)) as connection:
+            connection.request(method, path, body, headers)
+            answer = connection.getresponse()
+            return answer.status, answer.read().decode()
 
     def fail(self, fault, command="*", **members):
         """Makes the next call of the command fail; the members are those of a fault rule."""

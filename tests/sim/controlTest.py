@@ -1,7 +1,6 @@
 """The control command and the page's requests: what they show, what they change, whom they
 refuse, and that no secret is in anything that they show."""
 
-import http.client
 import json
 import os
 import select
@@ -27,13 +26,6 @@ class ControlTest(unittest.TestCase):
 
     def rules(self):
         return self.simulator.show("fail", "--rules")
-
-    def web(self, method, path, body=None, headers={}):
-        connection = http.client.HTTPConnection("127.0.0.1", self.simulator.web_port, timeout=20)
-        self.addCleanup(connection.close)
-        connection.request(method, path, body, headers)
-        answer = connection.getresponse()
-        return answer.status, answer.read().decode()
 
     def test_what_is_shown_is_what_happened(self):
         for command in LIFE:
@@ -69,7 +61,7 @@ class ControlTest(unittest.TestCase):
             wire.exchange(self.port, wire.request(text, b"user:marker-pass", "marker-token"))
         shown = [self.simulator.control(*arguments) for arguments in (
             ("log",), ("log", "--json"), ("state",), ("state", "--json"))]
-        shown += [self.web("GET", path)[1] for path in ("/api/v1/exchanges", "/api/v1/state")]
+        shown += [self.simulator.web("GET", path)[1] for path in ("/api/v1/exchanges", "/api/v1/state")]
         with open(self.simulator.log, encoding="utf-8") as file:
             shown.append(file.read())
         self.assertEqual(shown[-1].count("\n"), len(texts))
@@ -153,7 +145,7 @@ class ControlTest(unittest.TestCase):
         ]
         for *request, status, words in cases:
             with self.subTest(request=request):
-                answer = self.web(*request)
+                answer = self.simulator.web(*request)
                 self.assertEqual(answer[0], status)
                 self.assertIn(words, answer[1])
         self.assertEqual(len(self.rules()), 1)

@@ -20,7 +20,8 @@ void Add(int priority, const char* format, const char* text) {
 void Record(int priority, const char* format, va_list args) {
     char* text = nullptr;
     if (vasprintf(&text, format, args) >= 0) {
-        Add(priority, format, text);
+        SyslogCapture::instead != nullptr ? SyslogCapture::instead(text)
+                                          : Add(priority, format, text);
     }
     std::free(text);
 }

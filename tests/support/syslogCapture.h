@@ -18,6 +18,9 @@ struct Line {
     bool operator==(const Line&) const = default;
 };
 
+/// Gets each entry's text in place of the list, when a test sets it.
+inline void (*instead)(const std::string& text) = nullptr;
+
 void Clear();
 std::vector<Line> Lines();
 

@@ -3,16 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <syslog.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdarg>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "apiMgmt/common/utils/simpleLogger.h"
+#include "tests/support/syslogCapture.h"
 
 namespace {
 
@@ -38,6 +37,7 @@ void log(const std::string& message) {
 }
 
 TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
+    SyslogCapture::instead = sendAsTheLibraryDoes;
     ASSERT_EQ(0, ::socketpair(AF_UNIX, SOCK_DGRAM, 0, queue.data()));
     while (::send(queue[0], "x", 1, MSG_DONTWAIT) == 1) {
     }
@@ -64,23 +64,3 @@ TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
 }
 
 }  // namespace
-
-// These stand in front of the C library's. The logger's only argument is the text.
-extern "C" {
-
-void syslog(int, const char* format, ...) {
-    va_list args;
-    va_start(args, format);
-    sendAsTheLibraryDoes(va_arg(args, const char*));
-    va_end(args);
-}
-
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-void __syslog_chk(int, int, const char* format, ...) {
-    va_list args;
-    va_start(args, format);
-    sendAsTheLibraryDoes(va_arg(args, const char*));
-    va_end(args);
-}
-
-}  // extern "C"

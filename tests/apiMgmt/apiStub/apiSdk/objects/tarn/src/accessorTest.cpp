@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <typeindex>
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneScsiInformation.h"
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
@@ -15,40 +16,33 @@
 namespace {
 
 /// For each type that a getter returns: a text that is stored, which no unset attribute reads as.
+// clang-format off
+const std::map<std::type_index, std::string> kSamples = {
+    {typeid(bool),                               "True"},
+    {typeid(std::int64_t),                       "5000000000"},
+    {typeid(std::string),                        "10.1.2.3"},  // also an address
+    {typeid(DATETimeObject),                     "11/14/2026 03:04:05 PM"},
+    {typeid(GETListFilter),                      "or Name = My&hy&Volume-"},
+    {typeid(std::unique_ptr<APIObjectInstance>), "101.5 TarnServer My: <Server>"},
+    {typeid(std::vector<APIObjectInstance>),     "101.5 TarnServer My-co- Server:101.6 TarnServer Other"},
+    {typeid(std::vector<std::string>),           "a-co-b:c"},
+};
+// clang-format on
+
+template <class Value>
+std::string sampleOf(const Value*) {
+    return kSamples.at(typeid(Value));
+}
 template <class Enum>
-std::string sampleOf(const Enum*) {
+requires std::is_enum_v<Enum> std::string sampleOf(const Enum*) {
     return GetEnumIdStrList(Enum{}).GetRows().back().xmlName;
 }
-std::string sampleOf(const bool*) {
-    return "True";
-}
-std::string sampleOf(const std::int64_t*) {
-    return "5000000000";
-}
-std::string sampleOf(const std::string*) {
-    return "10.1.2.3";  // also an address
-}
-std::string sampleOf(const DATETimeObject*) {
-    return "11/14/2026 03:04:05 PM";
-}
-std::string sampleOf(const GETListFilter*) {
-    return "or Name = My&hy&Volume-";
-}
-std::string sampleOf(const std::unique_ptr<APIObjectInstance>*) {
-    return "101.5 TarnServer My: <Server>";
-}
-std::string sampleOf(const std::vector<APIObjectInstance>*) {
-    return "101.5 TarnServer My-co- Server:101.6 TarnServer Other";
-}
-std::string sampleOf(const std::vector<std::string>*) {
-    return "a-co-b:c";
-}
 template <class Enum>
-std::string sampleOf(const std::vector<Enum>*) {
+requires std::is_enum_v<Enum> std::string sampleOf(const std::vector<Enum>*) {
     const auto rows = GetEnumIdStrList(Enum{}).GetRows();
     return std::string(rows.back().xmlName) + " " + rows.front().xmlName;
 }
-template <class Record>
+template <std::derived_from<BASEApiMethodObject> Record>
 std::string sampleOf(const std::unique_ptr<Record>*) {
     Record record;
     record.PutStringDirect(record.GetAttributeList().front()->GetXmlName(), "a<b");
