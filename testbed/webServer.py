@@ -35,7 +35,7 @@ STOP_SECONDS = 60
 
 # A line of the error log that no test may leave behind.
 TROUBLE = re.compile(r"ERROR: \w+Sanitizer|WARNING: ThreadSanitizer|runtime error:"
-                     r"|exit signal|Assertion|glibc detected|terminate called")
+                     r"|exit signal|Assertion|glibc|ABORT|terminate called")
 
 CONFIGURATION = """
 ServerName localhost

@@ -17,6 +17,7 @@ const std::string kApiMgrAddress = "127.0.0.1";
 }  // namespace
 
 int SANServiceHandler(soap* ctx) {
+    setUpThread();
     SimpleLogger::open(ServiceLog::kIdentity);
     int result = SOAP_EOM;
     try {

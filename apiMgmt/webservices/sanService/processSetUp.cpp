@@ -1,6 +1,11 @@
 #include "apiMgmt/webservices/sanService/processSetUp.h"
 
+#include <google/protobuf/arena.h>
+
+#include <array>
+#include <cstddef>
 #include <ctime>
+#include <exception>
 #include <memory>
 #include <new>
 #include <string>
@@ -44,7 +49,19 @@ bool rehearse() {
 
 }  // namespace
 
+void setUpThread() {
+    static thread_local bool ready = false;
+    if (!ready) {
+        ready = true;
+        // Volatile, since a result that nobody wants is not asked for.
+        [[maybe_unused]] const volatile int exceptions = std::uncaught_exceptions();
+        alignas(std::max_align_t) std::array<char, 1024> room{};
+        const google::protobuf::Arena arena(room.data(), room.size());
+    }
+}
+
 void setUpProcess() {
+    setUpThread();
     try {
         renewApiMgrPort();
     } catch (const std::bad_alloc&) {

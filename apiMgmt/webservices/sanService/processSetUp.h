@@ -7,3 +7,8 @@
 /// reads its configuration anew without starting anew. Raises nothing: what fails here is done
 /// later.
 void setUpProcess();
+
+/// Does the same for a thread: what the C++ library and protobuf make with the thread's first
+/// exception and message. The C library ends the process when there is no memory for those, so it
+/// is taken before it is scarce. Costs a look from the second call on.
+void setUpThread();
