@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <string_view>
 
 #include "apiMgmt/common/text/legalXmlText.h"
 #include "apiMgmt/common/text/safeText.h"
@@ -94,16 +95,35 @@ void soap_serializefault(soap* context) {
     env_serializefault(context);
 }
 
+// Drops the name that the client gave the row's namespace, if it is neither.
+bool dropOther(Namespace& row, std::string_view soap11, std::string_view soap12) {
+    if (row.out == nullptr || row.out == soap11 || row.out == soap12) {
+        return false;
+    }
+    std::free(row.out);
+    row.out = nullptr;
+    return true;
+}
+
 // The engine knows SOAP 1.1 and 1.2 of today, and for the other envelopes of the W3C, which were
-// drafts of 1.2, no version: then it would take the body's element for the message.
+// drafts of 1.2, no version: then it would take the body's element for the message, and the reply
+// would repeat the draft's names, of which a part is free. Says whether the envelope is of one.
+bool dropDraft(soap* context) {
+    Namespace* rows = context->local_namespaces;
+    if (rows == nullptr) {
+        return false;
+    }
+    dropOther(rows[1], "http://schemas.xmlsoap.org/soap/encoding/",
+              "http://www.w3.org/2003/05/soap-encoding");
+    return dropOther(rows[0], "http://schemas.xmlsoap.org/soap/envelope/",
+                     "http://www.w3.org/2003/05/soap-envelope");
+}
+
 int env_getheader(soap* context);
 
 int soap_getheader(soap* context) {
     constexpr short kSoap12 = 2;
-    Namespace* envelope = context->local_namespaces;
-    if (context->version == 0 && envelope != nullptr && envelope->out != nullptr) {
-        std::free(envelope->out);  // the draft's name, which the reply would repeat
-        envelope->out = nullptr;
+    if (dropDraft(context)) {
         soap_set_version(context, kSoap12);
     }
     return env_getheader(context);
@@ -121,6 +141,7 @@ void soap_serializeheader(soap* context) {
             return false;  // the schema's usual name does as well
         }
     };
+    dropDraft(context);                            // which was not read as far as the header
     constexpr std::size_t kNamedByTheVersion = 2;  // rows: the envelope, the encoding
     Namespace* row = context->local_namespaces;
     for (row += row != nullptr ? kNamedByTheVersion : 0; row != nullptr && row->id != nullptr;
