@@ -16,7 +16,9 @@
  */
 #pragma once
 
-/* The server's other headers need this one first. */
+/* The server's other headers need httpd.h first, and its own look for offsetof. */
+#include <stddef.h>
+
 #include <httpd.h>
 
 #include <apr_buckets.h>
