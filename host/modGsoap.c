@@ -46,7 +46,7 @@ const apr_array_header_t* soapConfiguredServices(void) {
     return services;
 }
 
-/* That of the section in which the directive stands. */
+/* The service of the section that holds the directive. */
 static struct soapService* findOrAddService(const cmd_parms* cmd) {
     const char* path = cmd->path ? cmd->path : "server";
     for (int i = 0; i < services->nelts; ++i) {
@@ -165,7 +165,7 @@ static void* mergeLocations(apr_pool_t* pool, void* outer, void* inner) {
     return merged;
 }
 
-/* What cannot be told while the configuration is still being read. */
+/* Checks that need the whole configuration. */
 static int checkServices(server_rec* server) {
     for (int i = 0; i < services->nelts; ++i) {
         const struct soapService* service = APR_ARRAY_IDX(services, i, struct soapService*);
@@ -187,7 +187,8 @@ static int loadLibraries(apr_pool_t* pconf, server_rec* server) {
     return checkServices(server);
 }
 
-/* A mere test of the configuration ends before the step that loads, so it loads here. */
+/* The server's own test of a configuration ends before the step that loads plug-ins, so they are
+ * loaded here. */
 static int testConfiguration(apr_pool_t* pconf, apr_pool_t* plog, apr_pool_t* ptemp,
                              server_rec* server) {
     (void)plog;

@@ -40,8 +40,8 @@ extern module AP_MODULE_DECLARE_DATA gsoap_module;
  * square of its size, so the limit protects the processor; LimitRequestBody can lower it. */
 #define SOAP_BODY_LIMIT 131072
 
-/* So many contexts of a plug-in are kept set up in a child process; requests beyond that many at
- * a time set up their own. */
+/* How many contexts of a plug-in a child process keeps ready; when more requests run at a time, the
+ * others set up their own. */
 #define SOAP_READY_CONTEXTS 64
 
 /* A plug-in: owned by the configuration, its table is set when the server has started. */

@@ -9,7 +9,7 @@
 /* A piece that is smaller is copied instead of kept. */
 #define SMALL_PIECE 2048
 
-/* A body may come in so many pieces, and in one more for each so many bytes. */
+/* How many pieces any body may come in; a long one may have one more for each MEAN_PIECE bytes. */
 #define FREE_PIECES 2048
 #define MEAN_PIECE 32
 
@@ -17,8 +17,8 @@ struct bodyReading {
     struct soapBodyScan scan;
     apr_bucket_brigade* body;
     apr_pool_t* pool;
-    apr_bucket* block; /* takes small pieces, */
-    apr_size_t room;   /* which it has so much room for */
+    apr_bucket* block; /* small pieces are copied into it */
+    apr_size_t room;   /* bytes that are left in it */
     apr_off_t length;
     apr_off_t pieces;
     const char* refusal; /* why the body is not what a client sends */
@@ -29,8 +29,8 @@ static apr_off_t bodyLimit(request_rec* r) {
     return configured > 0 && configured < SOAP_BODY_LIMIT ? configured : SOAP_BODY_LIMIT;
 }
 
-/* The body's length as its sender says, so that too long a body is refused unread; 0 when there
- * is no usable word of it, and reading shows. */
+/* The length that Content-Length announces, so that a body that is too long is refused unread. 0
+ * without a usable header: then the length shows while the body is read. */
 static apr_off_t announcedLength(request_rec* r) {
     const char* text = apr_table_get(r->headers_in, "Content-Length");
     apr_off_t length = 0;
@@ -68,8 +68,9 @@ static int copyPiece(struct bodyReading* reading, const char* data, apr_size_t s
     return 1;
 }
 
-/* Appends a piece of the body. Pieces are kept as they came, one whose data is on loan made to own
- * it; but a client chooses how small its pieces are, and small ones are copied together. */
+/* Appends a piece of the body. A large piece is kept without a copy, once its data is its own.
+ * Small ones are copied together, since a client may send single bytes and each kept piece costs a
+ * bucket. */
 static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char* data,
                      apr_size_t size) {
     if (size < SMALL_PIECE) {
@@ -84,8 +85,8 @@ static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char
     return 1;
 }
 
-/* The server spends as much on a chunk of one byte as the engine on a hundred. A small body may
- * come as it likes. */
+/* A chunk of one byte costs the server as much as a hundred bytes cost the engine, so the pieces
+ * are counted. Small bodies are not limited. */
 static int hasTooManyPieces(struct bodyReading* reading) {
     return ++reading->pieces > FREE_PIECES + reading->length / MEAN_PIECE;
 }

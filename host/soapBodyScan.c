@@ -34,7 +34,7 @@ static int isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-/* Every byte beyond ASCII counts as part of a name; whether it may be is the engine's question. */
+/* Every byte beyond ASCII counts as part of a name; the engine decides whether it may be one. */
 static int startsName(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' ||
            (unsigned char)c >= 0x80;
@@ -107,7 +107,7 @@ static int closeElement(struct soapBodyScan* scan) {
 }
 
 static int endEmptyElement(struct soapBodyScan* scan) {
-    /* Its level counts as well, though it is left at once. */
+    /* An empty element counts as a level too, although it ends at once. */
     const int next = openElement(scan);
     return scan->refusal ? next : closeElement(scan);
 }

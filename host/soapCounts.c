@@ -111,8 +111,7 @@ void soapBeginProcess(void) {
     ownPid = getpid();
 }
 
-/* Only what says that it belongs to somebody is written last, so that readers and the next owner
- * never see a free place with another's times. */
+/* The owner is written last, so that nobody sees a free place with another call's times. */
 static void leavePlace(struct soapPlace* place) {
     put(&place->began, 0);
     put(&place->asked, 0);
@@ -135,7 +134,7 @@ static uint32_t countPlaces(unsigned limit) {
     return limit > 0 && limit < all->places ? limit : all->places;
 }
 
-/* The first free place from the usual one on; `end` when there is none. */
+/* The first free place, looking from the usual one on; `end` when there is none. */
 static uint32_t findFree(const struct soapServiceCounts* counts, uint32_t end) {
     uint32_t at = usualPlace < end ? usualPlace : usualPlace % end;
     for (uint32_t looked = 0; looked < end; ++looked) {

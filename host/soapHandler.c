@@ -11,8 +11,8 @@
 #define SOAP_12_TYPE "application/soap+xml"
 #define UTF_8 "; charset=utf-8"
 
-/* What a client is told that finds all places taken: a call takes milliseconds while the array
- * answers. */
+/* What a client is told when all places are taken. A call takes milliseconds while the array
+ * answers, so a second is enough. */
 #define SECONDS_TO_RETRY "1"
 
 static void countRefusal(request_rec* r, enum SoapRefusal why) {
@@ -156,7 +156,8 @@ static int passesBody(request_rec* r, apr_bucket_brigade* body, int* status) {
     return 0;
 }
 
-/* The same words for a client that comes when all places are taken, whenever that is noticed. */
+/* All places are taken. The client gets the same words whether that is noticed before its body is
+ * read or after. */
 static int refuseBusy(request_rec* r) {
     apr_table_setn(r->headers_out, "Retry-After", SECONDS_TO_RETRY);
     return refuse(r, HTTP_SERVICE_UNAVAILABLE, kSoapBusy,
@@ -184,8 +185,8 @@ static int servePost(request_rec* r, const struct soapLocation* location) {
     struct soapCall call;
     int status;
     int isSoap12 = 0;
-    /* At once, where it can be told already; a place is taken for a body that is there, so that
-     * slow clients take none. */
+    /* When the service is full already, the client is told at once. A place is taken only after the
+     * body was read, so that slow clients take none. */
     if (soapIsFull(counts, limit)) {
         return refuseBusy(r);
     }

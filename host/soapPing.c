@@ -35,7 +35,8 @@ static void freePing(struct ping* ping) {
     apr_pool_destroy(ping->pool);
 }
 
-/* Of the request the plug-in sees the two addresses and what the error log needs. */
+/* The request that the plug-in sees holds the two addresses and what the error log needs, no
+ * more. */
 static struct ping* makePing(request_rec* r, struct soapService* service) {
     apr_pool_t* pool;
     if (apr_pool_create_unmanaged_ex(&pool, NULL, NULL) != APR_SUCCESS) {

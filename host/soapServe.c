@@ -41,8 +41,8 @@ static const char kNoAnswer[] =
     "<faultstring>The service failed to answer</faultstring>"
     "</SOAP-ENV:Fault></SOAP-ENV:Body></SOAP-ENV:Envelope>";
 
-/* The one that a hook serves; null for a plug-in that comes at another time. A plug-in that serves
- * with the context itself leaves it changed; most use a copy. */
+/* The context that a hook works for; null when no request is being served. Most plug-ins serve with
+ * a copy of it; one that uses the context itself leaves it changed, which is noted. */
 static struct readyContext* noteUse(const struct soap* context) {
     if (current && context == &current->context) {
         current->spoilt = 1;

@@ -9,10 +9,12 @@
 
 #define NANOSECONDS 1e9
 
-/* A call that waits for the array so long, where milliseconds are usual, says that it is silent. */
+/* A call usually waits for milliseconds. One that has waited this long shows that the array is
+ * silent. */
 #define SILENT_SECONDS 10.0
-/* So long a call without an answer counts against the array. After that only another one shows
- * how it is: a server that nobody asks must not stay out of service for ever. */
+/* For this long a call that got no answer counts against the array. After that the array counts as
+ * healthy again until another call fails: a server that gets no calls must not stay out of service
+ * for ever. */
 #define FAILED_SECONDS 30.0
 
 static uint64_t get(const uint64_t* count) {

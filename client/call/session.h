@@ -61,7 +61,7 @@ private:
     SOAP_ENV__Header m_header;
     double m_began = 0;
     CallFacts m_facts;
-    // The engine's own, for which those above stand.
+    // The engine's own functions, which the ones above hand on to.
     decltype(soap::fsend) m_send = nullptr;
     decltype(soap::frecv) m_receive = nullptr;
     decltype(soap::fposthdr) m_writeHeader = nullptr;

@@ -5,13 +5,13 @@
 
 namespace client {
 
-/// The wish that work ends early, from one thread to others.
+/// Lets one thread ask others to end their work early.
 class Stop {
 public:
     void request();
     bool isRequested() const;
 
-    /// Waits so long, or until the end is wished for; then it gives false.
+    /// Waits for that long and gives true; gives false as soon as the end is asked for.
     bool pause(double seconds) const;
 
 private:

@@ -16,7 +16,7 @@ struct CommandLine {
 /// Declares the shared options. `line` must live until the command line was parsed.
 void declareSharedOptions(CLI::App& app, CommandLine& line);
 
-/// Fits the shared options together. Raises std::invalid_argument with what is wrong.
+/// Checks that the shared options fit together. Raises std::invalid_argument with what is wrong.
 void checkSharedOptions(const CommandLine& line);
 
 }  // namespace client

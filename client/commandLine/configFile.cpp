@@ -38,7 +38,7 @@ std::string defaultPath() {
     return home == nullptr ? "" : std::string(home) + "/.config/sanctl.ini";
 }
 
-// What stands in one section ends with an item that only says so.
+// The parser ends each section with an item that only marks the end.
 bool isSectionEnd(const CLI::ConfigItem& item) {
     return item.name == "--" || item.name == "++";
 }
@@ -75,7 +75,7 @@ std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const 
             (isOfTarget ? ofTarget : ofAll).push_back(std::move(item));
         }
     }
-    // The parser keeps the first of a kind.
+    // The parser keeps the first value of a setting, so the stronger one comes first.
     ofTarget.insert(ofTarget.end(), ofAll.begin(), ofAll.end());
     return ofTarget;
 }

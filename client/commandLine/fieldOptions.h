@@ -30,8 +30,8 @@ public:
     void secret(const char* name, const char* variable, std::string& member, const char* help);
     void optionalSecret(const char* name, const char* variable, std::string*& member,
                         const char* help);
-    /// Repeatable; each gives one item. The service passes on what is an IPv4 address; it keeps
-    /// those of addressesNotPassedOn to itself.
+    /// Repeatable; each gives one item. The service passes on IPv4 addresses only; those of
+    /// addressesNotPassedOn never reach the array.
     void addresses(const char* name, std::vector<SanApi::ns1__IpAddressPort*>& member,
                    const char* help);
     void addressesNotPassedOn(const char* name, std::vector<SanApi::ns1__IpAddressPort*>& member,

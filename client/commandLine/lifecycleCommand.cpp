@@ -33,7 +33,7 @@ constexpr const char* kDetails =
     "own. Ctrl-C ends it after the calls under way, twice at once; what is left on the array\n"
     "then, or after a call without an answer, is named.";
 
-// So that runs beside each other do not meet.
+// So that runs at the same time use different names.
 std::string randomText() {
     std::random_device source;
     std::ostringstream text;

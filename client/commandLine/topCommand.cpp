@@ -92,7 +92,7 @@ ServiceOptions TopCommand::statusOptions(const CommandLine& line) const {
 
 void TopCommand::show(const CommandLine& line, bool isScreen, const Json& activity) const {
     if (line.form == Form::Machine) {
-        // A document a line, as long as there is no end to them.
+        // One JSON document on each line, without end.
         m_once ? printJson(activity)
                : void(std::cout << activity.dump(-1, ' ', false, Json::error_handler_t::replace)
                                 << std::endl);

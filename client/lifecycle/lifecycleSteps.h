@@ -14,7 +14,7 @@ struct Subject {
     std::string volume;
 };
 
-/// For each of which a step is called once.
+/// What a step is repeated for: it is called once for each of them.
 enum class Per { Cluster, Server, Volume, ServerAndVolume };
 
 /// One step of a cluster's life.

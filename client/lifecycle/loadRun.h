@@ -32,7 +32,7 @@ struct LoadPlan {
     std::function<void(const LifecycleCall&)> onCall;
     /// Told each second, and at the end. Called by the thread that runs the load.
     std::function<void(const LoadProgress&)> onSecond;
-    /// Told of the first signal, once no further call is begun for the lives' sake.
+    /// Called after the first signal, when no life begins a further call.
     std::function<void()> onSignal;
 };
 

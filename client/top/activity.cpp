@@ -31,7 +31,7 @@ constexpr std::array kOutcomeColumns = {
 constexpr int kNameWidth = 25;
 constexpr int kColumnWidth = 9;
 
-// What was counted in between; all of it when the count began anew.
+// What was counted between two looks; the whole count when it began anew.
 template <class Key>
 std::map<Key, double> growth(const std::map<Key, double>& before,
                              const std::map<Key, double>& now) {

@@ -8,7 +8,8 @@ namespace client {
 
 namespace {
 
-// Takes the text up to `end` off, which goes, too; all of it when there is none.
+// Removes the text up to and with `end` and gives it, without `end`; all of it when there is no
+// `end`.
 std::string_view takeUntil(std::string_view& text, char end) {
     const std::size_t at = text.find(end);
     const std::string_view taken = text.substr(0, at);
@@ -16,7 +17,7 @@ std::string_view takeUntil(std::string_view& text, char end) {
     return taken;
 }
 
-// A label's value behind its first quote; takes the last one off, too.
+// Reads a label's value, from behind its first quote; the last quote is removed too.
 std::string takeQuoted(std::string_view& text) {
     std::string value;
     while (!text.empty() && text.front() != '"') {

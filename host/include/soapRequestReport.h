@@ -41,6 +41,6 @@ struct soapRequestReport {
      */
     void (*ended)(enum SoapReportedEnd end);
 
-    /* So many lines could not be written to the system log. */
+    /* This many more lines could not be written to the system log. */
     void (*lostLogLines)(uint32_t count);
 };

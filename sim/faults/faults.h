@@ -62,7 +62,7 @@ const FaultKind* findFault(std::string_view name);
 FaultRule ruleFromJson(const JsonNode& json);
 Json toJson(const FaultRule& rule);
 
-/// Puts the cluster that calls where the rule's error and document say "{hccId}".
+/// Replaces "{hccId}" in the rule's error and document by the id of the cluster that calls.
 void nameCaller(FaultRule& rule, const std::string& hccId);
 
 /// The faults that wait for their calls.

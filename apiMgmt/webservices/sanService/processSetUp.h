@@ -1,11 +1,11 @@
 #pragma once
 
-/// Does ahead what else the first request of a process would do: the secure transport library that
-/// the engine starts, which alone takes as long as fifty requests; the look-up of the API manager's
-/// port; the lists and parsers that are made on first use. Called in the server's parent process,
-/// so that its children have it all from their start. Each call renews the port, since a server
-/// reads its configuration anew without starting anew. Raises nothing: what fails here is done
-/// later.
+/// Does early what the first request of a process would otherwise do: starts the secure transport
+/// library of the engine, which alone takes as long as fifty requests; looks up the API manager's
+/// port; makes the lists and parsers that are made on first use. Called in the server's parent
+/// process, so that its children have it all from their start. Each call renews the port, since a
+/// server reads its configuration anew without starting anew. Raises nothing: what fails here is
+/// done later.
 void setUpProcess();
 
 /// Does the same for a thread: what the C++ library and protobuf make with the thread's first

@@ -45,7 +45,7 @@ SANService::SANService(const soap& context, const std::string& apiMgrAddress, co
                                             : context.fpoll),
       m_apiMgrAddress(apiMgrAddress),
       m_apiMgrPort(apiMgrPort) {
-    // Where memory ended the copy is a context of its own, which reads standard input and writes
+    // When memory ran out, the copy is a bare context, which would read standard input and write
     // standard output.
     if (state != SOAP_COPY) {
         throw std::bad_alloc();
@@ -92,8 +92,8 @@ size_t SANService::ReceiveChecked(soap* context, char* target, size_t room) {
 }
 
 int SANService::PollForFault(soap* context) {
-    // The engine takes its room for labels for granted when it writes a fault, also after it failed
-    // to get it and noted its size all the same.
+    // When the engine writes a fault it relies on its buffer for labels. It does so even after it
+    // failed to allocate that buffer, because it noted the size all the same.
     if (context->labbuf == nullptr) {
         context->lablen = 0;
         context->labidx = 0;

@@ -142,7 +142,7 @@ private:
     int (*m_poll)(soap*);
     RequestScan m_scan;
     bool m_dispatching = false;  // operations are called for a request, and not by a program
-    // What the module wants to know about the request; null in a module that does not ask.
+    // Where the module is told about the request; null in a module that does not want to know.
     const soapRequestReport* m_report = nullptr;
     APIHccReqHeader m_header;
     std::string m_apiMgrAddress;

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Tells the module, where it wants to know, that the array is being asked.
+// While it lives, a module that wants to know sees that the array is being asked.
 class ArrayCall {
 public:
     ArrayCall(const soapRequestReport* report, const std::string& cluster) : m_report(report) {
@@ -42,7 +42,8 @@ void reportEnd(const soapRequestReport* report, SoapReportedEnd end) {
 
 }  // namespace
 
-// The log counts for the process: each line is told once, by whichever request comes by next.
+// The logger counts for the whole process. Whichever request comes next reports the lines lost so
+// far, each of them once.
 void SANService::ReportLostLines() {
     static std::atomic<std::uint64_t> told{0};
     const std::uint64_t lost = SimpleLogger::lostLines();

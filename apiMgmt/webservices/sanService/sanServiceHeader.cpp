@@ -53,7 +53,8 @@ void SANService::LogEscaped(const char* reason) noexcept {
 
 int SANService::DispatchChecked() {
     m_dispatching = true;
-    // Failure is no matter here: without an element there is no tag, and what follows says so.
+    // The result is not looked at: without an element there is no tag, and what follows reports
+    // that.
     (void)soap_peek_element(this);
     if (version == 0) {
         soap_set_version(this, kSoap11);  // where there is no envelope, or one of no version

@@ -33,8 +33,8 @@ ns1__HccApiHeader** soap_in_ns1__HccApiHeaderPointer(soap* context, const char* 
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
-// The engine fills in a fault without a look whether it got the memory for it. Where it got none,
-// the fault is one that the thread has for that; it owns nothing.
+// The engine fills in a fault without checking that it got memory for it. When it got none, it is
+// given a fault that each thread keeps for this case and that owns nothing.
 void env_fault(soap* context);
 const char** env_faultcode(soap* context);
 const char** env_faultsubcode(soap* context);

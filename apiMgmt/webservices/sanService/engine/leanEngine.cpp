@@ -6,8 +6,8 @@
 // the walks are half of what a small request costs. These functions walk only when something was
 // entered, and the beginning of a message, which would walk by itself, is read here when it is
 // plain XML, and else left to the engine. A copy of a context is made without the tables and
-// buffers, which are two thirds of it and say nothing. And a character that means no more than
-// itself is read without a long way round.
+// buffers, which are two thirds of it and say nothing. And a character without special meaning is
+// read directly.
 //
 // leanEngine.py puts them in place of the engine's own, keeps the engine's under the names below,
 // and stops the build for an engine that it does not know.
@@ -39,7 +39,7 @@ namespace {
 std::atomic<bool> anyEntered{false};
 
 bool hasNoEntries(const soap& context) {
-    // What is entered for writing lives in blocks that hang on pblk.
+    // What is entered for writing is kept in blocks, of which pblk is the first.
     return !anyEntered.load(std::memory_order_relaxed) && context.pblk == nullptr;
 }
 
@@ -82,8 +82,8 @@ bool copyPlugins(soap& copy, const soap& original) {
     return true;
 }
 
-/// Copies all but the tables, which are empty in a copy, and what no reader has left in the
-/// buffer.
+/// Copies all but the tables, which are empty in a copy, and the part of the buffer that holds
+/// nothing unread.
 void copyContent(soap& copy, const soap& original) {
     const auto copyBetween = [&](size_t begin, size_t end) {
         std::memcpy(reinterpret_cast<char*>(&copy) + begin,
@@ -132,7 +132,7 @@ void disown(soap& copy) {
 
 }  // namespace
 
-// Like the engine's own it leaves a context that does nothing where memory ends.
+// Like the engine's own function: when memory runs out, the copy does nothing.
 soap::soap(const struct soap& original) {  // NOLINT(cppcoreguidelines-pro-type-member-init)
     state = SOAP_NONE;
     if (original.state != SOAP_INIT && original.state != SOAP_COPY) {
@@ -196,7 +196,8 @@ size_t receiveAgain(soap* context, char* /*buffer*/, size_t /*room*/) {
     return replay.size;
 }
 
-/// Whether nothing but XML is expected, from a reader that hands on what it is given.
+/// Whether only XML is expected, without HTTP headers or packing that the engine would have to take
+/// off.
 bool expectsPlainXml(const soap& context) {
     constexpr soap_mode kOthers =
         SOAP_IO_KEEPALIVE | SOAP_ENC_PLAIN | SOAP_ENC_DIME | SOAP_ENC_MIME | SOAP_ENC_ZLIB;
