@@ -173,7 +173,7 @@ class CommandTest(unittest.TestCase):
             "and HostCacheId = hcc&hy&2-": ["c-2"],
             "or Name eq C&hy&1-Name = c&hy&3-": ["c-1", "c-3"],
             "and Index > 1-Index <= 2-": ["c-2"],
-            "and Name iqs c-Index lt 10-": ["c-1", "c-2", "c-3"],
+            "and Name iqs C-Index lt 10-": ["c-1", "c-2", "c-3"],
             "and Name iqin &hy&3": ["c-3"],
             "and Name = nothing-": [],
             "and NoSuchAttribute = 1-": [],
