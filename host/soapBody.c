@@ -9,7 +9,9 @@
 /* A piece that is smaller is copied instead of kept. */
 #define SMALL_PIECE 2048
 
-/* How many pieces any body may come in; a long one may have one more for each MEAN_PIECE bytes. */
+/* How many pieces any body may come in; a long one may have one more for each MEAN_PIECE bytes. A
+ * client chooses its chunks, but not what of a body with a length arrives at a time. */
+#define FREE_CHUNKS 1024
 #define FREE_PIECES 2048
 #define MEAN_PIECE 32
 
@@ -21,6 +23,7 @@ struct bodyReading {
     apr_size_t room;   /* bytes that are left in it */
     apr_off_t length;
     apr_off_t pieces;
+    apr_off_t freePieces;
     const char* refusal; /* why the body is not what a client sends */
 };
 
@@ -88,7 +91,7 @@ static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char
 /* A chunk of one byte costs the server as much as a hundred bytes cost the engine, so the pieces
  * are counted. Small bodies are not limited. */
 static int hasTooManyPieces(struct bodyReading* reading) {
-    return ++reading->pieces > FREE_PIECES + reading->length / MEAN_PIECE;
+    return ++reading->pieces > reading->freePieces + reading->length / MEAN_PIECE;
 }
 
 /* Takes what was read into the body. OK, DONE at its end, or an HTTP status. */
@@ -128,6 +131,8 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal)
     reading.pool = r->pool;
     reading.room = 0;
     reading.length = reading.pieces = 0;
+    reading.freePieces =
+        apr_table_get(r->headers_in, "Transfer-Encoding") ? FREE_CHUNKS : FREE_PIECES;
     reading.refusal = NULL;
     if (announcedLength(r) > limit) {
         return HTTP_REQUEST_ENTITY_TOO_LARGE;

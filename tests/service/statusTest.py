@@ -72,7 +72,8 @@ class MaxCallsTest(unittest.TestCase):
                     refused = server.post(PING)
                     self.assertEqual((refused.status, refused.headers["Retry-After"]), (503, "1"))
                     self.assertEqual(server.request("GET", "/page").text, "static")
-                    self.assertEqual(server.request("GET", PATH + "?wsdl").status, 200)
+                    for path in PATH + "?wsdl", "/san-status", "/san-status/metrics":
+                        self.assertEqual(server.request("GET", path).status, 200)
                     # Refused on the word of its header, before the body comes.
                     self.assertIn(b" 503 ", server.send_raw(
                         b"POST %s HTTP/1.1\r\nHost: a\r\nContent-Length: 999\r\n\r\n"
