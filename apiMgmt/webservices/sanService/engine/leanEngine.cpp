@@ -1,4 +1,4 @@
-// Six functions of the engine, written anew for a service whose messages hold no references.
+// Eleven functions of the engine, written anew for a service whose messages hold no references.
 //
 // The engine keeps two tables for references between elements, one for reading and one for
 // writing. It empties both up to six times for each message, by a walk over all their places, and
@@ -6,8 +6,9 @@
 // the walks are half of what a small request costs. These functions walk only when something was
 // entered, and the beginning of a message, which would walk by itself, is read here when it is
 // plain XML, and else left to the engine. A copy of a context is made without the tables and
-// buffers, which are two thirds of it and say nothing. And a character without special meaning is
-// read directly.
+// buffers, which are two thirds of it and say nothing. And tags, texts and characters without
+// special meaning are read directly from the buffer; all others are left to the engine, from where
+// they begin.
 //
 // leanEngine.py puts them in place of the engine's own, keeps the engine's under the names below,
 // and stops the build for an engine that it does not know.
@@ -15,11 +16,13 @@
 // They use no more than what the engine's public header declares.
 #include <stdsoap2.h>
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
 extern "C" {
 // The engine's own.
@@ -27,6 +30,11 @@ int engineResolve(soap* context);
 void engineFreeTemp(soap* context);
 int engineBeginReceive(soap* context);
 soap_wchar engineGet(soap* context);
+int enginePeekElement(soap* context);
+int engineEndElement(soap* context, const char* tag);
+int engineMatchTag(soap* context, const char* tag, const char* wanted);
+char* engineStringIn(soap* context, int flag, long least, long most, const char* pattern);
+const char* engineValue(soap* context);
 soap_ilist* engineEnter(soap* context, const char* id, int type, size_t size);
 // In the engine's library, and in its header only for those who ask for cookies.
 soap_cookie* soap_copy_cookies(soap* copy, const soap* original);
@@ -273,4 +281,292 @@ soap_wchar soap_get(soap* context) {
         }
     }
     return engineGet(context);
+}
+
+namespace {
+
+/// What a byte is to the reader of plain XML.
+enum ByteKind : unsigned char {
+    kOdd,    // not plain: a control character, a quote, & and what is not ASCII
+    kName,   // may be part of a name
+    kOther,  // may be part of a text or value
+    kBlank,
+    kMark,  // < > / =
+};
+
+constexpr auto kKinds = [] {
+    std::array<ByteKind, 256> kinds{};
+    for (unsigned byte = ' ' + 1; byte < 0x7F; ++byte) {
+        const bool letter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+        const bool name = letter || (byte >= '0' && byte <= '9') || byte == '_' || byte == ':' ||
+                          byte == '-' || byte == '.';
+        kinds[byte] = name ? kName : kOther;
+    }
+    for (const char odd : {'"', '\'', '&'}) {
+        kinds[static_cast<unsigned char>(odd)] = kOdd;
+    }
+    for (const char mark : {'<', '>', '/', '='}) {
+        kinds[static_cast<unsigned char>(mark)] = kMark;
+    }
+    for (const char blank : {' ', '\t', '\r', '\n'}) {
+        kinds[static_cast<unsigned char>(blank)] = kBlank;
+    }
+    return kinds;
+}();
+
+/// Looks over the bytes that the engine has in its buffer; never at one beyond them.
+class Lookout {
+public:
+    explicit Lookout(const soap& context)
+        : m_at(context.buf + context.bufidx), m_end(context.buf + context.buflen), m_from(m_at) {}
+
+    const char* At() const { return m_at; }
+    size_t Passed() const { return static_cast<size_t>(m_at - m_from); }
+    bool IsAt(char wanted) const { return m_at < m_end && *m_at == wanted; }
+    ByteKind Kind() const {
+        return m_at < m_end ? kKinds[static_cast<unsigned char>(*m_at)] : kOdd;
+    }
+    bool Take(char wanted) {
+        const bool taken = IsAt(wanted);
+        m_at += taken ? 1 : 0;
+        return taken;
+    }
+    void Pass(ByteKind kind) {
+        while (Kind() == kind) {
+            ++m_at;
+        }
+    }
+    /// Passes over a text's bytes; whether one of them was blank.
+    bool PassText() {
+        bool blank = false;
+        for (ByteKind kind = Kind();
+             kind != kOdd && (kind != kMark || *m_at == '/' || *m_at == '='); kind = Kind()) {
+            blank |= kind == kBlank;
+            ++m_at;
+        }
+        return blank;
+    }
+
+private:
+    const char* m_at;
+    const char* m_end;
+    const char* m_from;
+};
+
+/// Whether the next thing to read is what the buffer says, in a mode that has no more to do with
+/// it than to read it.
+bool readsBuffer(const soap& context) {
+    constexpr soap_mode kOthers = SOAP_XML_DOM | SOAP_XML_GRAPH | SOAP_XML_STRICT |
+                                  SOAP_XML_IGNORENS | SOAP_ENC_MTOM | SOAP_ENC_DIME |
+                                  SOAP_C_MBSTRING;
+    return context.cdata == 0 && (context.mode & kOthers) == 0;
+}
+
+void forgetElement(soap& context) {
+    context.peeked = 1;
+    context.id[0] = context.href[0] = context.type[0] = '\0';
+    context.arrayType[0] = context.arraySize[0] = context.arrayOffset[0] = '\0';
+    context.other = 0;
+    context.root = -1;
+    context.position = 0;
+    context.null = 0;
+    context.mustUnderstand = 0;
+}
+
+bool copyText(char* target, size_t room, const char* begin, const char* end) {
+    const auto size = static_cast<size_t>(end - begin);
+    if (size >= room) {
+        return false;
+    }
+    std::memcpy(target, begin, size);
+    target[size] = '\0';
+    return true;
+}
+
+bool hasDefaultNamespace(const soap& context) {
+    const struct soap_nlist* next = context.nlist;
+    while (next != nullptr && next->id[0] != '\0') {
+        next = next->next;
+    }
+    return next != nullptr;
+}
+
+/// The attribute of that name, which the engine keeps from element to element. Null for one that
+/// it has not met, or that may mean something to itself.
+struct soap_attribute* knownAttribute(const soap& context, const char* name, const char* end) {
+    const auto size = static_cast<size_t>(end - name);
+    struct soap_attribute* next = context.attributes;
+    while (next != nullptr &&
+           (next->name[0] != *name || std::strncmp(next->name, name, size) != 0 ||
+            next->name[size] != 0)) {
+        next = next->next;
+    }
+    const auto is = [&](std::string_view other) { return std::string_view(name, size) == other; };
+    const bool mayMean = std::memchr(name, ':', size) != nullptr || is("id") || is("href") ||
+                         is("ref") || is("xmlns");
+    return mayMean ? nullptr : next;
+}
+
+/// One attribute of a tag, of those that have no meaning but to the service.
+bool readAttribute(soap& context, Lookout& next) {
+    const char* const name = next.At();
+    next.Pass(kName);
+    struct soap_attribute* const attribute = knownAttribute(context, name, next.At());
+    if (attribute == nullptr || attribute->visible != 0 || attribute->value == nullptr ||
+        !next.Take('=')) {
+        return false;
+    }
+    const char quote = next.IsAt('"') ? '"' : '\'';
+    if (!next.Take(quote)) {
+        return false;
+    }
+    const char* const value = next.At();
+    next.PassText();
+    attribute->visible = 2;  // it has a value
+    return copyText(attribute->value, attribute->size, value, next.At()) && next.Take(quote);
+}
+
+/// Reads what stands in the buffer up to the end of a tag, if all of it is plain. Nothing that it
+/// writes before matters to the engine's own reading.
+bool readTag(soap& context) {
+    Lookout next(context);
+    next.Pass(kBlank);
+    if (!next.Take('<')) {
+        return false;
+    }
+    forgetElement(context);
+    if (next.IsAt('/')) {  // of the element around; left where it is
+        context.tag[0] = '\0';
+        context.error = SOAP_NO_TAG;
+        return true;
+    }
+    const char* const name = next.At();
+    next.Pass(kName);
+    if (next.At() == name || !copyText(context.tag, sizeof(context.tag), name, next.At())) {
+        return false;
+    }
+    soap_pop_namespace(&context);
+    for (struct soap_attribute* each = context.attributes; each != nullptr; each = each->next) {
+        each->visible = 0;
+    }
+    const bool mayHaveAttributes = next.Kind() == kBlank && !hasDefaultNamespace(context);
+    next.Pass(kBlank);
+    while (mayHaveAttributes && next.Kind() == kName) {
+        if (!readAttribute(context, next)) {
+            return false;
+        }
+        next.Pass(kBlank);
+    }
+    const bool isEmpty = next.Take('/');
+    if (!next.Take('>')) {
+        return false;
+    }
+    context.body = isEmpty ? 0 : 1;
+    context.bufidx += next.Passed();
+    context.error = SOAP_OK;
+    return true;
+}
+
+}  // namespace
+
+/// Reads the tag of the next element, which stays the next until it is taken.
+int soap_peek_element(soap* context) {
+    if (context->peeked == 0 && context->ahead == 0 && context->feltbegin == nullptr &&
+        readsBuffer(*context)) {
+        if (readTag(*context)) {
+            return context->error;
+        }
+        context->peeked = 0;
+    }
+    return enginePeekElement(context);
+}
+
+/// Reads the end of an element. Unknown elements before it are the engine's to pass over.
+int soap_element_end_in(soap* context, const char* tag) {
+    const bool nothingPeeked = context->peeked == 0 || context->tag[0] == '\0';
+    if (!nothingPeeked || (tag != nullptr && *tag == '-') || context->feltendin != nullptr ||
+        context->ahead != 0 || !readsBuffer(*context)) {
+        return engineEndElement(context, tag);
+    }
+    Lookout next(*context);
+    next.Pass(kBlank);
+    const bool isEnd = next.Take('<') && next.Take('/');
+    const char* const name = next.At();
+    next.Pass(kName);
+    const char* const end = next.At();
+    next.Pass(kBlank);
+    if (!isEnd || !next.Take('>') || !copyText(context->tag, sizeof(context->tag), name, end)) {
+        return engineEndElement(context, tag);
+    }
+    if (context->error == SOAP_NO_TAG) {
+        context->error = SOAP_OK;
+    }
+    context->bufidx += next.Passed();
+    context->peeked = 0;
+    --context->level;
+    return SOAP_OK;
+}
+
+/// Reads the text of an element, into memory that the context owns.
+char* soap_string_in(soap* context, int flag, long least, long most, const char* pattern) {
+    constexpr int kNormalized = 4;  // and above: blanks are replaced
+    if ((flag != 1 && flag < kNormalized) || pattern != nullptr || context->ahead != 0 ||
+        !readsBuffer(*context)) {
+        return engineStringIn(context, flag, least, most, pattern);
+    }
+    Lookout next(*context);
+    const char* const begin = next.At();
+    const bool blank = next.PassText();
+    const size_t size = next.Passed();
+    const long limit = most < 0 && context->maxlength > 0 ? context->maxlength : most;
+    if ((blank && flag != 1) || !next.Take('<') || !next.IsAt('/') ||
+        static_cast<long>(size) < least || (limit >= 0 && static_cast<long>(size) > limit)) {
+        return engineStringIn(context, flag, least, most, pattern);
+    }
+    auto* const text = static_cast<char*>(soap_malloc(context, size + 1));
+    if (text != nullptr) {
+        copyText(text, size + 1, begin, begin + size);
+        context->bufidx += size;
+    }
+    return text;
+}
+
+/// Reads a short text into the context's room for one, without the blanks around it.
+const char* soap_value(soap* context) {
+    if (context->body == 0 || context->ahead != 0 || !readsBuffer(*context)) {
+        return engineValue(context);
+    }
+    Lookout next(*context);
+    next.Pass(kBlank);
+    const char* const begin = next.At();
+    next.PassText();
+    const char* end = next.At();
+    while (end != begin && kKinds[static_cast<unsigned char>(end[-1])] == kBlank) {
+        --end;
+    }
+    const size_t size = next.Passed();
+    if (!next.Take('<') || !next.IsAt('/') ||
+        !copyText(context->tmpbuf, sizeof(context->tmpbuf), begin, end)) {
+        return engineValue(context);
+    }
+    context->bufidx += size;
+    return context->tmpbuf;
+}
+
+/// Whether a tag is the one that is wanted; most have no prefix, and then are equal or not.
+int soap_match_tag(soap* context, const char* tag, const char* wanted) {
+    if (tag == nullptr || wanted == nullptr || *wanted == '\0' ||
+        (context->mode & (SOAP_XML_IGNORENS | SOAP_XML_STRICT)) != 0) {
+        return engineMatchTag(context, tag, wanted);
+    }
+    size_t i = 0;
+    while (tag[i] == wanted[i] && tag[i] != '\0' && tag[i] != ':') {
+        ++i;
+    }
+    if (tag[i] == '\0' && wanted[i] == '\0') {
+        return SOAP_OK;
+    }
+    // One that is wanted without a prefix has none.
+    return std::strchr(wanted + i, ':') != nullptr ? engineMatchTag(context, tag, wanted)
+                                                   : SOAP_TAG_MISMATCH;
 }

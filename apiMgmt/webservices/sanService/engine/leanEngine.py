@@ -24,6 +24,11 @@ REPLACED = [
     ("soap_begin_recv", "engineBeginReceive"),
     ("soap_enter", "engineEnter"),
     ("soap_get", "engineGet"),
+    ("soap_peek_element", "enginePeekElement"),
+    ("soap_element_end_in", "engineEndElement"),
+    ("soap_match_tag", "engineMatchTag"),
+    ("soap_string_in", "engineStringIn"),
+    ("soap_value", "engineValue"),
     ("_ZN4soapC1ERKS_", None),  # the copy constructor, under its two names
     ("_ZN4soapC2ERKS_", None),
 ]
