@@ -2,6 +2,9 @@
 
 #include <optional>
 
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiIpv4AddressPort.h"
+#include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneInterfaceInformation.h"
+
 namespace {
 
 // The text of whichever kind of address the entry carries; null when it carries none. The kind
@@ -38,41 +41,41 @@ std::optional<FrontEndTransportTypeEnum> transportOf(SanApi::ns1__InterfaceType 
 
 }  // namespace
 
-RequestRecords<APIIpv4AddressPort> buildAddressRecords(
-    const std::vector<SanApi::ns1__IpAddressPort*>& entries, const ServiceLog::FixedEntry& skipped,
-    MissingAddress missing) {
-    RequestRecords<APIIpv4AddressPort> records(entries.size());
+std::string addressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
+                           const ServiceLog::FixedEntry& skipped, MissingAddress missing) {
+    std::string text;
+    APIIpv4AddressPort record;  // one for all: each entry sets all of it
     for (const SanApi::ns1__IpAddressPort* entry : entries) {
         if (entry == nullptr || (entry->ipAddress == nullptr && missing == MissingAddress::Warn)) {
             ServiceLog::Write(skipped);
             continue;
         }
-        const std::string* text =
+        const std::string* address =
             entry->ipAddress != nullptr ? addressText(*entry->ipAddress) : nullptr;
-        if (text == nullptr || text->empty()) {
+        if (address == nullptr || address->empty()) {
             continue;
         }
-        APIIpv4AddressPort& record = records.Add();
-        record.SetIpv4Address(*text);
+        record.SetIpv4Address(*address);
         record.SetPort(entry->port);
+        record.AppendXMLString(text, true);
     }
-    return records;
+    return text;
 }
 
-RequestRecords<APINorvaneInterfaceInformation> buildInterfaceRecords(
-    const std::vector<SanApi::ns1__interfaceObject*>& entries) {
-    RequestRecords<APINorvaneInterfaceInformation> records(entries.size());
+std::string interfaceRecords(const std::vector<SanApi::ns1__interfaceObject*>& entries) {
+    std::string text;
     for (const SanApi::ns1__interfaceObject* entry : entries) {
         if (entry == nullptr) {
             continue;
         }
-        APINorvaneInterfaceInformation& record = records.Add();
+        APINorvaneInterfaceInformation record;
         if (entry->intfType != nullptr) {
             if (const auto transport = transportOf(*entry->intfType)) {
                 record.SetInterfaceType(*transport);
             }
         }
         record.SetInterfaceId(entry->intfId);
+        record.AppendXMLString(text, true);
     }
-    return records;
+    return text;
 }

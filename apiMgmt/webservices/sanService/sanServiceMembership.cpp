@@ -1,10 +1,21 @@
 // How clusters join and leave the array and keep their membership current. The array that a
 // request names (sanId) is this one, so it is not passed on.
 
+#include <utility>
+
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiTarnHostCache.h"
 #include "apiMgmt/common/utils/secretText.h"
 #include "apiMgmt/webservices/sanService/requestRecords.h"
 #include "apiMgmt/webservices/sanService/sanService.h"
+
+namespace {
+
+// What a method's own setter for a list does with records, for the text that they became.
+void setRecords(BASEApiMethod& method, const BASEApiAttribute& list, std::string text) {
+    method.PutStringDirect(list.GetXmlName(), std::move(text));
+}
+
+}  // namespace
 
 int SANService::Ping(SanApi::ns1__Ping* request, SanApi::ns1__PingResponse* response) {
     // Clients send a call without arguments as nil.
@@ -22,9 +33,9 @@ int SANService::AddHccToSan(SanApi::ns1__AddHccToSan* request,
                             SanApi::ns1__AddHccToSanResponse* response) {
     return ServeOperation(ServiceLog::kAddHcc, request, response, [&] {
         const SecretScope keyCleared(request->hccKey);
-        const RequestRecords addresses = buildAddressRecords(
-            request->cfmIpAddresses, ServiceLog::kAddHccSkip, MissingAddress::Warn);
-        if (addresses.IsEmpty()) {
+        std::string addresses =
+            addressRecords(request->cfmIpAddresses, ServiceLog::kAddHccSkip, MissingAddress::Warn);
+        if (addresses.empty()) {
             return soap_senderfault("AddHccToSan: IpAddresses not specified or invalid", "");
         }
         APITarnHostCache::APITarnHostCacheAddHccToSanMethod method;
@@ -33,7 +44,7 @@ int SANService::AddHccToSan(SanApi::ns1__AddHccToSan* request,
             method.SetHccName(*request->hccName);
         }
         method.SetHccKey(request->hccKey);
-        method.SetIpv4AddressPortList(addresses.View());
+        setRecords(method, *method.GetIpv4AddressPortListAttr(), std::move(addresses));
         return RunMethod(method, &response->return_);
     });
 }
@@ -73,12 +84,12 @@ int SANService::AddServer(SanApi::ns1__AddServer* request,
             method.SetOsType(node->os->osType);
             method.SetOsVersion(node->os->osRelease);
         }
-        const RequestRecords addresses = buildAddressRecords(
-            node->mgmtIpAddresses, ServiceLog::kAddServerSkip, MissingAddress::Warn);
-        method.SetIpv4AddressPortList(addresses.View());
-        const RequestRecords interfaces = buildInterfaceRecords(request->intfInfo);
-        if (!interfaces.IsEmpty()) {
-            method.SetHcnStorageInterfaceList(interfaces.View());
+        std::string addresses =
+            addressRecords(node->mgmtIpAddresses, ServiceLog::kAddServerSkip, MissingAddress::Warn);
+        setRecords(method, *method.GetIpv4AddressPortListAttr(), std::move(addresses));
+        std::string interfaces = interfaceRecords(request->intfInfo);
+        if (!interfaces.empty()) {
+            setRecords(method, *method.GetHcnStorageInterfaceListAttr(), std::move(interfaces));
         }
         return RunMethod(method, &response->return_);
     });
@@ -99,10 +110,10 @@ int SANService::NewPrimaryCfmAddresses(SanApi::ns1__NewPrimaryCfmAddresses* requ
     return ServeOperation(ServiceLog::kNewCfm, request, response, [&] {
         APITarnHostCache::APITarnHostCacheNewPrimaryCfmAddressMethod method;
         method.SetHccId(request->hccId);
-        const RequestRecords addresses = buildAddressRecords(
-            request->mgmtIpAddresses, ServiceLog::kNewCfmSkip, MissingAddress::Ignore);
-        if (!addresses.IsEmpty()) {
-            method.SetManagementIpAddressList(addresses.View());
+        std::string addresses = addressRecords(request->mgmtIpAddresses, ServiceLog::kNewCfmSkip,
+                                               MissingAddress::Ignore);
+        if (!addresses.empty()) {
+            setRecords(method, *method.GetManagementIpAddressListAttr(), std::move(addresses));
         }
         response->return_ = nullptr;
         SanApi::ns1__resultObject* unused = nullptr;
