@@ -16,8 +16,13 @@
 // They use no more than what the engine's public header declares.
 #include <stdsoap2.h>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -287,32 +292,59 @@ namespace {
 
 /// What a byte is to the reader of plain XML.
 enum ByteKind : unsigned char {
-    kOdd,    // not plain: a control character, a quote, & and what is not ASCII
-    kName,   // may be part of a name
-    kOther,  // may be part of a text or value
+    kName,  // means nothing of itself: part of a name, a text or a value
+    kSlash,
     kBlank,
-    kMark,  // < > / =
+    kMark,  // < > =
+    kOdd,   // all others: quotes, & and what is not printable ASCII
 };
 
 constexpr auto kKinds = [] {
     std::array<ByteKind, 256> kinds{};
-    for (unsigned byte = ' ' + 1; byte < 0x7F; ++byte) {
-        const bool letter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-        const bool name = letter || (byte >= '0' && byte <= '9') || byte == '_' || byte == ':' ||
-                          byte == '-' || byte == '.';
-        kinds[byte] = name ? kName : kOther;
+    for (unsigned byte = 0; byte < kinds.size(); ++byte) {
+        kinds[byte] = byte > ' ' && byte < 0x7F ? kName : kOdd;
     }
-    for (const char odd : {'"', '\'', '&'}) {
-        kinds[static_cast<unsigned char>(odd)] = kOdd;
-    }
-    for (const char mark : {'<', '>', '/', '='}) {
-        kinds[static_cast<unsigned char>(mark)] = kMark;
-    }
-    for (const char blank : {' ', '\t', '\r', '\n'}) {
-        kinds[static_cast<unsigned char>(blank)] = kBlank;
-    }
+    const auto set = [&kinds](std::string_view bytes, ByteKind kind) {
+        for (const char byte : bytes) {
+            kinds[static_cast<unsigned char>(byte)] = kind;
+        }
+    };
+    set("\"'&", kOdd);
+    set("/", kSlash);
+    set("<>=", kMark);
+    set(" \t\r\n", kBlank);
     return kinds;
 }();
+
+ByteKind kindOf(char byte) {
+    return kKinds[static_cast<unsigned char>(byte)];
+}
+
+/// Passes over many bytes at once that are kName. All of them are above a slash and none is like
+/// '<', so where this stops need not be an end.
+const char* passMany(const char* at, const char* end) {
+#ifdef __SSE2__
+    const __m128i slash = _mm_set1_epi8('/');
+    const __m128i mark = _mm_set1_epi8('<');
+    const __m128i markBits = _mm_set1_epi8('\xFC');
+    const __m128i last = _mm_set1_epi8('~');
+    while (end - at >= static_cast<std::ptrdiff_t>(sizeof(__m128i))) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        // The comparison is one of signed bytes: what is no ASCII is below all.
+        const __m128i plain =
+            _mm_andnot_si128(_mm_or_si128(_mm_cmpeq_epi8(_mm_and_si128(bytes, markBits), mark),
+                                          _mm_cmpgt_epi8(bytes, last)),
+                             _mm_cmpgt_epi8(bytes, slash));
+        const int found = _mm_movemask_epi8(plain) ^ 0xFFFF;
+        if (found != 0) {
+            return at + std::countr_zero(static_cast<unsigned>(found));
+        }
+        at += sizeof(__m128i);
+    }
+#endif
+    (void)end;
+    return at;
+}
 
 /// Looks over the bytes that the engine has in its buffer; never at one beyond them.
 class Lookout {
@@ -322,27 +354,32 @@ public:
 
     const char* At() const { return m_at; }
     size_t Passed() const { return static_cast<size_t>(m_at - m_from); }
-    bool IsAt(char wanted) const { return m_at < m_end && *m_at == wanted; }
-    ByteKind Kind() const {
-        return m_at < m_end ? kKinds[static_cast<unsigned char>(*m_at)] : kOdd;
-    }
+    bool IsAt(char wanted) const { return m_at != m_end && *m_at == wanted; }
+    bool IsAt(ByteKind wanted) const { return m_at != m_end && kindOf(*m_at) == wanted; }
     bool Take(char wanted) {
         const bool taken = IsAt(wanted);
         m_at += taken ? 1 : 0;
         return taken;
     }
-    void Pass(ByteKind kind) {
-        while (Kind() == kind) {
+    void PassBlanks() {
+        while (IsAt(kBlank)) {
+            ++m_at;
+        }
+    }
+    void PassName() {
+        for (m_at = passMany(m_at, m_end); IsAt(kName);) {
             ++m_at;
         }
     }
     /// Passes over a text's bytes; whether one of them was blank.
     bool PassText() {
         bool blank = false;
-        for (ByteKind kind = Kind();
-             kind != kOdd && (kind != kMark || *m_at == '/' || *m_at == '='); kind = Kind()) {
+        for (m_at = passMany(m_at, m_end); m_at != m_end; ++m_at) {
+            const ByteKind kind = kindOf(*m_at);
+            if (kind == kOdd || (kind == kMark && *m_at != '=')) {
+                break;
+            }
             blank |= kind == kBlank;
-            ++m_at;
         }
         return blank;
     }
@@ -410,7 +447,7 @@ struct soap_attribute* knownAttribute(const soap& context, const char* name, con
 /// One attribute of a tag, of those that have no meaning but to the service.
 bool readAttribute(soap& context, Lookout& next) {
     const char* const name = next.At();
-    next.Pass(kName);
+    next.PassName();
     struct soap_attribute* const attribute = knownAttribute(context, name, next.At());
     if (attribute == nullptr || attribute->visible != 0 || attribute->value == nullptr ||
         !next.Take('=')) {
@@ -430,7 +467,7 @@ bool readAttribute(soap& context, Lookout& next) {
 /// writes before matters to the engine's own reading.
 bool readTag(soap& context) {
     Lookout next(context);
-    next.Pass(kBlank);
+    next.PassBlanks();
     if (!next.Take('<')) {
         return false;
     }
@@ -441,21 +478,25 @@ bool readTag(soap& context) {
         return true;
     }
     const char* const name = next.At();
-    next.Pass(kName);
-    if (next.At() == name || !copyText(context.tag, sizeof(context.tag), name, next.At())) {
+    next.PassName();
+    // Signs such as ! and ? begin something else.
+    if (next.At() == name || *name < 'A' ||
+        !copyText(context.tag, sizeof(context.tag), name, next.At())) {
         return false;
     }
-    soap_pop_namespace(&context);
+    if (context.nlist != nullptr && context.nlist->level >= context.level) {
+        soap_pop_namespace(&context);
+    }
     for (struct soap_attribute* each = context.attributes; each != nullptr; each = each->next) {
         each->visible = 0;
     }
-    const bool mayHaveAttributes = next.Kind() == kBlank && !hasDefaultNamespace(context);
-    next.Pass(kBlank);
-    while (mayHaveAttributes && next.Kind() == kName) {
+    const bool mayHaveAttributes = next.IsAt(kBlank) && !hasDefaultNamespace(context);
+    next.PassBlanks();
+    while (mayHaveAttributes && next.IsAt(kName)) {
         if (!readAttribute(context, next)) {
             return false;
         }
-        next.Pass(kBlank);
+        next.PassBlanks();
     }
     const bool isEmpty = next.Take('/');
     if (!next.Take('>')) {
@@ -467,18 +508,24 @@ bool readTag(soap& context) {
     return true;
 }
 
+int peekAnew(soap& context) {
+    if (context.ahead == 0 && context.feltbegin == nullptr && readsBuffer(context)) {
+        if (readTag(context)) {
+            return context.error;
+        }
+        context.peeked = 0;
+    }
+    return enginePeekElement(&context);
+}
+
 }  // namespace
 
 /// Reads the tag of the next element, which stays the next until it is taken.
 int soap_peek_element(soap* context) {
-    if (context->peeked == 0 && context->ahead == 0 && context->feltbegin == nullptr &&
-        readsBuffer(*context)) {
-        if (readTag(*context)) {
-            return context->error;
-        }
-        context->peeked = 0;
+    if (context->peeked != 0) {
+        return context->tag[0] != '\0' ? SOAP_OK : context->error = SOAP_NO_TAG;
     }
-    return enginePeekElement(context);
+    return peekAnew(*context);
 }
 
 /// Reads the end of an element. Unknown elements before it are the engine's to pass over.
@@ -489,12 +536,12 @@ int soap_element_end_in(soap* context, const char* tag) {
         return engineEndElement(context, tag);
     }
     Lookout next(*context);
-    next.Pass(kBlank);
+    next.PassBlanks();
     const bool isEnd = next.Take('<') && next.Take('/');
     const char* const name = next.At();
-    next.Pass(kName);
+    next.PassName();
     const char* const end = next.At();
-    next.Pass(kBlank);
+    next.PassBlanks();
     if (!isEnd || !next.Take('>') || !copyText(context->tag, sizeof(context->tag), name, end)) {
         return engineEndElement(context, tag);
     }
@@ -537,11 +584,11 @@ const char* soap_value(soap* context) {
         return engineValue(context);
     }
     Lookout next(*context);
-    next.Pass(kBlank);
+    next.PassBlanks();
     const char* const begin = next.At();
     next.PassText();
     const char* end = next.At();
-    while (end != begin && kKinds[static_cast<unsigned char>(end[-1])] == kBlank) {
+    while (end != begin && kindOf(end[-1]) == kBlank) {
         --end;
     }
     const size_t size = next.Passed();
@@ -553,20 +600,22 @@ const char* soap_value(soap* context) {
     return context->tmpbuf;
 }
 
-/// Whether a tag is the one that is wanted; most have no prefix, and then are equal or not.
+/// Whether a tag is the one that is wanted. Where the names behind the prefixes differ, or one has
+/// no prefix at all, the engine need not be asked what the prefixes stand for.
 int soap_match_tag(soap* context, const char* tag, const char* wanted) {
     if (tag == nullptr || wanted == nullptr || *wanted == '\0' ||
         (context->mode & (SOAP_XML_IGNORENS | SOAP_XML_STRICT)) != 0) {
         return engineMatchTag(context, tag, wanted);
     }
-    size_t i = 0;
-    while (tag[i] == wanted[i] && tag[i] != '\0' && tag[i] != ':') {
-        ++i;
+    const char* const colon = std::strchr(wanted, ':');
+    if (colon == nullptr) {
+        return std::strcmp(tag, wanted) == 0 ? SOAP_OK : SOAP_TAG_MISMATCH;
     }
-    if (tag[i] == '\0' && wanted[i] == '\0') {
-        return SOAP_OK;
+    const char* const own = std::strchr(tag, ':');
+    const bool differs =
+        colon[1] != '\0' && std::strcmp(own != nullptr ? own + 1 : tag, colon + 1) != 0;
+    if (differs || (own == nullptr && colon != wanted && !hasDefaultNamespace(*context))) {
+        return SOAP_TAG_MISMATCH;
     }
-    // One that is wanted without a prefix has none.
-    return std::strchr(wanted + i, ':') != nullptr ? engineMatchTag(context, tag, wanted)
-                                                   : SOAP_TAG_MISMATCH;
+    return engineMatchTag(context, tag, wanted);
 }
