@@ -15,7 +15,7 @@ namespace {
 
 const char* scanned(std::string_view bytes, std::size_t piece) {
     soapBodyScan scan;
-    soapStartScan(&scan);
+    soapStartScan(&scan, &kSoapModuleRules);
     const char* refusal = nullptr;
     for (std::size_t at = 0; at < bytes.size(); at += piece) {
         refusal = soapScan(&scan, bytes.data() + at, std::min(piece, bytes.size() - at));

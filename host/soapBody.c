@@ -137,7 +137,7 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal)
     if (announcedLength(r) > limit) {
         return HTTP_REQUEST_ENTITY_TOO_LARGE;
     }
-    soapStartScan(&reading.scan);
+    soapStartScan(&reading.scan, &kSoapModuleRules);
     while (status == OK) {
         apr_status_t got = ap_get_brigade(r->input_filters, part, AP_MODE_READBYTES, APR_BLOCK_READ,
                                           HUGE_STRING_LEN);

@@ -78,7 +78,7 @@ const Body kBodies[] = {
 
 std::string scanned(const std::string& text, size_t piece) {
     soapBodyScan scan;
-    soapStartScan(&scan);
+    soapStartScan(&scan, &kSoapModuleRules);
     const char* refusal = nullptr;
     for (size_t at = 0; at < text.size(); at += piece) {
         refusal = soapScan(&scan, text.data() + at, std::min(piece, text.size() - at));

@@ -28,7 +28,7 @@ void limitInput(soap& context) {
     soap_set_imode(&context, SOAP_XML_TREE);
     context.recv_maxlength = RequestScan::kMaxBytes;
     context.maxlength = kMaxStringBytes;
-    context.maxlevel = RequestScan::kMaxLevels;
+    context.maxlevel = kSoapMaxLevels;
     context.maxoccurs = kMaxListItems - 1;  // the engine looks before it adds
 }
 

@@ -25,6 +25,15 @@ std::string repeated(std::size_t times, const std::string& text) {
     return all;
 }
 
+std::string numbered(int times, const std::string& text) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += text;
+        all.replace(all.rfind('%'), 1, std::to_string(i));
+    }
+    return all;
+}
+
 TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
     const std::string characters = "Request contains characters that XML does not allow";
     const std::string entity = "Request refers to an entity that is not defined";
@@ -37,7 +46,7 @@ TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
         // clang-format off
         {"<a/>", ""}, {"\xEF\xBB\xBF \r\n<a>\x01\x1f\x7f</a>", ""},
         {"<a>&lt;&gt;&amp;&quot;&apos;&#1;&#x1F;&#000000065;&#xfffd;&#x10fFfF;</a>", ""},
-        {"<a b='>' c=\"/>'\">&amp;<!-- & &#0; ]]> -- --><![CDATA[& &x; </a>]]]></a>", ""},
+        {"<a b='>' c=\"/>'\">&amp;<!-- & &#0; ]]> - --><![CDATA[& &x; </a>]]]></a>", ""},
         {"<?xml version='1.0'?><a>]]></a>", ""},
         {"<a>\0</a>"s, characters}, {"<a b='\0'/>"s, characters}, {"<!--\0--><a/>"s, characters},
         {"<a>&#0;</a>", characters}, {"<a b='&#xD800;'/>", characters},
@@ -57,6 +66,13 @@ TEST(RequestScan, RefusesWhatTheEngineWouldLetPass) {
         {"<a" + repeated(64, " b=''") + "/>", ""}, {"<a" + repeated(65, " b=''") + "/>", attributes},
         {"<x>" + repeated(64, "<a" + repeated(64, " b=''") + "/>"), ""},
         {"<x>" + repeated(65, "<a" + repeated(64, " b=''") + "/>"), attributes},
+        {"<a b='<'/>", markup}, {"<a b=c/>", markup}, {"<a>&lt</a>", entity}, {"<!-- -- --><a/>", markup},
+        {"<a " + numbered(24, "b%='' ") + "/>", ""},
+        {"<a " + numbered(25, "b%='' ") + "/>", "Request has too many different attributes"},
+        {"<a " + numbered(48, "xmlns:b%='' ") + "/>", ""},
+        {"<a " + numbered(49, "xmlns:b%='' ") + "/>", "Request declares too many namespaces"},
+        {"<a " + std::string(120, 'b') + "=''/>", ""},
+        {"<a " + std::string(121, 'b') + "=''/>", "Request has an attribute with too long a name"},
         {"<a>" + std::string(RequestScan::kMaxBytes - 3, 'x'), ""},
         {"<a>" + std::string(RequestScan::kMaxBytes - 2, 'x'), "Request is longer than 131072 bytes"},
         {"POST / HTTP/1.1\r\n\r\n<a>&x;</a>", ""},
