@@ -30,7 +30,7 @@ constexpr std::size_t kMaxDnsName = 253;
     throw std::invalid_argument("'" + std::string(text) + "': " + why);
 }
 
-bool isNumericAddress(int family, const std::string& host) {
+bool isAddressOf(int family, const std::string& host) {
     std::array<unsigned char, sizeof(in6_addr)> octets{};
     return inet_pton(family, host.c_str(), octets.data()) == 1;
 }
@@ -81,7 +81,7 @@ Address parseBracketed(std::string_view text) {
         refuse(text, "expected [IPV6]:PORT");
     }
     const std::string host(text.substr(1, close - 1));
-    if (!isNumericAddress(AF_INET6, host)) {
+    if (!isAddressOf(AF_INET6, host)) {
         refuse(text, "the text in brackets is no IPv6 address");
     }
     return {SanApi::ns1__InetAddressType__ipv6, host, parsePort(text, text.substr(close + 2))};
@@ -101,12 +101,16 @@ Address parseAddress(std::string_view text) {
         refuse(text, "an IPv6 address is written as [IPV6]:PORT");
     }
     const std::string host(text.substr(0, colon));
-    const bool isIpv4 = isNumericAddress(AF_INET, host);
+    const bool isIpv4 = isAddressOf(AF_INET, host);
     if (!isIpv4 && !isDnsName(host)) {
         refuse(text, "neither an IP address nor a DNS name stands before the port");
     }
     return {isIpv4 ? SanApi::ns1__InetAddressType__ipv4 : SanApi::ns1__InetAddressType__dns, host,
             parsePort(text, text.substr(colon + 1))};
+}
+
+bool isNumericAddress(const std::string& host) {
+    return isAddressOf(AF_INET, host) || isAddressOf(AF_INET6, host);
 }
 
 Interface parseInterface(std::string_view text) {

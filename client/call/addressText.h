@@ -26,6 +26,9 @@ struct Interface {
 /// sentence that says what is wrong.
 Address parseAddress(std::string_view text);
 
+/// Whether no name has to be looked up.
+bool isNumericAddress(const std::string& host);
+
 /// Reads "ID", "ID:fc", "ID:iscsi" or "ID:unknown". An id may itself hold colons: that of a
 /// world-wide name of eight octets or of an iSCSI name (iqn., eui., naa.) may stand alone; behind
 /// the last colon of any other stands a transport. Raises std::invalid_argument.

@@ -31,7 +31,7 @@ struct ServiceOptions {
     std::string url = "http://127.0.0.1:8080/sanService";
     std::string userAgent = "sanctl";
     Credentials credentials;
-    int connectSeconds = 10;  ///< To connect, also over TLS.
+    int connectSeconds = 10;  ///< To look the name up and connect, also over TLS.
     int timeoutSeconds = 30;  ///< For a whole call, connecting included.
     RetryPlan retry;
     TlsOptions tls;

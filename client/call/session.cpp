@@ -13,6 +13,8 @@
 
 #include "apiMgmt/common/text/documentText.h"
 #include "apiMgmt/common/text/safeText.h"
+#include "client/call/addressText.h"
+#include "client/call/opening.h"
 
 namespace client {
 
@@ -115,6 +117,7 @@ void Session::startTls() {
 
 void Session::standBetween() {
     m_proxy.user = this;
+    m_open = std::exchange(m_proxy.fopen, &Session::open);
     m_send = std::exchange(m_proxy.fsend, &Session::send);
     m_receive = std::exchange(m_proxy.frecv, &Session::receive);
     m_writeHeader = std::exchange(m_proxy.fposthdr, &Session::writeHeader);
@@ -129,6 +132,16 @@ bool Session::grantTime() {
         m_proxy.recv_timeout = m_proxy.send_timeout;
     }
     return left > 0;
+}
+
+SOAP_SOCKET Session::open(soap* context, const char* endpoint, const char* host, int port) {
+    Session& self = of(context);
+    // The engine's limit is enough for one address and no greeting, and a thread costs as much as
+    // the rest of such a call.
+    if (context->ctx == nullptr && isNumericAddress(host)) {
+        return self.m_open(context, endpoint, host, port);
+    }
+    return openWithin(*context, self.m_open, endpoint, host, port, self.m_proxy.connect_timeout);
 }
 
 int Session::send(soap* context, const char* octets, std::size_t count) {

@@ -49,6 +49,7 @@ private:
     static Session& of(soap* context) { return *static_cast<Session*>(context->user); }
     static int send(soap* context, const char* octets, std::size_t count);
     static std::size_t receive(soap* context, char* octets, std::size_t size);
+    static SOAP_SOCKET open(soap* context, const char* endpoint, const char* host, int port);
     static int writeHeader(soap* context, const char* name, const char* value);
     static int readHeader(soap* context, const char* name, const char* value);
 
@@ -62,6 +63,7 @@ private:
     double m_began = 0;
     CallFacts m_facts;
     // The engine's own functions, which the ones above hand on to.
+    decltype(soap::fopen) m_open = nullptr;
     decltype(soap::fsend) m_send = nullptr;
     decltype(soap::frecv) m_receive = nullptr;
     decltype(soap::fposthdr) m_writeHeader = nullptr;

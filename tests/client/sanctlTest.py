@@ -88,10 +88,12 @@ class SanctlTest(unittest.TestCase):
 
     def test_no_server_and_a_silent_one_are_no_answer(self):
         with socket.create_server(("127.0.0.1", 0)) as silent:
-            url = f"http://127.0.0.1:{silent.getsockname()[1]}/"
-            done = sanctl("--url", url, "ping", "--timeout", "1")
-        self.assertEqual(done.returncode, 3, done)
-        self.assertIn("no whole answer within 1 s", done.stdout)
+            for scheme, words in (("http", "no whole answer within 1 s"),
+                                  ("https", "no connection within 1 s")):
+                url = f"{scheme}://localhost:{silent.getsockname()[1]}/"
+                done = sanctl("--url", url, "ping", "--timeout", "1")
+                self.assertEqual(done.returncode, 3, done)
+                self.assertIn(words, done.stdout)
         # The system takes no further connection while these wait to be taken.
         with socket.create_server(("127.0.0.1", 0), backlog=0) as full, \
                 socket.create_connection(full.getsockname()):
