@@ -84,14 +84,15 @@ function serverView(server) {
 function clusterView(cluster) {
   const view = make("div", "cluster", make("strong", "", cluster.name),
     cluster.joined ? make("span", "tag good", "joined") : make("span", "tag warn", "expected"),
-    make("small", "mono", [cluster.id, addresses(cluster.addresses)].filter(Boolean).join(" · ")));
+    make("small", "mono", make("span", "id", cluster.id), " ", addresses(cluster.addresses)));
   if (cluster.primaryReports)
     view.append(make("small", "", `primary manager announced ${cluster.primaryReports}×`));
   view.append(...cluster.servers.map(serverView));
   return view;
 }
 
-function volumeRow(volume, open) {
+/** A row, and a second one where there are snapshots. */
+function volumeRows(volume, open) {
   const identity = (what, device, serial) =>
     make("small", "", `${what} `, make("span", "mono", `${device} / ${serial}`));
   const more = make("details", "", make("summary", "", "SCSI identities"),
@@ -102,9 +103,14 @@ function volumeRow(volume, open) {
   const name = make("td", "", make("strong", "id", volume.id), make("small", "", volume.name), more);
   const owner = make("td", "", volume.attachedTo ? make("span", "tag good id", volume.attachedTo) : "—");
   const data = make("td", "", ...volume.availableOn.map((id) => make("span", "tag id", id)));
-  const snapshots = make("td", "", ...volume.snapshots.map((s) =>
-    make("span", "tag", `${s.id}: prepared ${s.prepared}, flushed ${s.flushed}`)));
-  return make("tr", "", name, owner, data, snapshots);
+  const rows = [make("tr", "", name, owner, data)];
+  if (volume.snapshots.length) {
+    const snapshots = make("td", "", ...volume.snapshots.map((s) => make("small", "", "snapshot ",
+      make("span", "id", s.id), `: prepared ${s.prepared}, flushed ${s.flushed}`)));
+    snapshots.colSpan = rows[0].childElementCount;
+    rows.push(make("tr", "snapshots", snapshots));
+  }
+  return rows;
 }
 
 function showState(state) {
@@ -116,7 +122,7 @@ function showState(state) {
   if (!state.clusters.length)
     at("clusters").append(make("p", "hint", "No cluster has joined yet."));
   const open = new Set([...at("volumes").querySelectorAll("details[open]")].map((d) => d.dataset.volume));
-  at("volumes").replaceChildren(...state.volumes.map((volume) => volumeRow(volume, open)));
+  at("volumes").replaceChildren(...state.volumes.flatMap((volume) => volumeRows(volume, open)));
 }
 
 // ---- exchanges ----
@@ -128,6 +134,10 @@ function subjects(exchange) {
     ["snapshot", members.SnapshotId]].filter(([, id]) => id);
 }
 
+/** The array's words; what it quotes are ids. */
+const quoting = (words) => words.split(/("[^"]*")/).map((part, place) =>
+  place % 2 ? make("span", "id", part) : part);
+
 function exchangeView(exchange) {
   const good = exchange.outcome === "ok";
   const badge = make("span", exchange.fault ? "tag warn" : good ? "tag good" : "tag bad",
@@ -136,7 +146,7 @@ function exchangeView(exchange) {
     [make("span", "tag id", make("span", "what", `${what} `), id)]));
   const line = make("summary", "", make("time", "", exchange.time.slice(11, 23)),
     make("span", "command", exchange.command.replace("::", " · ")), badge, about);
-  if (!good) line.append(make("span", "outcome", exchange.outcome.replace(/^refused: /, "")));
+  if (!good) line.append(make("span", "outcome", ...quoting(exchange.outcome.replace(/^refused: /, ""))));
   for (const rule of exchange.brokenRules)
     line.append(make("span", "outcome", `breaks the rule ${rule}`));
   const who = `from ${exchange.clientAddress || "?"}, cluster ${exchange.hccId || "none"}, ` +
@@ -208,11 +218,11 @@ function showTimeline(now) {
   recent = recent.filter((call) => now - call.at < SPAN * 1000);
   const slot = (call) => Math.floor((now - call.at) / (SLOT * 1000));
   const rows = [...new Set(recent.map((call) => call.command))].sort();
-  if (!changed("timeline", [rows, recent.map((call) => [slot(call), call.command, call.fault])])) return;
-  const [width, height, label] = [600, 22, 170];
   const view = at("timeline");
+  const [width, height, label] = [view.clientWidth, 22, 160];
+  if (!changed("timeline", [width, recent.map((call) => [slot(call), call.command, call.fault])])) return;
   const step = (width - label) / (SPAN / SLOT);
-  view.setAttribute("viewBox", `0 0 ${width} ${rows.length ? rows.length * height + 16 : 1}`);
+  view.setAttribute("height", rows.length ? rows.length * height + 16 : 1);
   view.setAttribute("aria-label", `Calls of the last five minutes: ${recent.length}, ` +
     `struck by a fault: ${recent.filter((call) => call.fault).length}`);
   view.replaceChildren();
@@ -283,8 +293,8 @@ function ruleView(rule) {
   remove.title = "Take it back";
   remove.setAttribute("aria-label", `Take back ${rule.fault} of ${rule.command}`);
   remove.addEventListener("click", () => act(() => ask(`/faults/${rule.id}`, "DELETE")));
-  const item = make("li", "", make("span", "tag warn", rule.fault),
-    `${rule.command}, ${calls}${rule.after ? ` after ${rule.after}` : ""}`, remove);
+  const item = make("li", "", make("span", "", make("span", "tag warn", rule.fault),
+    `${rule.command}, ${calls}${rule.after ? ` after ${rule.after}` : ""}`), remove);
   item.title = NUMBERS.concat(TEXTS).filter((name) => rule[name])
     .map((name) => `${name}: ${rule[name]}`).join("\n");
   return item;
