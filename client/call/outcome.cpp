@@ -102,6 +102,10 @@ std::string textOfFailure(Proxy& proxy, const CallFacts& facts, const ServiceOpt
     if (error == SOAP_EOF) {
         return "the connection ended before the answer did";
     }
+    if (error > 0 && error == proxy.status && !isHttpStatus(error)) {
+        // The engine would read the number as an error of its own.
+        return "HTTP status " + std::to_string(error) + ", which does not exist";
+    }
     if (error >= 200 && error < 300) {
         return "the answer is no SOAP message";
     }
