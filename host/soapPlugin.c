@@ -2,12 +2,16 @@
 #include "host/soapPlugin.h"
 
 #include <dlfcn.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 
 #define MARK '\x5A'
 #define BEYOND_CONTEXT 4096
+#define IDENTITY_BITS 64
+#define DEVICE_SHIFT 48
 
 static const char kProbe[] = "mod_gsoap probe";
 
@@ -85,11 +89,38 @@ void soapSetUpContext(struct soap* context, const struct apache_soap_interface* 
     context->fclose = leaveConnection;
 }
 
+/* Another way to write a path, of its own for each file that ever is there: a "/." in front for
+ * each bit of the file's identity that is set, and a "/" for the others. A path that is not
+ * absolute stays as it is. Gives how much was put in front. */
+static size_t nameFile(const char* path, char* name, size_t size) {
+    struct stat file;
+    size_t length = 0;
+    if (path[0] == '/' && stat(path, &file) == 0) {
+        const uint64_t identity = (uint64_t)file.st_ino ^ ((uint64_t)file.st_dev << DEVICE_SHIFT);
+        for (int bit = 0; bit < IDENTITY_BITS; ++bit) {
+            name[length++] = '/';
+            if (identity >> bit & 1) {
+                name[length++] = '.';
+            }
+        }
+    }
+    snprintf(name + length, size - length, "%s", path);
+    return length;
+}
+
 static const char* load(struct soapPlugin* plugin) {
+    char name[2 * IDENTITY_BITS + PATH_MAX];
+    const size_t before = nameFile(plugin->path, name, sizeof name);
     /* The server reads its configuration twice at start and again at each graceful restart. A
-     * plug-in has thread-local data and objects that live until exit, so it is never unmapped. */
-    plugin->handle = dlopen(plugin->path, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-    return plugin->handle ? NULL : dlerror();
+     * plug-in has thread-local data and objects that live until exit, so it is never unmapped. The
+     * loader takes the name for the file: under the same one, what took a plug-in's place would not
+     * be loaded. The same file under another name is loaded once all the same. */
+    plugin->handle = dlopen(name, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (plugin->handle) {
+        return NULL;
+    }
+    const char* reason = dlerror();
+    return strncmp(reason, name, before) == 0 ? reason + before : reason;
 }
 
 static const char* askForTable(struct soapPlugin* plugin) {

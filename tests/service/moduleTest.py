@@ -9,6 +9,7 @@ import gzip
 import os
 import pathlib
 import re
+import shutil
 import signal
 import tempfile
 import threading
@@ -246,6 +247,21 @@ class LoadTest(ModuleCase):
                     for work in [pool.submit(f) for f in [send] * 8 + [restart]]:
                         work.result()
                 self.assertTrue(soap.answered(server.post(soap.PING), "Ping"))
+
+    def test_a_graceful_restart_takes_up_a_plugin_that_was_replaced(self):
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+
+        def replace(plugin):
+            os.replace(shutil.copy(plugin, folder / "new"), folder / "plugin.so")
+        replace(webServer.ODD_PLUGIN)
+        server = self.start(folder / "plugin.so", environment={"ODD_PLUGIN": "registers"})
+        self.assertEqual(server.post(soap.PING).text, "3")
+        service = (webServer.SERVICE_PLUGIN, "Received Invalid")
+        for plugin, answer in (service, (webServer.BARE_PLUGIN, "PingResponse"), service):
+            replace(plugin)
+            server.process.send_signal(signal.SIGUSR1)
+            self.assertTrue(any(answer in server.post(soap.PING).text or time.sleep(0.05)
+                                for _ in range(600)), plugin)
 
 
 class OddPluginTest(ModuleCase):
