@@ -157,19 +157,23 @@ bool startThread() {
     return started;
 }
 
-/// Once for each process; where the system cannot do it, lines are written without a watcher.
-void startWatcher() {
-    if (watching.exchange(true, std::memory_order_relaxed)) {
-        return;
-    }
-    static const int number = [] {
-        const bool ready = ::pthread_atfork(nullptr, nullptr, &forgetThreads) == 0 &&
-                           ::pthread_key_create(&slotKey, &freeSlot) == 0;
-        return ready ? claimSignal() : 0;
+/// Once, for a process and all that it forks. False where the system cannot do it, and lines are
+/// written without a watcher. A thread that comes meanwhile waits: until the key is made, its value
+/// is that of another library's.
+bool prepareWatching() {
+    static const bool isPrepared = [] {
+        const bool hasKey = ::pthread_atfork(nullptr, nullptr, &forgetThreads) == 0 &&
+                            ::pthread_key_create(&slotKey, &freeSlot) == 0;
+        wakeSignal.store(hasKey ? claimSignal() : 0, std::memory_order_relaxed);
+        return wakeSignal.load(std::memory_order_relaxed) != 0;
     }();
-    wakeSignal.store(number, std::memory_order_relaxed);
-    if (number == 0 || !startThread()) {
-        watching.store(number == 0, std::memory_order_relaxed);
+    return isPrepared;
+}
+
+/// Once for each process.
+void startWatcher() {
+    if (!watching.exchange(true, std::memory_order_relaxed) && !startThread()) {
+        watching.store(false, std::memory_order_relaxed);
     }
 }
 
@@ -189,12 +193,26 @@ Slot* takeSlot() {
 
 /// A threaded web server blocks nearly all signals in the threads that serve.
 void unblockSignal() {
-    if (const int number = wakeSignal.load(std::memory_order_relaxed); number != 0) {
-        sigset_t wake;
-        ::sigemptyset(&wake);
-        ::sigaddset(&wake, number);
-        ::pthread_sigmask(SIG_UNBLOCK, &wake, nullptr);
+    sigset_t wake;
+    ::sigemptyset(&wake);
+    ::sigaddset(&wake, wakeSignal.load(std::memory_order_relaxed));
+    ::pthread_sigmask(SIG_UNBLOCK, &wake, nullptr);
+}
+
+/// A slot for this thread from now on; null when there is none.
+Slot* enterSlot() {
+    if (!prepareWatching()) {
+        return nullptr;
     }
+    startWatcher();
+    unblockSignal();
+    Slot* slot = takeSlot();
+    // Not by a destructor: registering one ends the process where memory has run out.
+    if (slot != nullptr && ::pthread_setspecific(slotKey, slot) != 0) {
+        slot->thread.store(0, std::memory_order_release);
+        return nullptr;
+    }
+    return slot;
 }
 
 /// Null for a thread that is not watched.
@@ -205,14 +223,7 @@ Slot* ownSlot() {
     const unsigned now = process.load(std::memory_order_relaxed);
     if (slotsProcess != now) {
         slotsProcess = now;
-        startWatcher();
-        unblockSignal();
-        slot = takeSlot();
-        // Not by a destructor: registering one ends the process where memory has run out.
-        if (slot != nullptr && ::pthread_setspecific(slotKey, slot) != 0) {
-            slot->thread.store(0, std::memory_order_release);
-            slot = nullptr;
-        }
+        slot = enterSlot();
     }
     return slot;
 }

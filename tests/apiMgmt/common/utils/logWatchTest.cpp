@@ -2,10 +2,14 @@
 // tries twice, as the C library's does.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <latch>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,6 +38,41 @@ std::vector<std::string> readQueue() {
 
 void log(const std::string& message) {
     SimpleLogger::DoLog(SimpleLogger::LOGWarning, "source", "function", 1, "c", message);
+}
+
+/// In a process that has not logged yet.
+[[noreturn]] void logFromThreadsAtOnce() {
+    SyslogCapture::instead = [](const std::string&) {};
+    std::latch start(8);
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&start] {
+            start.arrive_and_wait();
+            const void* const others = ::pthread_getspecific(0);
+            log("first");
+            if (::pthread_getspecific(0) != others) {
+                ::_exit(1);
+            }
+        });
+    }
+    threads.clear();
+    ::_exit(0);
+}
+
+// Stands first: it is about the first lines of a process. One that did not wait until the key for
+// its thread's data is made would use the first one, which is somebody else's.
+TEST(LogWatch, FirstLinesMayComeAtOnce) {
+    pthread_key_t key = 0;
+    ASSERT_EQ(0, ::pthread_key_create(&key, nullptr));
+    for (int i = 0; i < 200; ++i) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            logFromThreadsAtOnce();
+        }
+        int status = -1;
+        ASSERT_EQ(child, ::waitpid(child, &status, 0));
+        ASSERT_EQ(0, status);
+    }
 }
 
 TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
