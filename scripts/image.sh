@@ -45,14 +45,14 @@ cp "$packages"/san-{service,tools,simulator}_*.deb "$scratch/debs"
     --customize-hook='rm -rf "$1"/var/lib/apt/lists/* "$1"/var/cache/* "$1"/var/log/*') \
     >"$scratch/log" 2>&1 || { tail -n 20 "$scratch/log" >&2; exit 1; }
 
-image="$scratch/oci:latest"
+image="$scratch/oci:san-sandbox"
 umoci init --layout "$scratch/oci"
 umoci new --image "$image"
 umoci raw add-layer --image "$image" --history.created_by "mmdebstrap" "$scratch/root.tar"
 umoci config --image "$image" --created "$(date -u -d "@$SOURCE_DATE_EPOCH" +%FT%TZ)" \
     --history.created_by "scripts/image.sh" \
     --config.entrypoint /usr/bin/san-sandbox --config.exposedports 8080/tcp \
-    --config.stopsignal SIGTERM --config.volume /var/lib/san-simulator \
+    --config.env SANSIM_CONTROL=/run/san/control.sock --config.stopsignal SIGTERM --config.volume /var/lib/san-simulator \
     --config.label "org.opencontainers.image.title=san-sandbox" \
     --config.label "org.opencontainers.image.version=$version"
 umoci gc --layout "$scratch/oci"

@@ -16,13 +16,17 @@ scratch=$(mktemp -d)
 trap 'kill -9 "${container:-}" 2>/dev/null || true; rm -rf "$scratch"' EXIT
 mkdir "$scratch/oci"
 tar -C "$scratch/oci" -xf "$root/build/packages/san-sandbox.oci.tar"
-umoci unpack --image "$scratch/oci:latest" "$scratch/bundle" >/dev/null 2>&1
+umoci unpack --image "$scratch/oci:san-sandbox" "$scratch/bundle" >/dev/null 2>&1
 cp -a "$scratch/bundle/rootfs" "$scratch/outside"
 
 # What the image says is run, as a container engine would: the command, the environment.
-mapfile -t command < <(python3 -c '
+said() {
+    python3 -c '
 import json, sys
-print(*json.load(open(sys.argv[1]))["process"]["args"], sep="\n")' "$scratch/bundle/config.json")
+print(*json.load(open(sys.argv[1]))["process"][sys.argv[2]], sep="\n")' "$scratch/bundle/config.json" "$1"
+}
+mapfile -t command < <(said args)
+mapfile -t environment < <(said env)
 # shellcheck disable=SC2016
 SAN_PORT=8181 SANSIM_OPTIONS='--volumes 3' unshare --net --mount --pid --ipc --uts --fork bash -c '
     mount --bind "$1" "$1"
@@ -60,7 +64,9 @@ for _ in {1..300}; do
 done
 client ping || fail "no answer to a Ping"
 client --token any lifecycle >/dev/null || fail "the life cycle failed"
-nsenter --target "$container" --all --root --wd env SAN_PORT=8181 san-sandbox health || fail "the health check failed"
+entered() { nsenter --target "$container" --all --root --wd env -i "${environment[@]}" SAN_PORT=8181 "$@"; }
+entered san-sandbox health || fail "the health check failed"
+entered simctl state | grep -q . || fail "simctl does not find the array"
 
 for status in /proc/[0-9]*/status; do
     [ "$(readlink "${status%status}ns/net" 2>/dev/null)" != "$(readlink "/proc/$container/ns/net")" ] ||
