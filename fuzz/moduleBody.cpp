@@ -26,7 +26,7 @@ size_t soapTakeBody(apr_bucket_brigade* body, char* target, size_t room);
 namespace {
 
 constexpr apr_off_t kLimit = 16384;
-constexpr std::size_t kFreePieces = 2048;
+constexpr std::size_t kFreePieces = 1024;  // that any body may come in
 constexpr std::array<std::size_t, 8> kSizes = {1, 2, 31, 33, 2047, 2048, 8001, kLimit * 8};
 
 struct Body {
@@ -53,9 +53,8 @@ Body readBody(std::string_view plan, const std::string& sent) {
     request.connection = &connection;
     request.input_filters = &filter;
     request.headers_in = apr_table_make(pool, 1);
-    if (plan.size() % 2 == 1) {
-        apr_table_set(request.headers_in, "Content-Length", std::to_string(sent.size()).c_str());
-    }
+    apr_table_set(request.headers_in, plan.size() % 2 == 1 ? "Content-Length" : "Transfer-Encoding",
+                  std::to_string(sent.size()).c_str());
     apr_bucket_brigade* kept = apr_brigade_create(pool, connection.bucket_alloc);
     body.status = soapReadBody(&request, kept, &body.refusal);
     body.lent.clear();
