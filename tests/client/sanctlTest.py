@@ -32,6 +32,12 @@ ANSWERS = [
     ("terminal control", fault("SOAP-ENV:Server", "a\u009b2J&#127;b"), 1, "\\x7fb"),
     ("body too large", (413, "<html>too large</html>"), 2, "refused by the service"),
     ("bad gateway", (502, "<html>bad gateway</html>"), 3, "a proxy stands before the service"),
+    ("gateway time-out", (504, "<html>late</html>"), 3, "got no answer from it"),
+    ("SOAP 1.2", (500, soap.envelope(
+        "<SOAP-ENV:Fault><SOAP-ENV:Code><SOAP-ENV:Value>SOAP-ENV:Receiver</SOAP-ENV:Value>"
+        "</SOAP-ENV:Code><SOAP-ENV:Reason><SOAP-ENV:Text>Full</SOAP-ENV:Text></SOAP-ENV:Reason>"
+        "</SOAP-ENV:Fault>").replace(soap.ENVELOPE, "http://www.w3.org/2003/05/soap-envelope")),
+     1, "refused by the array: Full"),
     ("proxy", (407, "who?"), 3, "asks who calls"),
     ("redirect", redirect("https://b.example/"), 3,
      "redirect to https://b.example/, which is not followed; give the right place as --url "

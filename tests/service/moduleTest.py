@@ -183,7 +183,7 @@ class WsdlTest(ModuleCase):
 SECTIONS = """
 SOAPWsdl "{outer}"
 SOAPLibrary "{plugin}"
-SOAPMaxCalls 7
+SOAPMaxCalls 1
 <Location /a>
     SetHandler gsoap_handler
 </Location>
@@ -223,6 +223,11 @@ class SectionsTest(ModuleCase):
                     self.assertEqual(found.text if found.status == 200 else None, description)
                     reply = server.request("POST", path, PING, {"Content-Type": "text/xml"})
                     self.assertIn(answer or "Not Found", reply.text)
+            # The inner section's word that there is no limit holds against the outer one's.
+            with concurrent.futures.ThreadPoolExecutor(4) as pool:
+                self.assertEqual(list(pool.map(lambda _: server.request(
+                    "POST", "/a/c", PING, {"Content-Type": "text/xml"}).status, range(16))),
+                    [200] * 16)
 
 
 class LoadTest(ModuleCase):

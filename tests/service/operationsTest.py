@@ -107,7 +107,7 @@ class OperationsTest(harness.ServiceCase):
     def test_text_of_the_api_manager_reaches_the_client(self):
         for text in ["No such cluster", "tom & <jerry> \"q\" 'a'", "集群 é %s%n", "a\nb", ""]:
             with self.subTest(text):
-                self.array.fail("refuse", command="RemoveServer", error=text)
+                self.array.fail("refuse", command="RemoveServer", error=text, localized="other")
                 reply, _, lines = self.call(BODIES["RemoveServer"])
                 self.assertEqual(soap.fault_of(reply), ("Server", text))
                 self.assertNotIn("<detail>", reply.text)

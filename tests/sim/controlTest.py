@@ -117,6 +117,7 @@ class ControlTest(unittest.TestCase):
         state = self.simulator.show("state")
         self.assertEqual((state["clusters"], len(state["volumes"])), ([], 8))
         self.assertTrue(call(self.port, "AddHccToSan").ok)
+        self.assertTrue(wire.call(self.port, "Get", {"InstanceId": "101.1"}).ok)  # counted anew
 
     def test_only_the_own_page_is_served(self):
         own = f"http://127.0.0.1:{self.simulator.web_port}"

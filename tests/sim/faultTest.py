@@ -86,6 +86,11 @@ class FaultTest(unittest.TestCase):
                 after = wire.call(port, "HccAttachVolume", ATTACH)
                 self.assertIsNotNone(after.element.find("ReturnMethodObject"), after.document)
 
+    def test_an_early_close_is_early_however_much_is_asked_for(self):
+        port = self.start({"command": "GetList", "fault": "closeEarly", "bytes": 1 << 20}).port
+        data = wire.exchange(port, wire.request(wire.document("GetList")))
+        self.assertEqual(len(data), wire.announced(data) + 3)
+
     def test_the_table_above_and_the_manual_know_every_fault(self):
         kinds = self.start().show("fail", "--kinds")
         self.assertEqual({kind["name"] for kind in kinds}, set(FAULTS))

@@ -163,6 +163,26 @@ TEST(SanServiceObject, TakesTheConnectionsAddressesFromTheModule) {
     }
 }
 
+// A module relies on each slot; this one's own uses few of them.
+TEST(SanServiceTable, HasTheFunctionOfEachSlot) {
+    apache_soap_interface table{};
+    apache_init_soap_interface(&table);
+    EXPECT_EQ(std::tie(table.length, table.revision, table.reserved, table.namespaces),
+              std::make_tuple(APACHE_SOAP_LENGTH, APACHE_SOAP_REVISION, nullptr, &namespaces[0]));
+    EXPECT_EQ(std::tie(table.init, table.destroy, table.end, table.done),
+              std::make_tuple(apache_default_soap_init, apache_soap_soap_destroy,
+                              apache_default_soap_end, apache_default_soap_done));
+    EXPECT_EQ(std::tie(table.serializeHeader, table.putHeader, table.getHeader, table.fault),
+              std::make_tuple(soap_serializeheader, soap_putheader, soap_getheader, soap_fault));
+    EXPECT_EQ(std::tie(table.serializeFault, table.putFault, table.getFault, table.faultCode),
+              std::make_tuple(soap_serializefault, soap_putfault, soap_getfault, soap_faultcode));
+    EXPECT_EQ(std::tie(table.faultString, table.faultDetail),
+              std::make_tuple(soap_faultstring, soap_faultdetail));
+    EXPECT_EQ(std::tie(table.markElement, table.putElement, table.getElement),
+              std::make_tuple(SanApi::soap_markelement, SanApi::soap_putelement,
+                              SanApi::soap_getelement));
+}
+
 // The API manager: keeps what it gets and is content with everything. There is one for the whole
 // program, since the port is looked up once.
 class ApiManager {
