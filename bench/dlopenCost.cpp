@@ -32,16 +32,16 @@ struct Cost {
     double privateKiB;
 };
 
-[[noreturn]] void Fail(const std::string& what) {
+[[noreturn]] void fail(const std::string& what) {
     std::fprintf(stderr, "dlopenCost: %s\n", what.c_str());
     std::_Exit(1);
 }
 
 /// The records of one type at the file offset; Fail when they do not lie inside the file.
 template <class Record>
-std::vector<Record> ReadRecords(const std::string& file, std::size_t offset, std::size_t count) {
+std::vector<Record> readRecords(const std::string& file, std::size_t offset, std::size_t count) {
     if (offset > file.size() || count > (file.size() - offset) / sizeof(Record)) {
-        Fail("not a whole shared object");
+        fail("not a whole shared object");
     }
     std::vector<Record> records(count);
     std::memcpy(records.data(), file.data() + offset, count * sizeof(Record));
@@ -49,22 +49,22 @@ std::vector<Record> ReadRecords(const std::string& file, std::size_t offset, std
 }
 
 /// The names of the libraries that a 64-bit shared object says it needs.
-std::vector<std::string> NeededLibraries(const char* path) {
+std::vector<std::string> neededLibraries(const char* path) {
     std::ifstream stream(path, std::ios::binary);
     const std::string file((std::istreambuf_iterator<char>(stream)), {});
-    const Elf64_Ehdr header = ReadRecords<Elf64_Ehdr>(file, 0, 1).front();
+    const Elf64_Ehdr header = readRecords<Elf64_Ehdr>(file, 0, 1).front();
     if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_ident[EI_CLASS] != ELFCLASS64) {
-        Fail(std::string(path) + " is no 64-bit shared object");
+        fail(std::string(path) + " is no 64-bit shared object");
     }
-    const auto sections = ReadRecords<Elf64_Shdr>(file, header.e_shoff, header.e_shnum);
+    const auto sections = readRecords<Elf64_Shdr>(file, header.e_shoff, header.e_shnum);
     std::vector<std::string> names;
     for (const Elf64_Shdr& section : sections) {
         if (section.sh_type != SHT_DYNAMIC || section.sh_link >= sections.size()) {
             continue;
         }
         const std::size_t count = section.sh_size / sizeof(Elf64_Dyn);
-        for (const Elf64_Dyn& entry : ReadRecords<Elf64_Dyn>(file, section.sh_offset, count)) {
+        for (const Elf64_Dyn& entry : readRecords<Elf64_Dyn>(file, section.sh_offset, count)) {
             const std::size_t name = sections[section.sh_link].sh_offset + entry.d_un.d_val;
             if (entry.d_tag == DT_NEEDED && name < file.size()) {
                 names.emplace_back(file.c_str() + name);
@@ -76,12 +76,12 @@ std::vector<std::string> NeededLibraries(const char* path) {
 
 void Load(const char* path, int binding) {
     if (!dlopen(path, binding | RTLD_GLOBAL)) {
-        Fail(dlerror());
+        fail(dlerror());
     }
 }
 
 /// Memory that this process shares with no other and not with the page cache.
-double PrivateKiB() {
+double privateMemoryKiB() {
     std::ifstream rollup("/proc/self/smaps_rollup");
     double total = 0;
     std::string word;
@@ -95,27 +95,27 @@ double PrivateKiB() {
     return total;
 }
 
-Cost Measure(const char* path, const std::vector<std::string>& before) {
+Cost measure(const char* path, const std::vector<std::string>& before) {
     for (const std::string& library : before) {
         Load(library.c_str(), RTLD_LAZY);  // the engine's calls back into generated code
     }
-    PrivateKiB();  // its own buffers are there from now on
-    const double held = PrivateKiB();
+    privateMemoryKiB();  // its own buffers are there from now on
+    const double held = privateMemoryKiB();
     const auto start = std::chrono::steady_clock::now();
     Load(path, RTLD_NOW);
     const std::chrono::duration<double, std::milli> taken =
         std::chrono::steady_clock::now() - start;
-    return {taken.count(), PrivateKiB() - held};
+    return {taken.count(), privateMemoryKiB() - held};
 }
 
-Cost MeasureInChild(const char* path, const std::vector<std::string>& before) {
+Cost measureInChild(const char* path, const std::vector<std::string>& before) {
     int ends[2];
     if (pipe(ends) != 0) {
-        Fail("no pipe");
+        fail("no pipe");
     }
     const pid_t child = fork();
     if (child == 0) {
-        const Cost cost = Measure(path, before);
+        const Cost cost = measure(path, before);
         std::_Exit(write(ends[1], &cost, sizeof(cost)) == sizeof(cost) ? 0 : 1);
     }
     Cost cost{};
@@ -126,26 +126,26 @@ Cost MeasureInChild(const char* path, const std::vector<std::string>& before) {
         waitpid(child, nullptr, 0);
     }
     if (!whole) {
-        Fail("a run gave no figures");
+        fail("a run gave no figures");
     }
     return cost;
 }
 
-double Median(std::vector<double> values) {
+double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
 
-void Report(const char* what, const char* path, const std::vector<std::string>& before, int runs) {
+void report(const char* what, const char* path, const std::vector<std::string>& before, int runs) {
     std::vector<double> milliseconds;
     std::vector<double> privateKiB;
     for (int i = 0; i < runs; ++i) {
-        const Cost cost = MeasureInChild(path, before);
+        const Cost cost = measureInChild(path, before);
         milliseconds.push_back(cost.milliseconds);
         privateKiB.push_back(cost.privateKiB);
     }
-    std::printf("%-28s %8.2f ms (least %.2f) %9.0f KiB private\n", what, Median(milliseconds),
-                *std::min_element(milliseconds.begin(), milliseconds.end()), Median(privateKiB));
+    std::printf("%-28s %8.2f ms (least %.2f) %9.0f KiB private\n", what, median(milliseconds),
+                *std::min_element(milliseconds.begin(), milliseconds.end()), median(privateKiB));
 }
 
 }  // namespace
@@ -156,8 +156,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: dlopenCost PLUGIN [RUNS]\n");
         return 2;
     }
-    const std::vector<std::string> needed = NeededLibraries(argv[1]);
-    Report("plug-in, libraries loaded", argv[1], needed, runs);
-    Report("plug-in with its libraries", argv[1], {}, runs);
+    const std::vector<std::string> needed = neededLibraries(argv[1]);
+    report("plug-in, libraries loaded", argv[1], needed, runs);
+    report("plug-in with its libraries", argv[1], {}, runs);
     return 0;
 }

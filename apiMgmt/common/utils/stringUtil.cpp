@@ -89,10 +89,10 @@ void requireArgument(const void* argument, const char* name, int line) {
     std::abort();
 }
 
-template <int (*Map)(int)>
+template <int (*map)(int)>
 std::string mapBytes(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char byte) { return static_cast<char>(Map(byte)); });
+                   [](unsigned char byte) { return static_cast<char>(map(byte)); });
     return text;
 }
 
