@@ -180,14 +180,18 @@ def run_load(options, server, array):
 def run_end(options, server, array):
     """Calls are under way when the server is told to end. A graceful end answers them all."""
     array.fail("delay", count=0, delayMs=2000)
+    before = calls_at(array)
     with concurrent.futures.ThreadPoolExecutor(options.clients) as pool:
         calls = [pool.submit(Client(server.port).exchange, GOOD[0]) for _ in range(options.clients)]
         time.sleep(1)
         server.process.send_signal(getattr(signal, "SIG" + options.end))
         statuses = collections.Counter(call.result() for call in calls)
     server.process.wait(60)
-    print(f"after {options.end}: {dict(statuses)}")
-    return set(statuses) <= ({200} if options.end == "WINCH" else {200, None})
+    time.sleep(3)  # for the calls whose server has left
+    made = calls_at(array) - before
+    print(f"after {options.end}: {dict(statuses)}; calls at the API manager: {made}")
+    return (made == options.clients and
+            set(statuses) <= ({200} if options.end == "WINCH" else {200, None}))
 
 
 def main():
