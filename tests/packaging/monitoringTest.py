@@ -1,5 +1,5 @@
-"""What watches the service: Prometheus reads the metrics and tries the alerts, and rules and
-board name metrics that there are. Needs promtool."""
+"""What watches the service: Prometheus reads the metrics and tries the alerts; rules, board and
+page name metrics that there are. Needs promtool."""
 
 import json
 import re
@@ -42,3 +42,5 @@ class MonitoringTest(harness.ServiceCase):
         self.assertGreater(len(used), 7)
         used |= set(METRIC.findall((FOLDER / "san-service.rules.yml").read_text()))
         self.assertLessEqual(used, set(METRIC.findall(metrics)))
+        described = re.findall("(?m)^. `(san_[a-z_]+)` .", (ROOT / "docs/operations.md").read_text())
+        self.assertEqual(set(described), set(re.findall(r"# TYPE (\w+)", metrics)))
