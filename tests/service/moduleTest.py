@@ -267,6 +267,12 @@ class LoadTest(ModuleCase):
             server.process.send_signal(signal.SIGUSR1)
             self.assertTrue(any(answer in server.post(soap.PING).text or time.sleep(0.05)
                                 for _ in range(600)), plugin)
+        replace(webServer.WSDL)  # no plug-in, so the one of before goes on
+        server.process.send_signal(signal.SIGUSR1)
+        while server.error_log().count("resuming normal operations") < 5:
+            time.sleep(0.05)
+        self.assertIn("invalid ELF header", server.error_log())
+        self.assertIn("Received Invalid", server.post(soap.PING).text)
 
 
 class OddPluginTest(ModuleCase):
