@@ -49,12 +49,6 @@ function(san_library name)
                         PRIVATE san_warnings ${ARG_PRIVATE_DEPENDS})
 endfunction()
 
-# san_thread_data(SOURCES...): for sources with data of each thread, which then comes with the thread.
-# Made when it is first used, the C library would end the process where memory has run out.
-function(san_thread_data)
-  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -ftls-model=initial-exec)
-endfunction()
-
 # san_program(NAME SOURCES... DEPENDS...)
 function(san_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})

@@ -89,6 +89,15 @@ const char* soapReadWsdl(struct soapWsdl** wsdl, const char* path, apr_pool_t* p
 /* soapWsdl.c: answers with the description, with the address by which the client came. */
 int soapSendWsdl(request_rec* r, const struct soapWsdl* wsdl);
 
+/* Bytes that are copied together at the end of a brigade; only that is set at first. */
+struct soapBlocks {
+    apr_bucket_brigade* brigade;
+    apr_bucket* last; /* the next bytes go into it, */
+    apr_size_t room;  /* which has so much room */
+};
+
+/* soapBody.c: appends bytes; false when there is no memory. */
+int soapCopyBytes(struct soapBlocks* blocks, const char* data, apr_size_t size);
 /* soapBody.c: collects the request body in `body`. OK or an HTTP status; with a body that no
  * client sends, `refusal` then says what is wrong with it. */
 int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal);

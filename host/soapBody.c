@@ -1,4 +1,5 @@
-/* The request body: collected as the server's own buckets, copied once into the engine. */
+/* The request body: collected as the server's own buckets, copied once into the engine. And the
+ * copying of bytes into such buckets, which the reply needs as well. */
 #include "host/modGsoap.h"
 
 #include <http_core.h>
@@ -17,10 +18,8 @@
 
 struct bodyReading {
     struct soapBodyScan scan;
-    apr_bucket_brigade* body;
+    struct soapBlocks body; /* small pieces are copied */
     apr_pool_t* pool;
-    apr_bucket* block; /* small pieces are copied into it */
-    apr_size_t room;   /* bytes that are left in it */
     apr_off_t length;
     apr_off_t pieces;
     apr_off_t freePieces;
@@ -40,31 +39,50 @@ static apr_off_t announcedLength(request_rec* r) {
     return text && ap_parse_strict_length(&length, text) ? length : 0;
 }
 
-static int addBlock(struct bodyReading* reading) {
-    apr_bucket_alloc_t* list = reading->body->bucket_alloc;
-    char* block = apr_bucket_alloc(APR_BUCKET_BUFF_SIZE, list);
-    if (!block) {
+static void freeUnlessNull(void* piece) {
+    if (piece) {
+        apr_bucket_free(piece);
+    }
+}
+
+/* A bucket of no bytes yet. What the library needs for one it takes for granted, so it is asked for
+ * and given back before; null when there is no memory. */
+static apr_bucket* makeBlock(apr_bucket_alloc_t* list) {
+    void* bucket = apr_bucket_alloc(sizeof(apr_bucket), list);
+    void* heap = apr_bucket_alloc(sizeof(apr_bucket_heap), list);
+    char* bytes = apr_bucket_alloc(APR_BUCKET_BUFF_SIZE, list);
+    const int isThere = bucket && heap && bytes;
+    freeUnlessNull(bucket);
+    freeUnlessNull(heap);
+    if (!isThere) {
+        freeUnlessNull(bytes);
+        return NULL;
+    }
+    apr_bucket* block = apr_bucket_heap_create(bytes, APR_BUCKET_BUFF_SIZE, apr_bucket_free, list);
+    block->length = 0;
+    return block;
+}
+
+static int addBlock(struct soapBlocks* blocks) {
+    blocks->last = makeBlock(blocks->brigade->bucket_alloc);
+    if (!blocks->last) {
         return 0;
     }
-    reading->block = apr_bucket_heap_create(block, APR_BUCKET_BUFF_SIZE, apr_bucket_free, list);
-    reading->block->length = 0;
-    reading->room = APR_BUCKET_BUFF_SIZE;
-    APR_BRIGADE_INSERT_TAIL(reading->body, reading->block);
+    blocks->room = APR_BUCKET_BUFF_SIZE;
+    APR_BRIGADE_INSERT_TAIL(blocks->brigade, blocks->last);
     return 1;
 }
 
-/* Copies a piece behind the pieces before it; only a full block makes a new one. False when there
- * is no memory. */
-static int copyPiece(struct bodyReading* reading, const char* data, apr_size_t size) {
+int soapCopyBytes(struct soapBlocks* blocks, const char* data, apr_size_t size) {
     while (size > 0) {
-        if (reading->room == 0 && !addBlock(reading)) {
+        if (blocks->room == 0 && !addBlock(blocks)) {
             return 0;
         }
-        const apr_size_t part = size < reading->room ? size : reading->room;
-        apr_bucket_heap* heap = reading->block->data;
-        memcpy(heap->base + reading->block->length, data, part);
-        reading->block->length += part;
-        reading->room -= part;
+        const apr_size_t part = size < blocks->room ? size : blocks->room;
+        apr_bucket_heap* heap = blocks->last->data;
+        memcpy(heap->base + blocks->last->length, data, part);
+        blocks->last->length += part;
+        blocks->room -= part;
         data += part;
         size -= part;
     }
@@ -77,14 +95,14 @@ static int copyPiece(struct bodyReading* reading, const char* data, apr_size_t s
 static int keepPiece(struct bodyReading* reading, apr_bucket* bucket, const char* data,
                      apr_size_t size) {
     if (size < SMALL_PIECE) {
-        return copyPiece(reading, data, size);
+        return soapCopyBytes(&reading->body, data, size);
     }
     if (apr_bucket_setaside(bucket, reading->pool) != APR_SUCCESS) {
         return 0;
     }
-    reading->room = 0; /* what comes next goes behind this one */
+    reading->body.room = 0; /* what comes next goes behind this one */
     APR_BUCKET_REMOVE(bucket);
-    APR_BRIGADE_INSERT_TAIL(reading->body, bucket);
+    APR_BRIGADE_INSERT_TAIL(reading->body.brigade, bucket);
     return 1;
 }
 
@@ -127,9 +145,8 @@ int soapReadBody(request_rec* r, apr_bucket_brigade* body, const char** refusal)
     apr_bucket_brigade* part = apr_brigade_create(r->pool, r->connection->bucket_alloc);
     struct bodyReading reading;
     int status = OK;
-    reading.body = body;
+    reading.body = (struct soapBlocks){.brigade = body};
     reading.pool = r->pool;
-    reading.room = 0;
     reading.length = reading.pieces = 0;
     reading.freePieces =
         apr_table_get(r->headers_in, "Transfer-Encoding") ? FREE_CHUNKS : FREE_PIECES;

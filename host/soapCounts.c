@@ -109,6 +109,7 @@ struct soapServiceCounts* soapFindCounts(const char* path) {
 
 void soapBeginProcess(void) {
     ownPid = getpid();
+    usualPlace = 0; /* makes room for the thread's own data before memory may be scarce */
 }
 
 /* The owner is written last, so that nobody sees a free place with another call's times. */

@@ -24,10 +24,11 @@ struct readyContext {
     struct soap context;
     struct soapRequestConf conf;
     struct soapCall* call;
-    apr_bucket_brigade* body;  /* what the engine has still to read */
-    apr_bucket_brigade* reply; /* what it has written */
-    int spoilt;                /* the context is not as it was set up */
-    short version;             /* of SOAP, in which the reply is written */
+    apr_bucket_brigade* body; /* what the engine has still to read */
+    struct soapBlocks reply;  /* what it has written */
+    int isCut;                /* there was no memory for all of the reply */
+    int spoilt;               /* the context is not as it was set up */
+    short version;            /* of SOAP, in which the reply is written */
 };
 
 /* The one whose request the thread serves: the hooks run with copies of its context too. */
@@ -57,7 +58,10 @@ static size_t receive(struct soap* context, char* target, size_t room) {
 
 static int sendReply(struct soap* context, const char* data, size_t size) {
     struct readyContext* ready = noteUse(context);
-    if (!ready || apr_brigade_write(ready->reply, NULL, NULL, data, size) != APR_SUCCESS) {
+    if (!ready || !soapCopyBytes(&ready->reply, data, size)) {
+        if (ready) {
+            ready->isCut = 1;
+        }
         return SOAP_EOF;
     }
     ready->version = context->version;
@@ -171,7 +175,7 @@ static int isAsNew(const struct readyContext* ready) {
 
 static void giveBack(struct soapLibrary* library, struct readyContext* ready) {
     ready->conf.r = NULL;
-    ready->body = ready->reply = NULL;
+    ready->body = ready->reply.brigade = NULL;
     for (int i = 0; i < SOAP_READY_CONTEXTS && isAsNew(ready); ++i) {
         struct readyContext* empty = NULL;
         if (__atomic_compare_exchange_n(&library->contexts[i], &empty, ready, 0, __ATOMIC_RELEASE,
@@ -189,7 +193,7 @@ static int callPlugin(struct readyContext* ready, const struct apache_soap_inter
     if (!soapServeGuarded(table->serve, &ready->context, &status, &type)) {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
                       "the SOAP plug-in let an exception of type %s pass", type);
-    } else if (APR_BRIGADE_EMPTY(ready->reply)) {
+    } else if (ready->isCut || APR_BRIGADE_EMPTY(ready->reply.brigade)) {
         ap_log_rerror(APLOG_MARK, APLOG_ERR, 0, ready->conf.r,
                       "the SOAP plug-in gave no answer, its status is %d", status);
     } else {
@@ -207,7 +211,8 @@ int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call
         ready->conf.r = r;
         ready->call = call;
         ready->body = body;
-        ready->reply = reply;
+        ready->reply = (struct soapBlocks){.brigade = reply};
+        ready->isCut = 0;
         ready->version = 0;
         current = ready;
         status = callPlugin(ready, library->table);
@@ -224,6 +229,7 @@ int soapServe(request_rec* r, struct soapLibrary* library, struct soapCall* call
     }
     *isSoap12 = 0;
     apr_brigade_cleanup(reply);
-    apr_brigade_puts(reply, NULL, NULL, kNoAnswer);
+    struct soapBlocks answer = {.brigade = reply};
+    (void)soapCopyBytes(&answer, kNoAnswer, sizeof kNoAnswer - 1); /* without memory it is empty */
     return HTTP_INTERNAL_SERVER_ERROR;
 }

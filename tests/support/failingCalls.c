@@ -146,6 +146,12 @@ EXPORT void closelog(void) {
     REAL(closelog)();
 }
 
+/* Of the web server's pools, which do not come from malloc. */
+void* apr_allocator_alloc(void*, size_t);
+EXPORT void* apr_allocator_alloc(void* allocator, size_t size) {
+    return fails() ? NULL : REAL(apr_allocator_alloc)(allocator, size);
+}
+
 static size_t moved(size_t size) {
     return failures->kind == kOneByte && size > 1 ? 1 : size;
 }

@@ -50,7 +50,7 @@ bool rehearse() {
 }  // namespace
 
 void setUpThread() {
-    static thread_local bool ready = false;
+    static thread_local bool ready = false;  // the first look makes room for all our own
     if (!ready) {
         ready = true;
         // Volatile, since a result that nobody wants is not asked for.

@@ -8,7 +8,9 @@
 /// done later.
 void setUpProcess();
 
-/// Does the same for a thread: what the C++ library and protobuf make with the thread's first
-/// exception and message. The C library ends the process when there is no memory for those, so it
-/// is taken before it is scarce. Costs a look from the second call on.
+/// Does the same for a thread: its own data, and what the C++ library and protobuf make with its
+/// first exception and message. The C library ends the process when there is no memory for those,
+/// so it is taken before it is scarce. Costs a look from the second call on. Compiled to come with
+/// the thread (-ftls-model=initial-exec), only ten plug-ins could ever be loaded, one behind the
+/// other.
 void setUpThread();
