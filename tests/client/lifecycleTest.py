@@ -128,12 +128,3 @@ class ServiceTest(harness.ServiceCase):
         self.assertEqual(self.array.show("state")["clusters"], [])
         alone = self.sanctl(0, "lifecycle", "--parallel", "3")
         self.assertIn("3 of 3 clusters lived to the end", alone.stdout)
-
-    def test_an_answer_that_the_service_cannot_use_leaves_the_outcome_unknown(self):
-        for kind in "closeEarly", "badXml", "noValue":
-            self.array.fail(kind, "RemoveHccFromSan")
-            self.sanctl(4, "remove-hcc-from-san", "--san-id", "array-1", "--hcc-id", "c1")
-
-    def test_a_refusal_is_told(self):
-        unknown = self.sanctl(1, "remove-hcc-from-san", "--san-id", "array-1", "--hcc-id", "c1")
-        self.assertIn('Cluster "c1" is not known', unknown.stderr)

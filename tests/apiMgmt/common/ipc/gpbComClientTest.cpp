@@ -1,9 +1,15 @@
 #include "apiMgmt/common/ipc/gpbComClient.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -11,8 +17,59 @@
 #include "apiMgmt/apiStub/base/methodReturns/apiSocketError.h"
 #include "apiMgmt/common/ipc/ipcFraming.h"
 #include "testbed/scriptedPeer.h"
-#include "tests/support/interruptedCalls.h"
 #include "tests/support/replyMessage.h"
+
+/// While `interruptsEach` is set, connect, poll, send and recv are interrupted once before they do
+/// their work, a connect after it has begun, and what is sent or received goes byte by byte.
+namespace {
+
+std::atomic<bool> interruptsEach{false};
+/// Gives each socket the port that it is to call; the system does so by chance, about once in ten
+/// thousand calls.
+std::atomic<bool> callsItself{false};
+std::atomic<int> interruptions{0};
+
+/// True for every other call while calls are interrupted.
+bool interruptsNow() {
+    thread_local bool interrupted = false;
+    interrupted = interruptsEach && !interrupted;
+    if (interrupted) {
+        ++interruptions;
+        errno = EINTR;
+    }
+    return interrupted;
+}
+
+size_t part(size_t size) {
+    return interruptsEach && size > 1 ? 1 : size;
+}
+
+}  // namespace
+
+extern "C" {
+
+__attribute__((visibility("default"))) int connect(int fd, const sockaddr* peer, socklen_t size) {
+    if (callsItself) {
+        EXPECT_EQ(::bind(fd, peer, size), 0);
+    }
+    const auto result = static_cast<int>(syscall(SYS_connect, fd, peer, size));
+    return result == 0 && interruptsNow() ? -1 : result;
+}
+
+__attribute__((visibility("default"))) int poll(pollfd* list, nfds_t count, int timeout) {
+    return interruptsNow() ? -1 : static_cast<int>(syscall(SYS_poll, list, count, timeout));
+}
+
+__attribute__((visibility("default"))) ssize_t send(int fd, const void* bytes, size_t size,
+                                                    int flags) {
+    return interruptsNow() ? -1 : syscall(SYS_sendto, fd, bytes, part(size), flags, nullptr, 0);
+}
+
+__attribute__((visibility("default"))) ssize_t recv(int fd, void* bytes, size_t size, int flags) {
+    return interruptsNow() ? -1
+                           : syscall(SYS_recvfrom, fd, bytes, part(size), flags, nullptr, nullptr);
+}
+}
 
 namespace {
 
@@ -124,10 +181,36 @@ TEST(GpbComClientTest, GoesOnAfterInterruptedCalls) {
         ScriptedPeer::receive(fd);
         ScriptedPeer::send(fd, replyFrame("at last"));
     });
-    interruptedCalls::each = true;
+    interruptsEach = true;
     EXPECT_EQ(exchange(peer.port()), "at last");
-    interruptedCalls::each = false;
-    EXPECT_GT(interruptedCalls::count, 4);
+    interruptsEach = false;
+    EXPECT_GT(interruptions, 4);
+}
+
+/// A port of loopback that was free to bind: `port`, or for 0 any; -1 when it is taken.
+int bindAndFree(int port) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    const bool bound = ::bind(fd, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+                       ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    ::close(fd);
+    return bound ? ntohs(address.sin_port) : -1;
+}
+
+TEST(GpbComClientTest, ItselfIsNobodyAndThePortStaysFree) {
+    // The larger one is more than the system keeps for a socket that nobody reads.
+    for (const std::size_t size : {std::size_t{0}, std::size_t{16} << 20U}) {
+        const int port = bindAndFree(0);
+        callsItself = true;
+        EXPECT_EQ(failureOf(port, makeRequest(std::string(size, 'x'))),
+                  "127.0.0.1:" + std::to_string(port) + ": Unable to connect: Connection refused");
+        callsItself = false;
+        EXPECT_EQ(bindAndFree(port), port) << "the peer cannot start for a minute";
+    }
 }
 
 // One byte more than the largest is refused by who sends it and by who is told of it.

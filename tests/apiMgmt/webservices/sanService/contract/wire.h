@@ -42,11 +42,11 @@ std::string answer(soap& context, const std::string& text, Call call) {
     return out.str();
 }
 
-// The bytes of a sample: without the line breaks and indentation that make it readable.
-std::string sample(const std::string& name);
-
 // The bytes that were written, without the line breaks behind the declaration and the envelope.
-std::string joined(const std::string& text);
+inline std::string joined(std::string text) {
+    std::erase_if(text, [](char each) { return each == '\n' || each == '\r'; });
+    return text;
+}
 
 // Reads one envelope whose body holds the given message and writes it again, with the header that
 // was read; gives what was written or "error N".
