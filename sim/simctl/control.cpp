@@ -54,7 +54,7 @@ Json Control::read(const httplib::Result& result) const {
         return json;
     }
     if (json.is_object() && json.contains("error") && json["error"].is_string()) {
-        throw std::runtime_error(json["error"].get<std::string>());
+        throw RefusedBySimulator(json["error"].get<std::string>());
     }
     throw std::runtime_error("what answers at " + m_where + " is no simulator of this version");
 }

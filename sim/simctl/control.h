@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "sim/text/jsonText.h"
@@ -19,8 +20,14 @@ struct ControlPlace {
     std::string token;       // for the URL; may be empty
 };
 
-/// Asks a running simulator. Every request throws std::runtime_error when none answers, or with
-/// the simulator's words when it refuses. Paths stand below /api/v1.
+/// With the simulator's words.
+class RefusedBySimulator : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Asks a running simulator. Every request throws std::runtime_error when none answers, and
+/// RefusedBySimulator when it refuses. Paths stand below /api/v1.
 class Control {
 public:
     explicit Control(const ControlPlace& place);

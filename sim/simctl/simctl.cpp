@@ -89,6 +89,17 @@ void printExchanges(const Json& exchanges, bool asJson) {
     }
 }
 
+/// Sends what stands in the file; the simulator's complaints about it name the file.
+template <class Send>
+Json sendFile(const std::string& file, const Send& send) {
+    const Json content = file.empty() ? Json::object() : sim::readJsonFile(file);
+    try {
+        return send(content);
+    } catch (const sim::RefusedBySimulator& failure) {
+        throw std::runtime_error((file.empty() ? "" : file + ": ") + failure.what());
+    }
+}
+
 /// The id of the last exchange that there is, or 0.
 std::uint64_t lastId(Control& control) {
     const Json last = control.get("/exchanges?last=1&documents=none");
@@ -97,16 +108,16 @@ std::uint64_t lastId(Control& control) {
 
 void showLog(Control& control, const Arguments& arguments) {
     std::uint64_t seen = arguments.follow ? lastId(control) : 0;
-    printExchanges(
-        control.get("/exchanges" + queryOf(arguments, "documents=indented&last=" +
-                                                          std::to_string(arguments.last))),
-        arguments.json);
+    const auto show = [&](const std::string& which) {
+        const Json exchanges =
+            control.get("/exchanges" + queryOf(arguments, "documents=indented&" + which));
+        printExchanges(exchanges, arguments.json);
+        seen = exchanges.empty() ? seen : exchanges.back()["id"].get<std::uint64_t>();
+    };
+    show("last=" + std::to_string(arguments.last));
     while (arguments.follow) {
         std::this_thread::sleep_for(kPollTime);
-        const Json fresh = control.get(
-            "/exchanges" + queryOf(arguments, "documents=indented&since=" + std::to_string(seen)));
-        printExchanges(fresh, arguments.json);
-        seen = fresh.empty() ? seen : fresh.back()["id"].get<std::uint64_t>();
+        show("since=" + std::to_string(seen));
     }
 }
 
@@ -130,7 +141,8 @@ void fail(Control& control, const Arguments& arguments) {
     } else if (arguments.removeId != 0) {
         control.remove("/faults/" + std::to_string(arguments.removeId));
     } else if (!arguments.scenarioFile.empty()) {
-        control.post("/scenarios", sim::readJsonFile(arguments.scenarioFile));
+        sendFile(arguments.scenarioFile,
+                 [&](const Json& scenario) { return control.post("/scenarios", scenario); });
     } else if (!arguments.rule.contains("fault")) {
         throw CLI::RequiredError("COMMAND and FAULT, or one of the options above,");
     } else {
@@ -140,12 +152,7 @@ void fail(Control& control, const Arguments& arguments) {
 }
 
 /// What is to be verified: the file's content, and the rules that are named besides.
-Json expectations(const Arguments& arguments) {
-    if (arguments.expectationFile.empty() && arguments.rules.empty()) {
-        throw CLI::RequiredError("FILE, or --rules,");
-    }
-    Json out = arguments.expectationFile.empty() ? Json::object()
-                                                 : sim::readJsonFile(arguments.expectationFile);
+Json expectations(Json out, const Arguments& arguments) {
     if (!arguments.rules.empty()) {
         out["rules"] = arguments.rules;
     }
@@ -156,14 +163,20 @@ Json expectations(const Arguments& arguments) {
 }
 
 int verify(Control& control, const Arguments& arguments) {
-    const Json expected = expectations(arguments);
+    if (arguments.expectationFile.empty() && arguments.rules.empty()) {
+        throw CLI::RequiredError("FILE, or --rules,");
+    }
     const auto end =
         std::chrono::steady_clock::now() + std::chrono::duration<double>(arguments.waitSeconds);
-    Json verdict = control.post("/verify", expected);
-    while (!verdict["passed"].get<bool>() && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(kPollTime);
-        verdict = control.post("/verify", expected);
-    }
+    const Json verdict = sendFile(arguments.expectationFile, [&](const Json& content) {
+        const Json expected = expectations(content, arguments);
+        Json latest = control.post("/verify", expected);
+        while (!latest["passed"].get<bool>() && std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(kPollTime);
+            latest = control.post("/verify", expected);
+        }
+        return latest;
+    });
     arguments.json ? printJson(verdict) : print(sim::verdictText(verdict));
     if (!arguments.junitFile.empty()) {
         const std::string& file = arguments.expectationFile;
@@ -195,8 +208,9 @@ void seed(Control& control, const Arguments& arguments) {
     if (arguments.seedFile.empty()) {
         return printJson(control.get("/seed"));
     }
-    control.put("/seed", Json{{"volumes", arguments.volumes},
-                              {"content", sim::readJsonFile(arguments.seedFile)}});
+    sendFile(arguments.seedFile, [&](const Json& content) {
+        return control.put("/seed", Json{{"volumes", arguments.volumes}, {"content", content}});
+    });
 }
 
 void clock(Control& control, const Arguments& arguments) {
@@ -267,9 +281,12 @@ void declareVerify(CLI::App& app, Arguments& arguments) {
     CLI::App& command = *app.add_subcommand(
         "verify", "compare the calls that came with what was expected; status 1 when they differ");
     command.add_option("FILE", arguments.expectationFile, "the expectations (JSON)")->type_name("");
-    command.add_option("--rules", arguments.rules, "rules that every cluster keeps, or all")
+    command
+        .add_option("--rules", arguments.rules,
+                    "rules that every cluster keeps, with commas between, or all")
         ->delimiter(',')
-        ->type_name("NAME,...");
+        ->allow_extra_args(false)
+        ->type_name("NAME");
     command.add_option("--since", arguments.since, "look at calls after the one of this id")
         ->type_name("ID");
     command.add_option("--wait", arguments.waitSeconds, "give it so long to pass (default 0)")

@@ -112,10 +112,12 @@ std::string faultRulesText(const Json& rules) {
     for (const Json& rule : rules) {
         const int count = rule.value("count", 1);
         const int after = rule.value("after", 0);
+        const int forMs = rule.value("forMs", 0);
         out += "fault " + std::to_string(rule.value("id", 0)) + ": " + textOf(rule, "command") +
                " " + textOf(rule, "fault") + ", " +
                (count == 0 ? "every call" : "next " + std::to_string(count) + " call(s)") +
-               (after == 0 ? "" : " after " + std::to_string(after)) + "\n";
+               (after == 0 ? "" : " after " + std::to_string(after)) +
+               (forMs == 0 ? "" : " for " + std::to_string(forMs) + " ms") + "\n";
     }
     return out.empty() ? "no faults\n" : out;
 }

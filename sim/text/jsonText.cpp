@@ -26,7 +26,8 @@ Json parseJson(const std::string& text, const std::string& what) {
 
 Json readJsonFile(const std::string& file) {
     std::ifstream in(file);
-    if (!in) {
+    in.peek();  // A folder can be opened, and not read.
+    if (!in.is_open() || in.bad()) {
         throw std::runtime_error("cannot read " + file);
     }
     return parseJson({std::istreambuf_iterator<char>(in), {}}, file);

@@ -10,8 +10,9 @@ import unittest
 import wire
 from arraySimulator import ArraySimulator
 from commandTest import ALL, call
-from programs import SIMCTL, SIMULATOR, run
+from programs import ROOT, SIMCTL, SIMULATOR, run
 
+SCENARIO = ROOT / "packaging/scenarios/arrayDown.json"
 LIFE = ("AddHccToSan", "AddServer", "HccAttachVolume", "MakeDataAvailable")
 
 
@@ -89,6 +90,9 @@ class ControlTest(unittest.TestCase):
                 (("foo",), 64, "foo"),
                 (("fail", "--remove", "99"), 1, "no fault of that id"),
                 (("reset", "everything"), 64, "everything"),
+                (("seed", "/"), 1, "cannot read /"),
+                (("seed", SCENARIO), 1, f"{SCENARIO}: the seed has no member"),
+                (("verify", "--rules", "all", SCENARIO), 1, f"{SCENARIO}: the expectations"),
                 (("log", *nobody), 1, "no simulator answers"),
                 (("fail", "--rules", *nobody), 1, "no simulator answers"),
                 (("fail", "--kinds", *nobody), 0, "")):
