@@ -5,20 +5,9 @@
 #include <string>
 
 #include "host/include/soapBodyScan.h"
+#include "tests/support/repeated.h"
 
 namespace {
-
-std::string repeated(const std::string& piece, int count) {
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        std::string next = piece;
-        if (const size_t mark = next.find('#'); mark != std::string::npos) {
-            next.replace(mark, 1, std::to_string(i));
-        }
-        text += next;
-    }
-    return text;
-}
 
 struct Body {
     std::string text;

@@ -5,17 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/repeated.h"
+
 namespace {
 
 using parser::XMLParser;
-
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string all;
-    while (count-- > 0) {
-        all += text;
-    }
-    return all;
-}
 
 std::string nested(std::size_t depth) {
     return repeated("<a>", depth) + repeated("</a>", depth);
