@@ -42,7 +42,3 @@ class LogCollector(unittest.TestCase):
         self.socket.write_text("precious")
         done = run(COLLECTOR, self.file, self.socket)
         self.assertEqual((done.returncode, self.socket.read_text()), (1, "precious"))
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -8,7 +8,6 @@ import harness
 import soap
 from arraySimulator import success
 from operations import OPERATIONS, SCSI, SKIPPED, VOLUME
-from programs import closed_port
 from soap import elements
 
 USER, TOKEN = "marker-user:marker-pass", "marker-token"
@@ -167,14 +166,6 @@ class OperationsTest(harness.ServiceCase):
                     self.assertEqual(value, escape(arrives, {'"': "&quot;", "'": "&apos;"}))
                     self.assertEqual(request.hccId, arrives)
                 self.assertEqual(len(lines), 2)
-
-    def test_an_api_manager_that_is_not_there(self):
-        with closed_port() as port, harness.WebServer(api_manager_port=port) as server:
-            for body in BODIES.values():
-                reply = server.post(soap.envelope(body, HEAD))
-                self.assertEqual(soap.fault_of(reply), NO_RETURN)
-            self.assertIn(line("Received NULL response"), server.syslog())
-            self.assertNotIn("marker", "".join(server.syslog()) + server.error_log())
 
     @classmethod
     def tearDownClass(cls):
