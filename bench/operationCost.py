@@ -215,7 +215,8 @@ def serving(arguments, request):
         access_log=False,
         extra=NO_OVERRIDES + LOCATION.format(path="/bare", plugin=webServer.BARE_PLUGIN)
         + LOCATION.format(path="/exchange", plugin=EXCHANGE_PLUGIN)
-        + LOCATION.format(path="/logging", plugin=LOGGING_PLUGIN))
+        + LOCATION.format(path="/logging", plugin=LOGGING_PLUGIN)
+        + getattr(arguments, "server_lines", ""))
     (server.directory / "documents" / "1k.html").write_bytes(b"x" * 1024)
     (server.directory / "reply").write_bytes(reply)
     with running([PEER, server.directory / "reply"], text=True,

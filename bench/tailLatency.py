@@ -1,13 +1,18 @@
 #!/usr/bin/env python3
-"""Throughput and latency as connections and threads grow, beside the static file.
+"""Throughput and latency as connections and threads grow, beside the static file and the bare
+exchange in the same run, and what the lock around the log costs.
 
-    bench/tailLatency.py [--seconds S]
+    bench/tailLatency.py [--rounds N] [--seconds S] [--connections N,...] [--threads N,...] [--lock]
 
-Asks the rungs a, c, l and d of operationCost.py over 1 to 256 connections to 64 threads, then over
-64 connections to 1 to 64 threads, under event. Prints requests per second and the latencies that
-half, 99 % and 99.9 % of the requests stay below, and what the log lines cost (l without c) in
-processor time: the C library lets one thread at a time write to the log, which is the only lock
-that a request meets. Needs what operationCost.py needs.
+Asks the rungs a, c, l and d of operationCost.py in turns, over each number of connections to each
+number of threads, under event, and prints the medians of the rounds: requests per second, the
+latencies that half, 99 % and 99.9 % of the requests stay below, processor time. The last line of
+each tells the service's latencies as multiples of the bare exchange's.
+
+The C library lets one thread of a process at a time write to the log; it is the only lock that a
+request meets. --lock measures what it costs instead: 64 connections to 64 threads of one process,
+and to 8 threads of each of 8 processes, with log lines (l) and without (c). Needs what
+operationCost.py needs.
 """
 
 import argparse
@@ -18,9 +23,10 @@ import subprocess
 import operationCost as cost
 from operationCost import soap, webServer
 
-CONNECTIONS = (1, 4, 16, 64, 256)
-THREADS = (1, 4, 16, 64)
 RUNGS = "acld"
+ONE_PROCESS = ""
+EIGHT_PROCESSES = ("StartServers 8\nMinSpareThreads 64\nMaxSpareThreads 64\nThreadsPerChild 8\n"
+                   "MaxRequestWorkers 64\n")
 SCRIPT = """
 done = function(summary, latency, requests)
     io.write(string.format("LATENCY %d %d %d\\n", latency:percentile(50),
@@ -49,37 +55,84 @@ class Load(cost.Load):
         return rate, [int(us) / 1000 for us in latencies], used / cost.TICK / max(count, 1) * 1e6
 
 
-def measure_all(load, connections, threads, seconds):
-    print(f"\n{connections} connections, {threads} threads")
-    used = {}
-    for name, what, path in cost.TARGETS:
-        if name not in RUNGS:
-            continue
-        rounds = [load.measure(path, connections, seconds) for _ in range(3)]
-        rate = statistics.median(row[0] for row in rounds)
-        half, most, nearly_all = (statistics.median(row[1][i] for row in rounds) for i in range(3))
-        used[name] = statistics.median(row[2] for row in rounds)
-        print(f"  {name}  {what:25}{rate:10.0f}/s   p50 {half:8.2f} ms   p99 {most:8.2f} ms   "
-              f"p99.9 {nearly_all:8.2f} ms   {used[name]:6.1f} µs")
-    print(f"     the log lines: {used['l'] - used['c']:.1f} µs of processor time")
+def prepared(server):
+    load = Load(server, argparse.Namespace(connections=1))
+    script = server.directory / "fetch.lua"
+    script.write_text(SCRIPT)
+    load.scripts["/1k.html"] = str(script)
+    for path in ("/exchange", "/logging", webServer.PATH):
+        load.prepare(path, soap.PING)
+    return load
+
+
+def in_turns(loads, connections, arguments):
+    """Medians of each rung at each of the loads: rate, three latencies, processor time."""
+    rows = {}
+    for _ in range(arguments.rounds):
+        for place, load in loads.items():
+            for name, _, path in cost.TARGETS:
+                if name in RUNGS:
+                    rate, latencies, used = load.measure(path, connections, arguments.seconds)
+                    rows.setdefault((place, name), []).append((rate, *latencies, used))
+    return {key: [statistics.median(column) for column in zip(*rounds)]
+            for key, rounds in rows.items()}
+
+
+def report(rows, place):
+    for name, what, _ in cost.TARGETS:
+        if (place, name) in rows:
+            rate, half, most, nearly_all, used = rows[place, name]
+            print(f"  {name}  {what:25}{rate:10.0f}/s   p50 {half:8.2f} ms   p99 {most:8.2f} ms   "
+                  f"p99.9 {nearly_all:8.2f} ms   {used:6.1f} µs", flush=True)
+
+
+def grow(arguments):
+    for threads in arguments.threads:
+        with serving(arguments, threads) as server:
+            load = prepared(server)
+            for connections in arguments.connections:
+                print(f"\n{connections} connections, {threads} threads")
+                rows = in_turns({"": load}, connections, arguments)
+                report(rows, "")
+                print("     the service by the bare exchange:" + "".join(
+                    f"   {what} {ours / bare:.2f}" for what, ours, bare in
+                    zip(("p50", "p99", "p99.9"), rows["", "d"][1:], rows["", "c"][1:])))
+
+
+def lock(arguments):
+    connections = 64
+    with serving(arguments, connections, ONE_PROCESS) as one, \
+            serving(arguments, connections, EIGHT_PROCESSES) as eight:
+        rows = in_turns({"one process of 64 threads": prepared(one),
+                         "8 processes of 8 threads": prepared(eight)}, connections, arguments)
+    lines = {}
+    for place in dict.fromkeys(place for place, _ in rows):
+        print(f"\n{place}, {connections} connections")
+        report(rows, place)
+        lines[place] = rows[place, "l"][4] - rows[place, "c"][4]
+        print(f"     the log lines: {lines[place]:.1f} µs of processor time")
+    one_process, eight_processes = lines.values()
+    print(f"\nthe lock between 64 threads: {one_process - eight_processes:.1f} µs of processor time")
+
+
+def serving(arguments, threads, server_lines=ONE_PROCESS):
+    return cost.serving(argparse.Namespace(**{**vars(arguments), "mpm": "event", "threads": threads,
+                                              "server_lines": server_lines}), soap.PING)
+
+
+def numbers(text):
+    return [int(number) for number in text.split(",")]
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
-    parser.add_argument("--seconds", type=int, default=2, help="for each figure, three times")
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n", maxsplit=1)[0])
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--seconds", type=int, default=2, help="for each figure of a round")
+    parser.add_argument("--connections", type=numbers, default=[1, 4, 16, 64, 256])
+    parser.add_argument("--threads", type=numbers, default=[1, 8, 64])
+    parser.add_argument("--lock", action="store_true", help="what the lock costs, instead")
     arguments = parser.parse_args()
-    arguments.mpm = "event"
-    for threads in THREADS:
-        arguments.threads = threads
-        with cost.serving(arguments, soap.PING) as server:
-            load = Load(server, argparse.Namespace(connections=1))
-            script = server.directory / "fetch.lua"
-            script.write_text(SCRIPT)
-            load.scripts["/1k.html"] = str(script)
-            for path in ("/exchange", "/logging", webServer.PATH):
-                load.prepare(path, soap.PING)
-            for connections in CONNECTIONS if threads == THREADS[-1] else (64,):
-                measure_all(load, connections, threads, arguments.seconds)
+    (lock if arguments.lock else grow)(arguments)
 
 
 if __name__ == "__main__":
