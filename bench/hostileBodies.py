@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """What a hostile body costs the web server, beside the largest sensible request.
 
-    bench/hostileBodies.py [--rounds N] [--most RATIO]
+    bench/hostileBodies.py [--rounds N] [--most RATIO] [--alone]
 
 Posts bodies of just the limit of 128 KiB, each made to cost as much as its shape can, and in turns
 with them AddHccToSan with 500 addresses. Printed are the status of each, the median of the
@@ -9,7 +9,10 @@ processor time that one request took of the server's process, and its ratio to t
 request; then what a body costs that comes in chunks, in processor time and memory. Exit status 1
 when a ratio is above --most.
 
-Needs a release build (scripts/run.sh --build-only).
+With --alone the plug-in is served by a program that looks at nothing before it, in place of the
+web server and its module: its own limits are what keeps the ratio.
+
+Needs a release build (scripts/run.sh --build-only), and the targets of bench/ for --alone.
 """
 
 import argparse
@@ -18,6 +21,7 @@ import os
 import pathlib
 import re
 import statistics
+import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
@@ -25,6 +29,7 @@ os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
 sys.path.insert(0, str(ROOT / "testbed"))
 
 from arraySimulator import ArraySimulator  # noqa: E402
+from programs import PRELOADED  # noqa: E402
 import soap  # noqa: E402
 import webServer  # noqa: E402
 
@@ -148,11 +153,44 @@ def in_pieces(array, rounds, chunk):
     return statistics.median(times), grown, statuses[0]
 
 
+def cost_alone(array, body, rounds):
+    """(milliseconds of processor time, what became of it) of a request to the plug-in alone."""
+    environment = {**os.environ, **PRELOADED,
+                   "SAN_TEST_APIMGR_PORT": str(array.port)}
+    said = subprocess.run([webServer.BUILD / "bench" / "aloneCost", str(rounds)], check=True,
+                          input=body.encode(), capture_output=True, env=environment).stdout.decode()
+    spent, _, outcome = said.strip().partition(" ")
+    return float(spent) / 1000, outcome
+
+
+def measure_alone(rounds):
+    """The worst ratio of all shapes at the plug-in alone, and the sensible request's time."""
+    worst = 0.0
+    with ArraySimulator("--lenient") as array:
+        for name, shape in SHAPES:
+            (base, outcome), (spent, end) = (cost_alone(array, body, rounds)
+                                             for body in (sensible(), shape()))
+            if outcome != "served":
+                sys.exit(f"the sensible request was not served: {outcome}")
+            worst = max(worst, spent / base)
+            print(f"{name:32}{spent:9.2f}{spent / base:8.2f}  {end}", flush=True)
+    return worst, base
+
+
+def conclude(worst, base, most):
+    print(f"AddHccToSan with 500 addresses: {base:.2f} ms; worst ratio: {worst:.2f}, "
+          f"at most {most:.2f}: {'met' if worst <= most else 'NOT MET'}")
+    return 0 if worst <= most else 1
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--most", type=float, default=5.0)
+    parser.add_argument("--alone", action="store_true", help="without the module")
     arguments = parser.parse_args()
+    if arguments.alone:
+        return conclude(*measure_alone(arguments.rounds), arguments.most)
     worst = 0.0
     with ArraySimulator("--lenient") as array, \
             serving(array) as server:
@@ -172,9 +210,7 @@ def main():
             time, memory, status = in_pieces(array, arguments.rounds, chunk)
             print(f"{f'of {chunk} bytes' if chunk else 'none, with a length':32}{status:7}"
                   f"{time:9.2f}{memory:8} KiB")
-    print(f"AddHccToSan with 500 addresses: {base:.2f} ms; worst ratio: {worst:.2f}, "
-          f"at most {arguments.most:.2f}: {'met' if worst <= arguments.most else 'NOT MET'}")
-    return 0 if worst <= arguments.most else 1
+    return conclude(worst, base, arguments.most)
 
 
 if __name__ == "__main__":

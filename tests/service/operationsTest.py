@@ -89,7 +89,7 @@ class OperationsTest(harness.ServiceCase):
             *(("AddHccToSan", f"<hccId>c1</hccId><hccKey>k</hccKey>{addresses}", unusable, skipped)
               for addresses, skipped in [
                   ("", 0), ("<cfmIpAddresses><port>1</port></cfmIpAddresses>", 1),
-                  (f"<cfmIpAddresses {nil}/>", 1),
+                  (f"<cfmIpAddresses {nil}/>", 1), ("<cfmIpAddresses/>" * 501, 500),
                   ('<cfmIpAddresses><ipAddress type="ipv4"><ipv4Addr/></ipAddress><port>1</port>'
                    "</cfmIpAddresses>", 0)]),
         ]

@@ -1,11 +1,16 @@
 #include "apiMgmt/webservices/sanService/requestRecords.h"
 
+#include <cstddef>
 #include <optional>
 
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiIpv4AddressPort.h"
 #include "apiMgmt/apiStub/apiSdk/objects/tarn/src/apiNorvaneInterfaceInformation.h"
 
 namespace {
+
+// A line costs more than reading the entry that it is about, so a list of nothing else would take
+// the log and the processor for itself. No sensible list has so many entries at all.
+constexpr std::size_t kMaxToldEntries = 500;
 
 // The text of whichever kind of address the entry carries; null when it carries none. The kind
 // is not looked at: the record turns what is no IPv4 address into "0.0.0.0".
@@ -44,10 +49,13 @@ std::optional<FrontEndTransportTypeEnum> transportOf(SanApi::ns1__InterfaceType 
 std::string addressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
                            const ServiceLog::FixedEntry& skipped, MissingAddress missing) {
     std::string text;
+    std::size_t unusable = 0;
     APIIpv4AddressPort record;  // one for all: each entry sets all of it
     for (const SanApi::ns1__IpAddressPort* entry : entries) {
         if (entry == nullptr || (entry->ipAddress == nullptr && missing == MissingAddress::Warn)) {
-            ServiceLog::Write(skipped);
+            if (unusable++ < kMaxToldEntries) {
+                ServiceLog::Write(skipped);
+            }
             continue;
         }
         const std::string* address =

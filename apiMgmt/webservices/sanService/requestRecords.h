@@ -11,7 +11,7 @@ enum class MissingAddress { Warn, Ignore };
 
 /// A request's list as a method keeps it: the text of one APIIpv4AddressPort for each usable entry.
 /// What cannot be used is left out:
-/// - a nil entry, and the line @p skipped is logged
+/// - a nil entry, and the line @p skipped is logged, for 500 entries at most
 /// - an entry without an address element; @p missing says whether that line is logged
 /// - an entry whose address is empty; nothing is logged
 std::string addressRecords(const std::vector<SanApi::ns1__IpAddressPort*>& entries,
