@@ -28,6 +28,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 os.environ.setdefault("SAN_BUILD_DIR", str(ROOT / "build" / "release"))
 sys.path.insert(0, str(ROOT / "testbed"))
 
+import operationCost  # noqa: E402
 from arraySimulator import ArraySimulator  # noqa: E402
 from programs import PRELOADED  # noqa: E402
 import soap  # noqa: E402
@@ -166,7 +167,7 @@ def cost_alone(array, body, rounds):
 def measure_alone(rounds):
     """The worst ratio of all shapes at the plug-in alone, and the sensible request's time."""
     worst = 0.0
-    with ArraySimulator("--lenient") as array:
+    with operationCost.log_daemon(), ArraySimulator("--lenient") as array:
         for name, shape in SHAPES:
             (base, outcome), (spent, end) = (cost_alone(array, body, rounds)
                                              for body in (sensible(), shape()))

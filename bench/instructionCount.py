@@ -9,6 +9,10 @@ exchange, with log lines, the operation), and how the cost grows with addresses 
 Counted is the last of some equal requests over one kept-alive connection to a prefork process
 that serves nothing else; "first" is the first request of all, Ping.
 
+    bench/instructionCount.py --growth
+
+Counts the operation alone, from few addresses and objects to as many as the limits let pass.
+
     bench/instructionCount.py --check [--update]
 
 Counts the operations of bench/instructionCeilings.json alone and fails when one needs more than is
@@ -363,6 +367,35 @@ def check(update):
                  "--check --update, and the reason in the commit")
 
 
+def most_addresses():
+    """As many as a body of 128 KiB holds."""
+    count = 1000
+    while len(cost.join_request(count + 1)) <= 128 * 1024:
+        count += 1
+    return count
+
+
+def grow():
+    """How the cost of the operation grows, step by step."""
+    steps = {
+        "addresses of AddHccToSan": [(count, cost.join_request(count), DONE)
+                                     for count in (4, 100, 500, 1000, most_addresses())],
+        "objects of a reply": [(count, soap.PING, objects(count))
+                               for count in (1, 10, 100, 1000, 10000)],
+    }
+    peer = Peer()
+    with Instructions(peer, 8) as server:
+        for what, rows in steps.items():
+            print(f"\n{what:>26}{'instructions':>16}{'for each more':>16}")
+            before = None
+            for count, request, document in rows:
+                peer.reply = reply_frame(document)
+                total, _ = server.warm(webServer.PATH, request)
+                each = f"{(total - before[1]) / (count - before[0]):,.0f}" if before else ""
+                print(f"{count:26,}{total:16,}{each:>16}", flush=True)
+                before = count, total
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n", maxsplit=1)[0])
     parser.add_argument("--operation", choices=OPERATIONS, action="append")
@@ -370,6 +403,7 @@ def main():
                         help="which of the rungs (default: %(default)s)")
     parser.add_argument("--functions", type=int, default=0, metavar="N",
                         help="also name the N functions that take most")
+    parser.add_argument("--growth", action="store_true", help="up to the limits")
     parser.add_argument("--check", action="store_true", help="compare with the ceilings")
     parser.add_argument("--update", action="store_true", help="write the ceilings down anew")
     arguments = parser.parse_args()
@@ -379,6 +413,8 @@ def main():
     with cost.log_daemon():
         if arguments.check:
             check(arguments.update)
+        elif arguments.growth:
+            grow()
         else:
             count_all(arguments.operation or list(OPERATIONS), arguments.rungs,
                       arguments.functions)
