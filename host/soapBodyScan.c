@@ -430,7 +430,31 @@ static const char* takeName(struct soapBodyScan* scan, const char* data, const c
     return data + size;
 }
 
-/* Most of a body is texts between tags that have no attributes. Passes over these; gives where
+/* Passes over attributes that are all there, with one blank at a time before them. */
+static const char* passAttributes(struct soapBodyScan* scan, const char* data, const char* end) {
+    while (data < end && !scan->refusal) {
+        if (*data == ' ') {
+            ++data;
+            continue;
+        }
+        const char* equals = startsName(*data) ? skipName(data, end) : data;
+        const size_t size = (size_t)(equals - data);
+        const int isWhole = end - equals > 2 && equals[0] == '=' &&
+                            (equals[1] == '"' || equals[1] == '\'') && size > 0 &&
+                            size <= kSoapMaxAttributeNameBytes;
+        const char* last = isWhole ? find(equals + 2, end, equals[1], '<', scan->mark) : end;
+        if (last == end || *last != equals[1]) {
+            break;
+        }
+        memcpy(scan->name, data, size);
+        scan->nameSize = (unsigned)size;
+        countAttribute(scan);
+        data = last + 1;
+    }
+    return data;
+}
+
+/* Most of a body is texts between tags that are all there. Passes over these; gives where
  * something else begins. */
 static const char* passPlain(struct soapBodyScan* scan, const char* data, const char* end) {
     for (;;) {
@@ -447,15 +471,20 @@ static const char* passPlain(struct soapBodyScan* scan, const char* data, const 
             closeElement(scan);
         } else {
             data = startsName(*name) ? skipName(name, end) : end;
-            const int isEmpty = end - data > 1 && data[0] == '/' && data[1] == '>';
-            if (data == end || (*data != '>' && !isEmpty)) {
+            if (data == end || (*data != '>' && *data != '/' && *data != ' ')) {
                 return tag;
             }
+            beginTag(scan);
+            data = passAttributes(scan, data, end);
+            const int isEmpty = end - data > 1 && data[0] == '/' && data[1] == '>';
+            if (scan->refusal || data == end || (*data != '>' && !isEmpty)) {
+                scan->state = IN_TAG;
+                return data;
+            }
             data += isEmpty;
-            scan->tagAttributes = scan->tagNamespaces = 0;
             openElement(scan);
             if (scan->refusal) {
-                return tag;
+                return data;
             }
             if (isEmpty) {
                 closeElement(scan);
