@@ -18,8 +18,8 @@ static const char* lookFrom(const struct soapPluginLook* next, struct soapPlugin
     return reason;
 }
 
-/* A plug-in is never unmapped, so at a graceful restart the one of before is still there. The
- * server would end if it did not get one; its loader has no room for a new one without limit. */
+/* A plug-in is never unmapped, so at a graceful restart the one of before is still there. Without
+ * one the whole server would end. */
 int soapLoadLibrary(struct soapLibrary* library, apr_pool_t* pool, server_rec* server) {
     struct soapPlugin* plugin = apr_pcalloc(pool, sizeof *plugin);
     const char* key = apr_pstrcat(pool, RETAINED, library->path, NULL);
