@@ -73,7 +73,7 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
         {"document type", "<!DOCTYPE a><a/>"},       {"prefix alone", "<a><p:/></a>"},
         {"declaration alone", kUsualDeclaration},     {"mark after it", kUsualDeclaration + "\xef\xbb\xbf<a/>"},
         {"two of them", kUsualDeclaration + "<?xml version='1.0'?><a/>"},
-        {"too deep", nested(kMaxDepth + 1)},
+        {"too deep", nested(kMaxDepth + 1)},         {"too deep for Expat", "<?p?>" + nested(kMaxDepth + 1)},
         {"too many elements", "<a>" + repeated("<b/>", kMaxElements) + "</a>"},
         {"too long", "<a>" + std::string(kMaxSize - 6, 'x') + "</a>"},
         {"bytes of a declared one-byte code", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xe9</a>"},
@@ -92,6 +92,7 @@ TEST(XmlParserTest, RefusesAndGoesOn) {
 TEST(XmlParserTest, ReadsUpToItsLimits) {
     XMLParser reader(nullptr);
     EXPECT_TRUE(reader.ParseXMLString(nested(kMaxDepth)));
+    EXPECT_TRUE(reader.ParseXMLString("<?p?>" + nested(kMaxDepth)));  // by way of Expat
     EXPECT_TRUE(reader.ParseXMLString("<a>" + std::string(kMaxSize - 7, 'x') + "</a>"));
     EXPECT_TRUE(reader.ParseXMLString("<a>" + repeated("<b/>", kMaxElements - 1) + "</a>"));
     EXPECT_EQ(reader.GetDocumentElement()->GetChildTagVals().size(), kMaxElements - 1);

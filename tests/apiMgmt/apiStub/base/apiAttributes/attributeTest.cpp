@@ -93,7 +93,7 @@ struct Condition {
 // clang-format off
 const std::map<const BASEApiAttribute*, std::vector<Condition>> kConditions = {
     {APISample::GetNumberAttr(), {{"10", ">", "9", true}, {"10", ">=", "10", true}, {"-10", "<", "-9", true},
-        {"10", "<=", "9", false}, {"10", "=", "010", true}, {"", "=", "0", false}, {"1", "iqin", "1", false},
+        {"10", "<=", "9", false}, {"10", "<=", "10", true}, {"10", "<", "10", false}, {"10", ">", "10", false}, {"10", "=", "010", true}, {"", "=", "0", false}, {"1", "iqin", "1", false},
         {"1", "!=", "1", false}}},
     {APISample::GetTextAttr(), {{"a-B", "=", "A&hy&b", true}, {"b", ">", "A", true}, {"10", ">", "9", false},
         {"", "=", "", false}, {"My Server", "iqin", "sERV", true}, {"My Server", "iqs", "sERV", false},
