@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <iostream>
 #include <stdexcept>
@@ -14,6 +13,7 @@
 #include "apiMgmt/common/text/documentText.h"
 #include "apiMgmt/common/text/safeText.h"
 #include "client/call/addressText.h"
+#include "client/call/clock.h"
 #include "client/call/opening.h"
 
 namespace client {
@@ -29,11 +29,6 @@ constexpr soap_mode kOutputMode = SOAP_C_UTFSTRING;
 // How to add one: the local name of the element.
 constexpr std::array<std::string_view, 4> kSecretElements = {"userPass", "authToken", "hccKey",
                                                              "userToken"};
-
-double now() {
-    const auto time = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(time).count();
-}
 
 // The engine counts whole seconds, or microseconds below zero, which last for half an hour.
 int engineTime(double seconds) {

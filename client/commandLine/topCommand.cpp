@@ -3,10 +3,10 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <iostream>
 #include <stdexcept>
 
+#include "client/call/clock.h"
 #include "client/call/session.h"
 
 namespace client {
@@ -15,11 +15,6 @@ namespace {
 
 constexpr double kMaxInterval = 3600;
 constexpr const char* kStatusPath = "/san-status/metrics";
-
-double now() {
-    const auto time = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(time).count();
-}
 
 // The terminal while the figures are on it: a page of its own, and keys that count at once.
 class Screen {

@@ -1,22 +1,17 @@
 #include "client/lifecycle/loadRun.h"
 
 #include <algorithm>
-#include <chrono>
 #include <list>
 #include <memory>
 #include <mutex>
 #include <thread>
 
+#include "client/call/clock.h"
 #include "client/call/interruption.h"
 
 namespace client {
 
 namespace {
-
-double now() {
-    const auto time = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(time).count();
-}
 
 // What the workers share. They outlive the run when a second signal ends it, so they own it, too.
 class Load {

@@ -51,9 +51,15 @@ bool matches(const FaultRule& rule, const std::string& object, const std::string
 }  // namespace
 
 FaultRule ruleFromJson(const JsonNode& json) {
-    json.only({"command", "fault", "count", "after", "code", "error", "localized", "detail",
-               "document", "delayMs", "chunk", "intervalMs", "bytes", "forMs"});
     FaultRule rule;
+    std::vector<std::string_view> names;
+    for (const TextMember& row : kTexts) {
+        names.emplace_back(row.name);
+    }
+    for (const NumberMember& row : kNumbers) {
+        names.emplace_back(row.name);
+    }
+    json.only(names);
     for (const NumberMember& row : kNumbers) {
         rule.*row.member = static_cast<int>(json.number(row.name, rule.*row.member, row.max));
     }

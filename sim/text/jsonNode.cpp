@@ -38,7 +38,7 @@ JsonNode JsonNode::member(const char* name) const {
     return node;
 }
 
-void JsonNode::only(std::initializer_list<std::string_view> names) const {
+void JsonNode::only(const std::vector<std::string_view>& names) const {
     if (!m_value->is_object()) {
         fail("has to be an object");
     }
@@ -47,7 +47,7 @@ void JsonNode::only(std::initializer_list<std::string_view> names) const {
             std::string rule = "has no member \"";
             rule.append(name).append("\"; its members are ");
             for (const std::string_view one : names) {
-                rule.append(one == *names.begin() ? "" : ", ").append(one);
+                rule.append(one == names.front() ? "" : ", ").append(one);
             }
             fail(rule);
         }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -32,7 +31,7 @@ public:
     const Json& json() const { return *m_value; }
     bool has(const char* name) const;
     /// An object that has no members but these.
-    void only(std::initializer_list<std::string_view> names) const;
+    void only(const std::vector<std::string_view>& names) const;
 
     /// A member that has to be there and to be a text that is not empty.
     std::string text(const char* name) const;

@@ -47,10 +47,6 @@ std::string difference(const MemberExpectation& expected, const Exchange& call) 
            (like ? ", not like " : ", not ") + quoted(expected.text);
 }
 
-std::string timesText(std::size_t count) {
-    return count == 1 ? "once" : std::to_string(count) + " times";
-}
-
 }  // namespace
 
 bool isLike(std::string_view text, std::string_view pattern) {
@@ -148,6 +144,10 @@ std::string textOf(const Expectation& expected) {
         }
     }
     return out + (expected.outcome.empty() ? "" : ", outcome " + quoted(expected.outcome));
+}
+
+std::string timesText(std::size_t count) {
+    return count == 1 ? "once" : std::to_string(count) + " times";
 }
 
 std::string countTextOf(const Expectation& expected) {

@@ -40,6 +40,8 @@ std::vector<std::string> differences(const Expectation& expected, const Exchange
 
 /// Such as "HccAttachVolume with VolumeId \"vol-1\"".
 std::string textOf(const Expectation& expected);
+/// "once" or "2 times".
+std::string timesText(std::size_t count);
 /// Such as "exactly once" or "2 times or more".
 std::string countTextOf(const Expectation& expected);
 

@@ -81,10 +81,6 @@ void measure(std::vector<Meeting>& meetings, const Calls& calls, bool ordered) {
     }
 }
 
-std::string timesText(std::size_t count) {
-    return count == 1 ? "once" : std::to_string(count) + " times";
-}
-
 /// What is wrong, or nothing.
 std::string problemOf(const Meeting& meeting, bool ordered) {
     const Expectation& expected = meeting.expected;
