@@ -5,11 +5,12 @@
 // Prints the median of the processor time that the requests took, in microseconds, and the first
 // words of the fault, if there is one. The API manager is where the plug-in finds it.
 #include <algorithm>
-#include <cstring>
+#include <cstdlib>
 #include <ctime>
 #include <iostream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "apiMgmt/webservices/sanService/sanService.h"
@@ -23,8 +24,7 @@ struct Exchange {
 Exchange exchange;
 
 std::size_t receive(soap*, char* target, std::size_t room) {
-    const std::size_t size = std::min(room, exchange.request.size() - exchange.read);
-    std::memcpy(target, exchange.request.data() + exchange.read, size);
+    const std::size_t size = exchange.request.copy(target, room, exchange.read);
     exchange.read += size;
     return size;
 }
