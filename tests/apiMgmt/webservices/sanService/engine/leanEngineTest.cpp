@@ -11,6 +11,14 @@
 
 #include "tests/apiMgmt/webservices/sanService/contract/wire.h"
 
+// The engine's own, which ours stand in front of.
+extern "C" {
+int enginePeekElement(soap* context);
+int engineEndElement(soap* context, const char* tag);
+char* engineStringIn(soap* context, int flag, long least, long most, const char* pattern);
+const char* engineValue(soap* context);
+}
+
 namespace {
 
 using wire::Context;
@@ -103,6 +111,80 @@ TEST(LeanEngine, FollowsReferencesWhereTheyAreAskedFor) {
         }
         soap_destroy(context.get());
         soap_end(context.get());
+    }
+}
+
+struct Readers {
+    decltype(&enginePeekElement) peek;
+    decltype(&engineEndElement) end;
+    decltype(&engineStringIn) string;
+    decltype(&engineValue) value;
+};
+
+/// All that a reader of elements sees of a text, element by element.
+std::string readings(const Readers& read, const std::string& text, int flag) {
+    const Context context(soap_new1(SOAP_C_UTFSTRING | SOAP_XML_TREE));
+    std::istringstream in(text);
+    std::ostringstream seen;
+    context->is = &in;
+    (void)soap_begin_recv(context.get());
+    for (int element = 0; element < 6; ++element) {
+        const int outcome = read.peek(context.get());
+        seen << outcome << ' ' << context->tag << ' ' << context->body;
+        for (const auto* each = context->attributes; each != nullptr; each = each->next) {
+            seen << ' ' << each->name << each->visible
+                 << (each->value != nullptr && each->visible != 0 ? each->value : "");
+        }
+        if (outcome == SOAP_OK) {
+            context->peeked = 0;
+        }
+        if (outcome == SOAP_OK && context->body != 0) {
+            ++context->level;
+            const char* content = flag == 0 ? read.value(context.get())
+                                            : read.string(context.get(), flag, 0, 5, nullptr);
+            seen << " [" << (content != nullptr ? content : "none") << ']';
+        }
+        if (outcome != SOAP_OK || context->body != 0) {
+            seen << ' ' << read.end(context.get(), nullptr) << ' ' << context->tag;
+        }
+        seen << ' ' << context->level << '\n';
+    }
+    return seen.str();
+}
+
+TEST(LeanEngine, ReadsElementsAsTheEngineDoes) {
+    const Readers ours{soap_peek_element, soap_element_end_in, soap_string_in, soap_value};
+    const Readers engines{enginePeekElement, engineEndElement, engineStringIn, engineValue};
+    for (const char* text : {"<a>text</a><b/><c></c>",
+                             "<a b='1' c=\"x y\"/><a b='2'> t </a>\n<a c='' b=\"22\" />",
+                             "<a>12345</a>",
+                             "<a>123456</a>",
+                             "<a>a=/b</a>",
+                             "<a>x&amp;y</a>",
+                             "<a>x<b/>c</a>",
+                             "<a\n>t\tu\r\n</a >",
+                             "<a><?x y?>t</a>",
+                             "<a/><!-- c --><a>t</a>",
+                             "<a/><?x?><b/>",
+                             "<a><![CDATA[t]]></a>",
+                             "<a b='1'/><a b='1' b='2'/>",
+                             "<a id='1' ref='#1'/><a id='2' ref=''/>",
+                             "<a b='1'/><a b=c>t</a>",
+                             "<a b='1'/><a b >t</a>",
+                             "<a b='1'/><a b='1&lt;2>'>t</a>",
+                             "<a n:b='1' xmlns:n='u'>t</a><a n:b='2'/>",
+                             "<a b='1' xmlns='u'/><a b='2'/>",
+                             "<a>t</b>",
+                             "<a>t",
+                             "<a",
+                             "<a>\"'></a>",
+                             "<\xC3\xA4>\xC3\xB6</\xC3\xA4>",
+                             "< a>t</ a>",
+                             "<a/ >",
+                             "<1>t</1>"}) {
+        for (const int flag : {0, 1, 4, 5}) {
+            EXPECT_EQ(readings(engines, text, flag), readings(ours, text, flag)) << text << flag;
+        }
     }
 }
 
