@@ -219,6 +219,15 @@ TEST(AttributeText, IsReadAndWrittenByTypedAccessors) {
     }
 }
 
+TEST(AttributeText, OfAListKeepsItsSeparatorsOutOfItsItems) {
+    APISample sample;
+    sample.SetTexts({"a:b", "c"});
+    sample.SetParents({{"1", "T", "a: b"}, {"2", "T", "c"}});
+    EXPECT_EQ(sample.GetStringDirect("Texts"), "a-co-b:c");
+    EXPECT_EQ(sample.GetStringDirect("Parents"), "1 T a-co- b:2 T c");
+    EXPECT_EQ(sample.GetTexts(), (std::vector<std::string>{"a:b", "c"}));
+}
+
 TEST(AttributeText, IsReadWhereItIsNoValue) {
     APISample sample;
     sample.PutStringDirect("Parent", "101.5");
