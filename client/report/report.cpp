@@ -114,17 +114,14 @@ void reportOutcome(Form form, const std::string& operation, const Outcome& outco
 }
 
 void reportPing(Form form, const Outcome& outcome, const Json& reply) {
-    if (form == Form::Machine) {
+    if (form == Form::Machine || (form == Form::Human && !outcome.isDone())) {
         reportOutcome(form, "Ping", outcome, reply, {});
-        return;
-    }
-    const char* failed = form == Form::Monitoring ? monitoringOf(outcome.status).name : "FAILED";
-    if (outcome.isDone()) {
+    } else if (outcome.isDone()) {
         std::printf("PING OK: answered in %.1f ms | time=%.6fs\n", outcome.seconds * kMilliseconds,
                     outcome.seconds);
     } else {
-        std::printf("PING %s: %s | time=%.6fs\n", failed, failureText(outcome).c_str(),
-                    outcome.seconds);
+        std::printf("PING %s: %s | time=%.6fs\n", monitoringOf(outcome.status).name,
+                    failureText(outcome).c_str(), outcome.seconds);
     }
 }
 

@@ -83,8 +83,10 @@ class SanctlTest(unittest.TestCase):
             with self.subTest(name), cannedServer.serve(answer) as server:
                 human = sanctl("--url", server.url, "ping")
                 self.assertEqual(human.returncode, status, human)
-                self.assertIn(words, human.stdout)
-                self.assertNotIn("\u009b", human.stdout)
+                said = human.stderr if status else human.stdout
+                self.assertIn(words, said)
+                self.assertTrue(said.startswith("sanctl: Ping: " if status else "PING OK"), said)
+                self.assertNotIn("\u009b", said)
                 machine = json.loads(sanctl("--url", server.url, "--json", "ping").stdout)
                 self.assertEqual(machine["exitStatus"], status)
                 self.assertRegex(server.agents[0], r"^sanctl/\d")
@@ -99,13 +101,13 @@ class SanctlTest(unittest.TestCase):
                 url = f"{scheme}://localhost:{silent.getsockname()[1]}/"
                 done = sanctl("--url", url, "ping", "--timeout", "1")
                 self.assertEqual(done.returncode, 3, done)
-                self.assertIn(words, done.stdout)
+                self.assertIn(words, done.stderr)
         # The system takes no further connection while these wait to be taken.
         with socket.create_server(("127.0.0.1", 0), backlog=0) as full, \
                 socket.create_connection(full.getsockname()):
             url = f"http://127.0.0.1:{full.getsockname()[1]}/"
             done = sanctl("--url", url, "ping", "--connect-timeout", "1")
-        self.assertIn("no connection within 1 s", done.stdout)
+        self.assertIn("no connection within 1 s", done.stderr)
         with closed_port() as port:
             done = sanctl("--url", f"http://127.0.0.1:{port}/", "ping")
         self.assertEqual(done.returncode, 3, done)
