@@ -11,18 +11,18 @@
 // The library was built elsewhere: what it sets must lie where the headers say, from the first
 // member to the last that it sets, and nothing behind the whole.
 TEST(ContextLayout, IsTheLibrarysOwn) {
-    constexpr size_t guardSize = 4096;
-    constexpr unsigned char filler = 0xA5;
-    const auto room = std::make_unique<unsigned char[]>(sizeof(struct soap) + guardSize);
-    std::memset(room.get(), filler, sizeof(struct soap) + guardSize);
+    constexpr size_t kGuardSize = 4096;
+    constexpr unsigned char kFiller = 0xA5;
+    const auto room = std::make_unique<unsigned char[]>(sizeof(struct soap) + kGuardSize);
+    std::memset(room.get(), kFiller, sizeof(struct soap) + kGuardSize);
     auto* context = reinterpret_cast<struct soap*>(room.get());
     soap_init(context);
     EXPECT_EQ(context->state, SOAP_INIT);
     EXPECT_EQ(context->socket, SOAP_INVALID_SOCKET);
-    constexpr int usualCompression = 6;
-    EXPECT_EQ(context->z_level, usualCompression);
-    for (size_t at = 0; at < guardSize; ++at) {
-        ASSERT_EQ(room[sizeof(struct soap) + at], filler);
+    constexpr int kUsualCompression = 6;
+    EXPECT_EQ(context->z_level, kUsualCompression);
+    for (size_t at = 0; at < kGuardSize; ++at) {
+        ASSERT_EQ(room[sizeof(struct soap) + at], kFiller);
     }
     soap_done(context);
 }
