@@ -1,9 +1,9 @@
-// Runs a fuzz target without libFuzzer; `kUsage` says how.
+// Runs a fuzz target without libFuzzer.
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -14,19 +14,11 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
-
-constexpr std::string_view kUsage = R"(usage: TARGET [--runs N] [--seed S] FILE-OR-DIRECTORY...
-
-Gives the target every file as it is, then N inputs (default 0) made by mutating them. The same
-seed (default 1) makes the same inputs, so that a failing run can be repeated. What fails is in
-the file crash-TARGET of the current directory afterwards.
-)";
 
 constexpr int kUsageError = 64;
 constexpr std::size_t kMaxInputSize = 8192;
@@ -34,17 +26,6 @@ constexpr std::size_t kMaxRepeats = 64;
 constexpr std::size_t kMaxMutations = 4;
 
 using Random = std::mt19937_64;
-
-struct Options {
-    std::uint64_t runs = 0;
-    std::uint64_t seed = 1;
-    std::vector<std::string> seeds;
-};
-
-[[noreturn]] void refuse(std::string_view subject, std::string_view reason) {
-    std::cerr << subject << ": " << reason << '\n';
-    std::exit(kUsageError);
-}
 
 std::size_t below(Random& random, std::size_t limit) {
     return limit == 0 ? 0 : static_cast<std::size_t>(random() % limit);
@@ -90,9 +71,6 @@ std::string mutate(Random& random, const std::vector<std::string>& seeds) {
 
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        refuse(path.string(), "cannot be read");
-    }
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
@@ -112,40 +90,6 @@ void collect(const std::filesystem::path& path, std::vector<std::string>& seeds)
     }
 }
 
-std::uint64_t numberOf(std::string_view option, std::string_view text) {
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) {
-        refuse(option, "needs a number");
-    }
-    return number;
-}
-
-Options optionsOf(const std::vector<std::string_view>& arguments) {
-    Options options;
-    for (auto at = arguments.begin(); at != arguments.end(); ++at) {
-        if (*at == "--help") {
-            std::cout << kUsage;
-            std::exit(0);
-        }
-        if (*at == "--runs" || *at == "--seed") {
-            const std::string_view option = *at;
-            if (++at == arguments.end()) {
-                refuse(option, "needs a number");
-            }
-            (option == "--runs" ? options.runs : options.seed) = numberOf(option, *at);
-        } else if (at->starts_with('-')) {
-            refuse(*at, "unknown option; see --help");
-        } else {
-            collect(*at, options.seeds);
-        }
-    }
-    if (options.seeds.empty()) {
-        refuse("no input files", "see --help");
-    }
-    return options;
-}
-
 /// `crashFile` holds the input that runs, so that it is there when the process dies of it. It is
 /// kept open, since opening it for every input would take longer than most inputs do.
 void run(int crashFile, const std::string& input) {
@@ -163,18 +107,35 @@ void run(int crashFile, const std::string& input) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Options options = optionsOf({argv + 1, argv + argc});
+    std::uint64_t runs = 0;
+    std::uint64_t start = 1;
+    std::vector<std::string> places;
+    CLI::App line(
+        "Gives the target every file as it is, then inputs made by mutating them. What "
+        "fails is in the file crash-TARGET of the current directory afterwards.");
+    line.add_option("--runs", runs, "How many mutated inputs")->capture_default_str();
+    line.add_option("--seed", start, "The same makes the same inputs")->capture_default_str();
+    line.add_option("FILE-OR-DIRECTORY", places)->required()->check(CLI::ExistingPath);
+    CLI11_PARSE(line, argc, argv);
+    std::vector<std::string> seeds;
+    for (const std::string& place : places) {
+        collect(place, seeds);
+    }
+    if (seeds.empty()) {
+        std::cerr << "no input files\n";
+        return kUsageError;
+    }
     const std::string path = "crash-" + std::filesystem::path(argv[0]).filename().string();
     const int crashFile = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    for (const std::string& input : options.seeds) {
+    for (const std::string& input : seeds) {
         run(crashFile, input);
     }
-    Random random(options.seed);
-    for (std::uint64_t i = 0; i < options.runs; ++i) {
-        run(crashFile, mutate(random, options.seeds));
+    Random random(start);
+    for (std::uint64_t i = 0; i < runs; ++i) {
+        run(crashFile, mutate(random, seeds));
     }
     ::close(crashFile);
     std::filesystem::remove(path);
-    std::cout << options.seeds.size() << " files, " << options.runs << " mutated inputs\n";
+    std::cout << seeds.size() << " files, " << runs << " mutated inputs\n";
     return 0;
 }
