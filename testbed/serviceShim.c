@@ -39,20 +39,24 @@ __attribute__((constructor)) static void prepare(void) {
     *(void**)&realVsyslog = dlsym(RTLD_NEXT, "vsyslog");
     *(void**)&realGetservbyname = dlsym(RTLD_NEXT, "getservbyname_r");
     const char* path = getenv("SAN_TEST_SYSLOG");
-    if (path)
+    if (path) {
         logFile = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    }
 }
 
 EXPORT int getservbyname_r(const char* name, const char* proto, struct servent* entry, char* room,
                            size_t size, struct servent** result) {
     const char* port = getenv("SAN_TEST_APIMGR_PORT");
-    if (!port || strcmp(name, "ostrel-apimgr") != 0)
+    if (!port || strcmp(name, "ostrel-apimgr") != 0) {
         return realGetservbyname(name, proto, entry, room, size, result);
+    }
     *result = NULL;
-    if (!*port)
+    if (!*port) {
         return 0;
-    if (size < sizeof "tcp")
+    }
+    if (size < sizeof "tcp") {
         return ERANGE;
+    }
     static char* noAliases[] = {NULL};
     *entry = (struct servent){.s_name = (char*)"ostrel-apimgr",
                               .s_aliases = noAliases,
@@ -68,30 +72,36 @@ static void writeEntry(int priority, const char* format, va_list arguments) {
         realVsyslog(priority, format, arguments);
         return;
     }
-    if (vasprintf(&text, format, arguments) < 0)
+    if (vasprintf(&text, format, arguments) < 0) {
         return;
+    }
     size_t length = strlen(text);
-    if (length > 0 && text[length - 1] == '\n')
+    if (length > 0 && text[length - 1] == '\n') {
         text[--length] = '\0'; /* as the log daemon does */
-    for (char* feed = text; (feed = strchr(feed, '\n'));)
+    }
+    for (char* feed = text; (feed = strchr(feed, '\n'));) {
         *feed = ' ';
+    }
     char* line = NULL;
     int size = asprintf(&line, "%s\t%d\t%s\n", identity, priority, text);
-    if (size > 0 && write(logFile, line, (size_t)size) != size)
+    if (size > 0 && write(logFile, line, (size_t)size) != size) {
         perror("cannot write the log of the test");
+    }
     free(line);
     free(text);
 }
 
 EXPORT void openlog(const char* ident, int option, int facility) {
     __atomic_store_n(&identity, ident, __ATOMIC_RELAXED);
-    if (logFile < 0)
+    if (logFile < 0) {
         realOpenlog(ident, option, facility);
+    }
 }
 
 EXPORT void closelog(void) {
-    if (logFile < 0)
+    if (logFile < 0) {
         realCloselog();
+    }
 }
 
 EXPORT void syslog(int priority, const char* format, ...) {
@@ -112,19 +122,21 @@ EXPORT void __syslog_chk(int priority, int flag, const char* format, ...) {
 }
 
 /* Of ThreadSanitizer, where it runs. */
-extern void __tsan_acquire(void* place)
-    __attribute__((weak));  // NOLINT(bugprone-reserved-identifier)
-extern void __tsan_release(void* place)
-    __attribute__((weak));  // NOLINT(bugprone-reserved-identifier)
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern void __tsan_acquire(void* place) __attribute__((weak));
+extern void __tsan_release(void* place) __attribute__((weak));
+// NOLINTEND(bugprone-reserved-identifier)
 
 /* The server's threads hand the memory of ended connections to each other through a list that this
  * function orders. No sanitizer instruments its own library, so it is told of the order here. */
 EXPORT void* apr_atomic_casptr(void* volatile* place, void* with, const void* expected) {
     void* seen = (void*)expected;
-    if (__tsan_release)
+    if (__tsan_release) {
         __tsan_release((void*)place);
+    }
     __atomic_compare_exchange_n(place, &seen, with, 0, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
-    if (__tsan_acquire)
+    if (__tsan_acquire) {
         __tsan_acquire((void*)place);
+    }
     return seen;
 }

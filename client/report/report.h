@@ -20,8 +20,8 @@ using Warnings = std::vector<std::string>;
 void reportOutcome(Form form, const std::string& operation, const Outcome& outcome,
                    const Json& reply, const Warnings& warnings);
 
-/// The result of a Ping: for people one line on the standard output whether it went well or
-/// not, with the time in the form that monitoring systems read.
+/// The result of a Ping: one that went well is one line on the standard output, with the time in
+/// the form that monitoring systems read; for monitoring so is one that failed.
 void reportPing(Form form, const Outcome& outcome, const Json& reply);
 
 /// What kept the program from calling at all, or ended it: on the error stream, but as JSON or for

@@ -30,11 +30,11 @@ const std::array kCommands = {
 // clang-format on
 
 /// Every association starts at an object, and asks nothing else.
-const Command association = {"", "", false, {"InstanceId"}, followAssociation};
+const Command kAssociation = {"", "", false, {"InstanceId"}, followAssociation};
 
 const Command& commandFor(const ApiRequest& request) {
     if (request.isAssociation) {
-        return association;
+        return kAssociation;
     }
     const auto isMeant = [&](const Command& row) {
         return row.object == request.object && row.name == request.command;

@@ -320,8 +320,8 @@ void declareChanges(CLI::App& app, Arguments& arguments) {
 }
 
 void declare(CLI::App& app, Arguments& arguments) {
-    // That there is none is refused in run(): the parser would say only that, and not which word
-    // stands in the place of one.
+    // run() refuses a missing subcommand: the parser would call it missing where it is
+    // misspelled, and not name the word.
     app.require_subcommand(0, 1);
     app.fallthrough();
     app.set_version_flag("--version", PROGRAM_VERSION);

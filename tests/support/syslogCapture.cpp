@@ -12,28 +12,28 @@ namespace {
 std::mutex gMutex;
 std::vector<SyslogCapture::Line> gLines;
 
-void Add(int priority, const char* format, const char* text) {
+void add(int priority, const char* format, const char* text) {
     const std::lock_guard lock(gMutex);
     gLines.push_back({priority, format, text});
 }
 
-void Record(int priority, const char* format, va_list args) {
+void record(int priority, const char* format, va_list args) {
     char* text = nullptr;
     if (vasprintf(&text, format, args) >= 0) {
         SyslogCapture::instead != nullptr ? SyslogCapture::instead(text)
-                                          : Add(priority, format, text);
+                                          : add(priority, format, text);
     }
     std::free(text);
 }
 
 }  // namespace
 
-void SyslogCapture::Clear() {
+void SyslogCapture::clear() {
     const std::lock_guard lock(gMutex);
     gLines.clear();
 }
 
-std::vector<SyslogCapture::Line> SyslogCapture::Lines() {
+std::vector<SyslogCapture::Line> SyslogCapture::lines() {
     const std::lock_guard lock(gMutex);
     return gLines;
 }
@@ -42,17 +42,17 @@ std::vector<SyslogCapture::Line> SyslogCapture::Lines() {
 extern "C" {
 
 void openlog(const char* ident, int option, int facility) {
-    Add(option | facility, "openlog", ident);
+    add(option | facility, "openlog", ident);
 }
 
 void closelog() {
-    Add(0, "closelog", "");
+    add(0, "closelog", "");
 }
 
 void syslog(int priority, const char* format, ...) {
     va_list args;
     va_start(args, format);
-    Record(priority, format, args);
+    record(priority, format, args);
     va_end(args);
 }
 
@@ -61,7 +61,7 @@ void syslog(int priority, const char* format, ...) {
 void __syslog_chk(int priority, int, const char* format, ...) {
     va_list args;
     va_start(args, format);
-    Record(priority, format, args);
+    record(priority, format, args);
     va_end(args);
 }
 

@@ -6,9 +6,9 @@
 /// Takes the place of the system log in a test program: linking this in catches every call of
 /// openlog, syslog and closelog.
 ///
-///     SyslogCapture::Clear();
+///     SyslogCapture::clear();
 ///     SimpleLogger::DoLog(...);
-///     EXPECT_EQ(SyslogCapture::Lines(), ...);
+///     EXPECT_EQ(SyslogCapture::lines(), ...);
 namespace SyslogCapture {
 
 struct Line {
@@ -21,7 +21,7 @@ struct Line {
 /// Gets each entry's text in place of the list, when a test sets it.
 inline void (*instead)(const std::string& text) = nullptr;
 
-void Clear();
-std::vector<Line> Lines();
+void clear();
+std::vector<Line> lines();
 
 }  // namespace SyslogCapture

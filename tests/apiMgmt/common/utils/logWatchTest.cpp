@@ -44,9 +44,9 @@ void log(const std::string& message) {
 [[noreturn]] void logFromThreadsAtOnce() {
     SyslogCapture::instead = [](const std::string&) {};
     std::latch start(8);
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&start] {
+    std::array<std::jthread, 8> threads;
+    for (std::jthread& thread : threads) {
+        thread = std::jthread([&start] {
             start.arrive_and_wait();
             const void* const others = ::pthread_getspecific(0);
             log("first");
@@ -55,7 +55,9 @@ void log(const std::string& message) {
             }
         });
     }
-    threads.clear();
+    for (std::jthread& thread : threads) {
+        thread.join();
+    }
     ::_exit(0);
 }
 
@@ -80,11 +82,13 @@ TEST(LogWatch, DaemonThatStopsReadingCostsLinesAndNothingElse) {
     ASSERT_EQ(0, ::socketpair(AF_UNIX, SOCK_DGRAM, 0, queue.data()));
     while (::send(queue[0], "x", 1, MSG_DONTWAIT) == 1) {
     }
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 3; ++i) {
-        threads.emplace_back([] { log("lost"); });
+    std::array<std::jthread, 3> threads;
+    for (std::jthread& thread : threads) {
+        thread = std::jthread([] { log("lost"); });
     }
-    threads.clear();  // comes back only when nobody waits any more
+    for (std::jthread& thread : threads) {
+        thread.join();  // only when it waits no more
+    }
     log("lost");
     EXPECT_EQ(4U, SimpleLogger::lostLines());
 

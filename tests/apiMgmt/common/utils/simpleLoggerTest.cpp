@@ -17,7 +17,7 @@ using namespace testing;
 
 class SimpleLoggerTest : public Test {
 protected:
-    SimpleLoggerTest() { SyslogCapture::Clear(); }
+    SimpleLoggerTest() { SyslogCapture::clear(); }
     ~SimpleLoggerTest() override {
         SimpleLogger::setMask(0xFF);
         SimpleLogger::setIncludeHeader(false);
@@ -32,7 +32,7 @@ protected:
 TEST_F(SimpleLoggerTest, OpensTheLogForUserProcesses) {
     SimpleLogger::open("SANService");
     SimpleLogger::close();
-    EXPECT_THAT(SyslogCapture::Lines(),
+    EXPECT_THAT(SyslogCapture::lines(),
                 ElementsAre(SyslogCapture::Line{LOG_CONS | LOG_USER, "openlog", "SANService"},
                             SyslogCapture::Line{0, "closelog", ""}));
 }
@@ -58,7 +58,7 @@ TEST_F(SimpleLoggerTest, MaskAndHeaderDecideWhatIsWritten) {
     Log(SimpleLogger::LOGWarning, "M");
     SimpleLogger::setIncludeHeader(true);
     Log(SimpleLogger::LOGError, "M");
-    EXPECT_THAT(SyslogCapture::Lines(),
+    EXPECT_THAT(SyslogCapture::lines(),
                 ElementsAre(SyslogCapture::Line{LOG_WARNING, "%s",
                                                 "level(4) category(SANService) message(M)\n"},
                             SyslogCapture::Line{LOG_ERR, "%s",
@@ -78,9 +78,9 @@ TEST_F(SimpleLoggerTest, ClientTextStaysOneLineAndIsNoFormat) {
         {"", ""},
     };
     for (const auto& test : cases) {
-        SyslogCapture::Clear();
+        SyslogCapture::clear();
         Log(SimpleLogger::LOGWarning, test.message, test.message);
-        EXPECT_THAT(SyslogCapture::Lines(),
+        EXPECT_THAT(SyslogCapture::lines(),
                     ElementsAre(Field(&SyslogCapture::Line::text, "level(4) category(" +
                                                                       test.written + ") message(" +
                                                                       test.written + ")\n")));
@@ -105,7 +105,7 @@ TEST_F(SimpleLoggerTest, NoThreadTakesTheIdentityFromAnother) {
     threads.clear();
     std::string identity;
     std::size_t written = 0, nameless = 0;
-    for (const SyslogCapture::Line& line : SyslogCapture::Lines()) {
+    for (const SyslogCapture::Line& line : SyslogCapture::lines()) {
         if (line.format == "openlog" || line.format == "closelog") {
             identity = line.text;
         } else {

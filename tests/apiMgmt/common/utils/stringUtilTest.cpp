@@ -93,21 +93,21 @@ TEST(StringUtil, TextsThatMeanTrueOrANumber) {
     EXPECT_GT(STRINGUtil::Comparecase("b", "A"), 0);
 }
 
-std::string Changed(void (*inPlace)(std::string&), std::string text) {
+std::string changed(void (*inPlace)(std::string&), std::string text) {
     inPlace(text);
     return text;
 }
 
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
     STRINGUtil::ReplaceAll(text, from, to);
     return text;
 }
 
 TEST(StringUtil, TextsAreChanged) {
     using Util = STRINGUtil;
-    const auto left = [](const char* text) { return Changed(Util::TrimLeft, text); };
-    const auto right = [](const char* text) { return Changed(Util::TrimRight, text); };
-    const auto both = [](const char* text) { return Changed(Util::Trim, text); };
+    const auto left = [](const char* text) { return changed(Util::TrimLeft, text); };
+    const auto right = [](const char* text) { return changed(Util::TrimRight, text); };
+    const auto both = [](const char* text) { return changed(Util::Trim, text); };
     const auto base36 = [](const char* text) { return Util::FormatBase36String(text, '0', 7); };
     constexpr bool kMarkup = true, kFull = false;
     const std::pair<std::string, std::string> cases[] = {
@@ -120,9 +120,9 @@ TEST(StringUtil, TextsAreChanged) {
         {Util::ExtractFilenameFromPath("/a/b.cpp"), "b.cpp"},
         {Util::ExtractFilenameFromPath("a/"), ""},
         {Util::ExtractFilenameFromPath("plain"), "plain"},
-        {Replaced("a:b:c", ":", "-co-"), "a-co-b-co-c"},
-        {Replaced("", ":", "-co-"), ""},
-        {Replaced("aaaaa", "aa", "aaa"), "aaaaaaa"},
+        {replaced("a:b:c", ":", "-co-"), "a-co-b-co-c"},
+        {replaced("", ":", "-co-"), ""},
+        {replaced("aaaaa", "aa", "aaa"), "aaaaaaa"},
         {left(" \f\n\r\t\vx y "), "x y "},      {left(" \t "), ""},  {left("\xc2\xa0x"), "\xc2\xa0x"},
         {right(" x y \f\n\r\t\v"), " x y"},     {right(" \t "), ""}, {right("x\b"), "x\b"},
         {both(" \f\n\r\t\vx y \f\n\r\t\v"), "x y"}, {both(" \t "), ""}, {both(""), ""},

@@ -68,11 +68,11 @@ private:
     soapRequestConf m_configuration{};
 };
 
-std::string Header(const std::string& children) {
+std::string headerOf(const std::string& children) {
     return "<e:Header><s:HccApiHeader>" + children + "</s:HccApiHeader></e:Header>";
 }
 
-std::string Version(const std::string& version) {
+std::string versionOf(const std::string& version) {
     return "<xsdVersion version='" + version + "'/>";
 }
 
@@ -89,19 +89,20 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
     } cases[] = {
         {"", "Soap header not specified"},
         {"<e:Header/>", "SanService soap header not specified"},
-        {Header(""), mismatch + "]"},
-        {Header(Version("3.0")), mismatch + "3.0]"},
-        {Header(Version("2")), mismatch + "2]"},
-        {Header(Version("20.1")), mismatch + "20.1]"},
-        {Header(Version("%n&lt;%s")), mismatch + "%n&lt;%s]"},
-        {Header(Version("3" + std::string(1000, 'x'))),
+        {headerOf(""), mismatch + "]"},
+        {headerOf(versionOf("3.0")), mismatch + "3.0]"},
+        {headerOf(versionOf("2")), mismatch + "2]"},
+        {headerOf(versionOf("20.1")), mismatch + "20.1]"},
+        {headerOf(versionOf("%n&lt;%s")), mismatch + "%n&lt;%s]"},
+        {headerOf(versionOf("3" + std::string(1000, 'x'))),
          mismatch + "3" + std::string(255, 'x') + "...[cut]]"},
-        {Header(Version("2.3")), kNoCredentials},
-        {Header(Version("2.3") + "<userPass></userPass><authToken></authToken>"), kNoCredentials},
-        {Header(Version("2.3") + "<userPass>ISEhIQ==</userPass>"), kNoCredentials},
-        {Header(Version("2.9.1") + "<authToken>t</authToken>"), kPassed},
-        {Header(Version("2.0") + "<userPass></userPass><authToken>t</authToken>"), kPassed},
-        {Header(Version("2.3") + "<userPass>ZFhObGNqcHdZWE56</userPass>"), kPassed},
+        {headerOf(versionOf("2.3")), kNoCredentials},
+        {headerOf(versionOf("2.3") + "<userPass></userPass><authToken></authToken>"),
+         kNoCredentials},
+        {headerOf(versionOf("2.3") + "<userPass>ISEhIQ==</userPass>"), kNoCredentials},
+        {headerOf(versionOf("2.9.1") + "<authToken>t</authToken>"), kPassed},
+        {headerOf(versionOf("2.0") + "<userPass></userPass><authToken>t</authToken>"), kPassed},
+        {headerOf(versionOf("2.3") + "<userPass>ZFhObGNqcHdZWE56</userPass>"), kPassed},
     };
     for (const auto& [header, fault] : cases) {
         SCOPED_TRACE(header);
@@ -119,7 +120,7 @@ TEST(SanServiceHeader, RefusalsNameTheirReason) {
 // What the web server's module lets nobody send, so that tests/service/replies has none of it: SOAP
 // goes back all the same.
 TEST(SanServiceRequest, WhatTheModuleWouldRefuseGetsASoapFault) {
-    const std::string request = envelope(kRename, Header(Version("2.3")));
+    const std::string request = envelope(kRename, headerOf(versionOf("2.3")));
     const std::pair<std::string, std::string> cases[] = {
         {"hello", "SOAP-ENV:Client"},
         {"", "SOAP-ENV:Client"},
@@ -151,15 +152,15 @@ TEST(SanServiceObject, TakesTheConnectionsAddressesFromTheModule) {
     halfKnown.RegisterConnection("192.0.2.7", nullptr);
     FakeModule unknown;
     for (FakeModule* module : {&halfKnown, &unknown}) {
-        SyslogCapture::Clear();
+        SyslogCapture::clear();
         const OpenService nameless(module->Context());
         EXPECT_EQ("", nameless.GetRequestHeader().clientAddress);
         EXPECT_EQ("", nameless.GetRequestHeader().localAddress);
-        ASSERT_EQ(1U, SyslogCapture::Lines().size());
+        ASSERT_EQ(1U, SyslogCapture::lines().size());
         EXPECT_EQ(
             "level(3) category(SANService) message(Unable to determine connection IPs from "
             "Apache's pRqConf->r->connection struct)\n",
-            SyslogCapture::Lines()[0].text);
+            SyslogCapture::lines()[0].text);
     }
 }
 
@@ -221,7 +222,7 @@ ApiManager gApiManager;
 // Nothing but documents that a strict reader takes reaches the API manager, whatever the client's
 // text is made of.
 TEST(SanServiceObject, SendsEachCharacterOfUnicodeInADocument) {
-    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
+    const std::string header = headerOf(versionOf("2.3") + "<authToken>t</authToken>");
     constexpr std::uint32_t kBlock = 8192;
     gApiManager.TakeDocuments();
     for (std::uint32_t first = 1; first <= 0x10FFFF; first += kBlock) {
@@ -247,8 +248,9 @@ TEST(SanServiceObject, ServesANilPingOfAClientOnly) {
     OpenService service(module.Context());
     SanApi::ns1__PingResponse response;
     EXPECT_EQ(SOAP_FAULT, service.Ping(nullptr, &response));
-    EXPECT_THAT(FakeModule().Serve(envelope("<s:Ping xsi:nil='true'/>", Header(Version("2.3")))),
-                HasSubstr("PingResponse>"));
+    EXPECT_THAT(
+        FakeModule().Serve(envelope("<s:Ping xsi:nil='true'/>", headerOf(versionOf("2.3")))),
+        HasSubstr("PingResponse>"));
     EXPECT_EQ(1U, gApiManager.TakeDocuments().size());
 }
 
@@ -305,8 +307,8 @@ bool describes(const std::string& message, const std::string& written) {
 }
 
 TEST(SanServiceLog, WritesTheLinesOfItsPage) {
-    const std::string header = Header(Version("2.3") + "<authToken>t</authToken>");
-    SyslogCapture::Clear();
+    const std::string header = headerOf(versionOf("2.3") + "<authToken>t</authToken>");
+    SyslogCapture::clear();
     SimpleLogger::setIncludeHeader(true);
     for (const char* operation :
          {"Ping", "AddHccToSan><cfmIpAddresses xsi:nil='1'/", "RemoveHccFromSan",
@@ -323,7 +325,7 @@ TEST(SanServiceLog, WritesTheLinesOfItsPage) {
 
     const std::map<std::string, std::string> lines = linesOfThePage();
     std::map<std::string, std::string> unseen = lines;
-    for (const SyslogCapture::Line& line : SyslogCapture::Lines()) {
+    for (const SyslogCapture::Line& line : SyslogCapture::lines()) {
         int level = 0;
         int number = 0;
         char function[32] = "";
