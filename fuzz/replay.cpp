@@ -116,7 +116,11 @@ int main(int argc, char** argv) {
     line.add_option("--runs", runs, "How many mutated inputs")->capture_default_str();
     line.add_option("--seed", start, "The same makes the same inputs")->capture_default_str();
     line.add_option("FILE-OR-DIRECTORY", places)->required()->check(CLI::ExistingPath);
-    CLI11_PARSE(line, argc, argv);
+    try {
+        line.parse(argc, argv);
+    } catch (const CLI::ParseError& failure) {
+        return line.exit(failure) == 0 ? 0 : kUsageError;
+    }
     std::vector<std::string> seeds;
     for (const std::string& place : places) {
         collect(place, seeds);
