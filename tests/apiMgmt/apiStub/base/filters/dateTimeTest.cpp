@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "apiMgmt/apiStub/base/filters/dateTimeObject.h"
@@ -79,6 +80,19 @@ TEST_F(DateTime, TellsWhatCannotBeFormatted) {
     EXPECT_EQ(beyond.ToString(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Exception formatting datetime: instant beyond the calendar");
+}
+
+TEST_F(DateTime, ThreadsDoNotDisturbEachOther) {
+    const auto look = [](std::int64_t instant) {
+        const DATETimeObject time(instant);
+        const std::string text = time.ToString();
+        for (int round = 0; round < 200; ++round) {
+            EXPECT_EQ(time.ToString(), text);
+            EXPECT_EQ(DATETimeObject(text), time);
+        }
+    };
+    const std::jthread other(look, 1803305045);
+    look(1794665045);
 }
 
 }  // namespace
